@@ -1,0 +1,74 @@
+// One owner for every Win32 handle: a move-only holder that closes its handle
+// exactly once. Closing keeps the thread's last-error value, so a failure
+// report taken after a scope ends still tells the original error.
+#pragma once
+
+#include <windows.h>
+
+#include <utility>
+
+template <class Traits>
+class VUniqueHandle {
+public:
+    using Type = typename Traits::Type;
+
+    VUniqueHandle() noexcept : handle_(Traits::Invalid()) {}
+    explicit VUniqueHandle(Type handle) noexcept : handle_(handle) {}
+    VUniqueHandle(VUniqueHandle&& other) noexcept : handle_(other.Release()) {}
+    VUniqueHandle& operator=(VUniqueHandle&& other) noexcept {
+        Reset(other.Release());
+        return *this;
+    }
+    VUniqueHandle(const VUniqueHandle&) = delete;
+    VUniqueHandle& operator=(const VUniqueHandle&) = delete;
+    ~VUniqueHandle() { Reset(); }
+
+    Type Get() const noexcept { return handle_; }
+    bool IsValid() const noexcept { return handle_ != Traits::Invalid(); }
+    explicit operator bool() const noexcept { return IsValid(); }
+
+    // Gives up ownership without closing.
+    Type Release() noexcept { return std::exchange(handle_, Traits::Invalid()); }
+
+    void Reset(Type handle = Traits::Invalid()) noexcept {
+        if (IsValid()) {
+            const DWORD lastError = GetLastError();
+            Traits::Close(handle_);
+            SetLastError(lastError);
+        }
+        handle_ = handle;
+    }
+
+private:
+    Type handle_;
+};
+
+struct KernelHandleTraits {
+    using Type = HANDLE;
+    static Type Invalid() noexcept { return nullptr; }
+    static void Close(Type handle) noexcept { CloseHandle(handle); }
+};
+
+// CreateFileW answers INVALID_HANDLE_VALUE, not null, on failure.
+struct FileHandleTraits {
+    using Type = HANDLE;
+    static Type Invalid() noexcept { return INVALID_HANDLE_VALUE; }
+    static void Close(Type handle) noexcept { CloseHandle(handle); }
+};
+
+struct LocalMemoryTraits {
+    using Type = void*;
+    static Type Invalid() noexcept { return nullptr; }
+    static void Close(Type memory) noexcept { LocalFree(memory); }
+};
+
+struct LibraryTraits {
+    using Type = HMODULE;
+    static Type Invalid() noexcept { return nullptr; }
+    static void Close(Type module) noexcept { FreeLibrary(module); }
+};
+
+using KernelHandle = VUniqueHandle<KernelHandleTraits>;
+using FileHandle = VUniqueHandle<FileHandleTraits>;
+using LocalMemory = VUniqueHandle<LocalMemoryTraits>;
+using LibraryHandle = VUniqueHandle<LibraryTraits>;
