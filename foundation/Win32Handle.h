@@ -68,7 +68,24 @@ struct LibraryTraits {
     static void Close(Type module) noexcept { FreeLibrary(module); }
 };
 
+// Predefined keys (HKEY_CURRENT_USER ...) are never put in one: only keys this
+// process opened are closed.
+struct RegistryKeyTraits {
+    using Type = HKEY;
+    static Type Invalid() noexcept { return nullptr; }
+    static void Close(Type key) noexcept { RegCloseKey(key); }
+};
+
+// A view of a file mapping, as MapViewOfFile returned it.
+struct MappedViewTraits {
+    using Type = void*;
+    static Type Invalid() noexcept { return nullptr; }
+    static void Close(Type view) noexcept { UnmapViewOfFile(view); }
+};
+
 using KernelHandle = VUniqueHandle<KernelHandleTraits>;
 using FileHandle = VUniqueHandle<FileHandleTraits>;
 using LocalMemory = VUniqueHandle<LocalMemoryTraits>;
 using LibraryHandle = VUniqueHandle<LibraryTraits>;
+using RegistryKeyHandle = VUniqueHandle<RegistryKeyTraits>;
+using MappedView = VUniqueHandle<MappedViewTraits>;
