@@ -1,0 +1,107 @@
+// VTextFile: a line-oriented text file over VFile that detects its encoding
+// from the byte-order mark when reading and writes in the encoding it is given.
+//
+// Failures as in VFile: false with the operating system's error code as the
+// thread's last error. One thread at a time.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "VFile.h"
+
+enum VTextEncoding : uint32_t {
+    TextEncodingUnknown = 0,  // not yet known: the first read looks at the mark
+    TextEncodingAnsi = 1,     // 8-bit text in the system's ANSI code page, no mark
+    TextEncodingUtf8 = 2,     // mark EF BB BF
+    TextEncodingUtf16LE = 3,  // mark FF FE
+    TextEncodingUtf16BE = 4,  // mark FE FF
+};
+
+class VTextFile : public VFile {
+public:
+    // Files are read in blocks of this many bytes.
+    static constexpr size_t BlockSize = 4096;
+
+    VTextFile();
+    // Writes what is still buffered; a failure there is lost, so callers that
+    // care call Flush first.
+    ~VTextFile() override;
+
+    VTextEncoding GetEncoding() const noexcept { return encoding_; }
+    // For writing, or to read a file whose encoding is known (its own mark is
+    // then still skipped at the start of the file).
+    void SetEncoding(VTextEncoding encoding) noexcept { encoding_ = encoding; }
+
+    // When on (the default), every block read is wrapped in a shared lock of
+    // its byte range and every block written in an exclusive one. Callers that
+    // hold a lock of their own for the whole read or write turn it off.
+    void SetBlockLocking(bool on) noexcept { blockLocking_ = on; }
+    bool GetBlockLocking() const noexcept { return blockLocking_; }
+
+    // The next line, without its end: a line ends at CR, at LF or at CR LF.
+    // On the first read of a file of unknown encoding the mark decides it
+    // (UTF-8, then UTF-16 LE, then UTF-16 BE; none: ANSI from the first byte).
+    // False when no line is left: at the end of the file (last error
+    // ERROR_HANDLE_EOF), at bytes that cannot be translated (last error
+    // ERROR_NO_UNICODE_TRANSLATION; the part of the line before them is
+    // delivered first), or on a read error (the system's error). Reading does
+    // not go on after a false. A last line without end is delivered; an empty
+    // remainder is not.
+    bool ReadLine(VUnicodeString& line);
+
+    // Converts text to the file's encoding (UTF-8 or UTF-16 without a mark,
+    // ANSI through the system code page) and appends it at the file pointer.
+    // A character the encoding cannot hold (a lone surrogate; for ANSI, any
+    // character the code page lacks) fails with ERROR_NO_UNICODE_TRANSLATION
+    // and writes nothing of this text; an encoding that cannot be written
+    // (unknown) fails with ERROR_NOT_SUPPORTED.
+    //
+    // The bytes are collected in a write buffer and go to the file when it
+    // fills, at Flush, Unlock, Seek, Truncate, Close and destruction. A write
+    // error of the file may therefore be reported by a later Write or by
+    // Flush: check Flush before counting a file as written. Because Unlock
+    // writes the buffer first, text written under a lock lands under it.
+    bool Write(const VUnicodeString& text) { return Write(text.c_str(), text.GetLength()); }
+    bool Write(const wchar_t* text, size_t length);
+    bool Flush();
+
+    // Ends the file at position, drops the read and write buffers and writes
+    // the mark of the current encoding there (none for ANSI); an unknown
+    // encoding becomes UTF-16 LE first. The INI store truncates at 0.
+    bool Truncate(uint64_t position) override;
+    // Moving the file pointer writes the buffered text first and drops what
+    // was read ahead.
+    bool Seek(int64_t distance, DWORD method, uint64_t* newPosition = nullptr) override;
+    bool Unlock(uint64_t offset, uint64_t length) override;
+    void Close() noexcept override;
+
+private:
+    bool FillBlock();
+    bool DecodeBlock(size_t byteCount, bool atEnd);
+    bool WriteEncoded(const void* bytes, size_t size);
+    void ResetReading() noexcept;
+
+    VTextEncoding encoding_ = TextEncodingUnknown;
+    bool blockLocking_ = true;
+
+    // Reading: raw bytes of the current block (after up to 3 bytes carried
+    // from the block before, an incomplete character), the decoded text of
+    // the block and the line being assembled across blocks.
+    std::vector<BYTE> block_;
+    size_t carried_ = 0;
+    uint64_t blockOffset_ = 0;  // file offset of the next block to read
+    bool started_ = false;      // the mark has been looked at
+    bool lastWasCR_ = false;    // an LF right after it is skipped
+    bool ended_ = false;        // nothing more will be delivered
+    DWORD endError_ = ERROR_HANDLE_EOF;
+    std::vector<wchar_t> decoded_;
+    size_t decodedLength_ = 0;
+    size_t decodedPosition_ = 0;
+    std::wstring line_;
+
+    // Writing: converted bytes not yet written, and a scratch for converting.
+    std::vector<char> pending_;
+};
