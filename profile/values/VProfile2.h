@@ -7,17 +7,18 @@
 // A stored form that does not convert to T (a damaged block, an invalid time
 // text) is refused like a failed read: the value keeps what it had and the
 // key's record carries CONFIG_VALUE_NOT_CONVERTIBLE with the value's name.
+//
+// A kind derived from VProfile2 that overrides Load(key) hides the overload
+// Load(key, default); bring it back with a using-declaration.
 #pragma once
 
 #include <type_traits>
-#include <typeinfo>
 
 #include "ConfigMessages.h"
-#include "VProfileData.h"
-#include "VProfileValueTraits.h"
+#include "VProfileValue.h"
 
 template <class T, class Base>
-class VProfile2 : public Base {
+class VProfile2 : public VProfileValue<T, Base> {
     using Traits = VProfileValueTraits<T>;
 
 public:
@@ -28,88 +29,49 @@ public:
 
     // current = saved = defaultValue.
     explicit VProfile2(const VUnicodeString& name, const T& defaultValue = T())
-        : Base(name), current_(defaultValue), saved_(defaultValue) {}
-
-    const T& Get() const { return current_; }
-    void Set(const T& value) { current_ = value; }
-    const T& GetSaved() const { return saved_; }
+        : VProfileValue<T, Base>(name, defaultValue) {}
 
     // Slot 1: reads the value from source; when the source reports it absent
     // (CONFIG_VALUE_ABSENT), the text kinds take text as the value (converted
     // from the ANSI code page) and the other kinds keep the current value.
     // On success the value is the saved one and not modified.
     bool SetFromText(IProfileDataSource& source, const char* text) override {
-        if (!Read(source)) {
+        if (!this->Read(source)) {
             VReportMessageParams& report = source.GetLastErrorParams();
             if (report.GetMessageCode() != CONFIG_VALUE_ABSENT) return false;
             if constexpr (Base::TakesDefaultText) {
                 Stored stored;
-                T value = current_;
-                if (!Base::StoredFromDefaultText(text, stored) || !Traits::FromStored(stored, value))
-                    return this->NotConvertible(report);
-                current_ = value;
+                if (!Base::StoredFromDefaultText(text, stored) || !Accept(stored, report)) return false;
             }
         }
-        saved_ = current_;
-        this->SetModified(false);
+        this->TakeCurrentAsSaved();
         return true;
     }
 
     // Slot 2. A value loaded under a former name also blanks that name.
     bool Save(VProfileKey& key, bool force) override {
-        if (!force && !this->IsModified() && !IsChanged()) return true;
+        if (!this->NeedsSave(force)) return true;
         Stored stored;
-        if (!Traits::ToStored(current_, stored)) {
-            key.GetLastErrorParams().Set(CONFIG_VALUE_NOT_CONVERTIBLE, this->GetName());
-            return false;
-        }
+        if (!Traits::ToStored(this->Get(), stored)) return this->NotConvertible(key.GetLastErrorParams());
         if (!this->WriteValue(key, this->GetName(), stored)) return false;
         const VUnicodeString& formerName = this->GetPendingFormerName();
         if (!formerName.IsEmpty()) {
             if (!this->WriteValue(key, formerName, Base::BlankStored())) return false;
             this->ClearPendingFormerName();
         }
-        saved_ = current_;
-        this->SetModified(false);
-        this->OnSaved();
+        this->TakeSaved();
         return true;
     }
 
-    bool IsChanged() const override { return !Traits::Equal(current_, saved_); }  // slot 3
-
-    void Commit() override {  // slot 4
-        if (IsChanged()) this->SetModified(true);
-        saved_ = current_;
-    }
-
-    void Revert() override { current_ = saved_; }  // slot 5
-
-    // Slot 6: std::bad_cast when other is not a VProfile2<T, Base>.
-    void CopyFrom(const VProfileData& other) override { current_ = dynamic_cast<const VProfile2&>(other).current_; }
-
     bool GetVariant(VARIANT& variant, VReportMessageParams& report) const override {  // slot 10
         Stored stored;
-        if (!Traits::ToStored(current_, stored)) return this->NotConvertible(report);
+        if (!Traits::ToStored(this->Get(), stored)) return this->NotConvertible(report);
         return this->StoredToVariant(stored, variant, report);
-    }
-
-    bool Write(IProfileDataSink& sink) const override {  // slot 11
-        Stored stored;
-        if (!Traits::ToStored(current_, stored)) return this->NotConvertible(sink.GetLastErrorParams());
-        return this->WriteStored(sink, stored);
     }
 
     bool SetVariant(const VARIANT& variant, VReportMessageParams& report) override {  // slot 14
         Stored stored;
-        if (!this->StoredFromVariant(variant, stored, report)) return false;
-        return Accept(stored, report);
-    }
-
-    bool Read(IProfileDataSource& source) override {  // slot 15
-        VReportMessageParams& report = source.GetLastErrorParams();
-        Stored stored;
-        if (!this->ReadStored(source, stored, report)) return false;
-        return Accept(stored, report);
+        return this->StoredFromVariant(variant, stored, report) && Accept(stored, report);
     }
 
     // Slot 23: current = saved = the value kept under the name; not modified.
@@ -117,47 +79,44 @@ public:
 
     // Load, taking defaultValue as current and saved when the value is absent
     // or malformed; false in that case.
-    bool Load(VProfileKey& key, const T& defaultValue) {
-        if (Load(key)) return true;
-        current_ = saved_ = defaultValue;
-        return false;
-    }
+    bool Load(VProfileKey& key, const T& defaultValue) { return this->LoadOrDefaultUsing(defaultValue, Loader(key)); }
 
     // Loads under the present name, else under formerName (the name an older
     // version used), else takes defaultValue; true when a value was found.
     // Found under formerName, the value is modified, and the next Save writes
     // it under the present name and blanks formerName.
     bool LoadWithFormerName(VProfileKey& key, const VUnicodeString& formerName, const T& defaultValue) {
-        return this->LoadWithFormerNameUsing(
-            formerName, [&](const VUnicodeString& name, bool former) { return LoadUnder(key, name, former); },
-            [&] { return Load(key, defaultValue); });
+        return this->LoadWithFormerNameOrDefaultUsing(formerName, defaultValue, Loader(key));
     }
 
 private:
     // A stored form that arrived through a variant or a source becomes the
     // current value, or is refused with CONFIG_VALUE_NOT_CONVERTIBLE.
     bool Accept(const Stored& stored, VReportMessageParams& report) {
-        T value = current_;
+        T value = this->Get();
         if (!Traits::FromStored(stored, value)) return this->NotConvertible(report);
-        current_ = value;
+        this->Set(value);
         return true;
+    }
+
+    // The present name goes through the virtual Load, so that a kind that
+    // overrides it is honoured; the former name is read here.
+    auto Loader(VProfileKey& key) {
+        return [this, &key](const VUnicodeString& name, bool former) {
+            return former ? LoadUnder(key, name, true) : Load(key);
+        };
     }
 
     bool LoadUnder(VProfileKey& key, const VUnicodeString& name, bool blankIsAbsent) {
         Stored stored;
         if (!this->ReadValue(key, name, stored)) return false;
         if (blankIsAbsent && Base::IsBlank(stored)) return false;
-        T value = current_;
+        T value = this->Get();
         if (!Traits::FromStored(stored, value)) {
             key.GetLastErrorParams().Set(CONFIG_VALUE_NOT_CONVERTIBLE, name);
             return false;
         }
-        current_ = saved_ = value;
-        this->SetModified(false);
-        this->OnLoaded();
+        this->TakeLoaded(value);
         return true;
     }
-
-    T current_;
-    T saved_;
 };

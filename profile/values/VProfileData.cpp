@@ -18,6 +18,13 @@ bool VProfileData::NotConvertible(VReportMessageParams& report) const {
     return false;
 }
 
+bool VProfileData::ReadVariantFrom(IProfileDataSource& source, VARIANT& variant,
+                                   VReportMessageParams& report) const {
+    if (source.Read(name_, variant)) return true;
+    if (&report != &source.GetLastErrorParams()) report = source.GetLastErrorParams();
+    return false;
+}
+
 bool VProfileData::GetVariantAs(VARIANT&, const VUnicodeString&, VARTYPE, VReportMessageParams& report) const {
     return ExchangeNotSupported(report);
 }
@@ -32,4 +39,17 @@ bool VProfileData::SetVariantAs(const VARIANT&, VUnicodeString&, VARTYPE, VRepor
 
 bool VProfileData::ReadAs(IProfileDataSource&, VUnicodeString&, VARTYPE, VReportMessageParams& report) {
     return ExchangeNotSupported(report);
+}
+
+bool VProfileData::Write(IProfileDataSink& sink) const {
+    return WriteVariantTo(sink, [this](VARIANT& variant, VReportMessageParams& report) {
+        return GetVariant(variant, report);
+    });
+}
+
+bool VProfileData::Read(IProfileDataSource& source) {
+    return ReadVariantFrom(source, source.GetLastErrorParams(),
+                           [this](const VARIANT& variant, VReportMessageParams& report) {
+                               return SetVariant(variant, report);
+                           });
 }

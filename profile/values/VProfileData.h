@@ -25,6 +25,7 @@
 #include "VProfileStore.h"
 #include "VReportMessageParams.h"
 #include "VString.h"
+#include "VVariant.h"
 
 class VProfileData {
 public:
@@ -72,8 +73,8 @@ public:
     // Slot 10: variant (initialised; cleared first) receives the current value
     // in the kind's variant type.
     virtual bool GetVariant(VARIANT& variant, VReportMessageParams& report) const = 0;
-    // Slot 11: hands the current value to the sink.
-    virtual bool Write(IProfileDataSink& sink) const = 0;
+    // Slot 11: hands the current value to the sink, as GetVariant makes it.
+    virtual bool Write(IProfileDataSink& sink) const;
     // Slot 12: converts variant to vt and gives its text in value.
     virtual bool SetVariantAs(const VARIANT& variant, VUnicodeString& value, VARTYPE vt,
                               VReportMessageParams& report);
@@ -84,8 +85,9 @@ public:
     // type and makes it the current value. On failure reports
     // CONFIG_VALUE_NOT_CONVERTIBLE and leaves the value unchanged.
     virtual bool SetVariant(const VARIANT& variant, VReportMessageParams& report) = 0;
-    // Slot 15: reads the current value from source; the source's success.
-    virtual bool Read(IProfileDataSource& source) = 0;
+    // Slot 15: reads the current value from source, through SetVariant; the
+    // source's success (and SetVariant's), with the reason in its record.
+    virtual bool Read(IProfileDataSource& source);
 
     // Slots 16 and 17: called after a value was written by Save and after it
     // was read by a load. No kind of the library needs them; a configuration
@@ -109,6 +111,22 @@ protected:
     bool ExchangeNotSupported(VReportMessageParams& report) const;
     // Fills report with CONFIG_VALUE_NOT_CONVERTIBLE for this value; false.
     bool NotConvertible(VReportMessageParams& report) const;
+    // The variant that source keeps under the value's name. On failure report
+    // receives the source's record (CONFIG_VALUE_ABSENT when it has none).
+    bool ReadVariantFrom(IProfileDataSource& source, VARIANT& variant, VReportMessageParams& report) const;
+    // The serialisation of every kind: make(variant, report) fills a variant
+    // that goes to sink under the value's name; a variant read from source
+    // goes to take(variant, report).
+    template <class Make>
+    bool WriteVariantTo(IProfileDataSink& sink, Make make) const {
+        VVariant variant;
+        return make(variant.Get(), sink.GetLastErrorParams()) && sink.Write(name_, variant.Get());
+    }
+    template <class Take>
+    bool ReadVariantFrom(IProfileDataSource& source, VReportMessageParams& report, Take take) const {
+        VVariant variant;
+        return ReadVariantFrom(source, variant.Get(), report) && take(variant.Get(), report);
+    }
 
     // Loading under a former name (an option renamed between versions), the
     // same for every kind. readUnder(name, isFormer) reads the value kept

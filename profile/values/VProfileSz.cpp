@@ -1,25 +1,11 @@
 #include "VProfileSz.h"
 
-#include <new>
-
 #include "VVariant.h"
-
-namespace {
-
-// A BSTR variant of text; BSTRs carry their length, so embedded zeros survive.
-void MakeBstr(const VUnicodeString& text, VVariant& variant) {
-    const BSTR bstr = SysAllocStringLen(text.c_str(), static_cast<UINT>(text.GetLength()));
-    if (!bstr) throw std::bad_alloc();
-    V_VT(&variant.Get()) = VT_BSTR;
-    V_BSTR(&variant.Get()) = bstr;
-}
-
-}  // namespace
 
 bool VProfileSz::GetVariantAs(VARIANT& variant, const VUnicodeString& value, VARTYPE vt,
                               VReportMessageParams& report) const {
     VVariant text;
-    MakeBstr(value, text);
+    text.SetText(value);
     VVariant converted;
     if (!converted.ChangeTypeFrom(text.Get(), vt)) return NotConvertible(report);
     converted.MoveTo(variant);
@@ -27,29 +13,26 @@ bool VProfileSz::GetVariantAs(VARIANT& variant, const VUnicodeString& value, VAR
 }
 
 bool VProfileSz::WriteAs(IProfileDataSink& sink, const VUnicodeString& value, VARTYPE vt) const {
-    VVariant variant;
-    return GetVariantAs(variant.Get(), value, vt, sink.GetLastErrorParams()) && sink.Write(GetName(), variant.Get());
+    return WriteVariantTo(sink, [&](VARIANT& variant, VReportMessageParams& report) {
+        return GetVariantAs(variant, value, vt, report);
+    });
 }
 
 bool VProfileSz::SetVariantAs(const VARIANT& variant, VUnicodeString& value, VARTYPE vt,
                               VReportMessageParams& report) {
     // Through vt first, so that only what vt can hold is accepted, then as text.
     VVariant typed;
-    VVariant text;
-    if (!typed.ChangeTypeFrom(variant, vt) || !text.ChangeTypeFrom(typed.Get(), VT_BSTR)) return NotConvertible(report);
-    const BSTR bstr = V_BSTR(&text.Get());
-    value.Assign(bstr, SysStringLen(bstr));
+    VUnicodeString text;
+    if (!typed.ChangeTypeFrom(variant, vt) || !VVariant::TextOf(typed.Get(), text)) return NotConvertible(report);
+    value.Assign(text.c_str(), text.GetLength());
     return true;
 }
 
 bool VProfileSz::ReadAs(IProfileDataSource& source, VUnicodeString& value, VARTYPE vt,
                         VReportMessageParams& report) {
-    VVariant variant;
-    if (!source.Read(GetName(), variant.Get())) {
-        if (&report != &source.GetLastErrorParams()) report = source.GetLastErrorParams();
-        return false;
-    }
-    return SetVariantAs(variant.Get(), value, vt, report);
+    return ReadVariantFrom(source, report, [&](const VARIANT& variant, VReportMessageParams& failure) {
+        return SetVariantAs(variant, value, vt, failure);
+    });
 }
 
 bool VProfileSz::ReadValue(VProfileKey& key, const VUnicodeString& name, VUnicodeString& out) {

@@ -44,17 +44,13 @@ public:
     virtual bool Load(VProfileKey& key) = 0;
 
 protected:
-    // The exchange of the stored form as this kind's variant type, used by
-    // VProfile2 for slots 10, 11, 14 and 15.
+    // The stored form as this kind's variant type and back: slots 8 and 12
+    // with VT_BSTR. VProfile2 builds slots 10, 11, 14 and 15 on them.
     bool StoredToVariant(const Stored& value, VARIANT& variant, VReportMessageParams& report) const {
         return GetVariantAs(variant, value, VariantType, report);
     }
     bool StoredFromVariant(const VARIANT& variant, Stored& value, VReportMessageParams& report) {
         return SetVariantAs(variant, value, VariantType, report);
-    }
-    bool WriteStored(IProfileDataSink& sink, const Stored& value) const { return WriteAs(sink, value, VariantType); }
-    bool ReadStored(IProfileDataSource& source, Stored& value, VReportMessageParams& report) {
-        return ReadAs(source, value, VariantType, report);
     }
     // The stored form of the default text (ANSI code page) that SetFromText
     // takes when its source does not hold the value.

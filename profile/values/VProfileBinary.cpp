@@ -1,0 +1,50 @@
+#include "VProfileBinary.h"
+
+bool VProfileBinary::ReadValue(VProfileKey& key, const VUnicodeString& name, VBinaryBlock& out) {
+    // The size first; another process may grow the value in between, so try
+    // again while the store answers that the buffer is too small.
+    for (;;) {
+        uint32_t size = 0;
+        if (!key.GetBinary(name, nullptr, size)) return false;
+        VBinaryBlock block(size);
+        if (key.GetBinary(name, block.data(), size)) {
+            block.resize(size);
+            out = std::move(block);
+            return true;
+        }
+        if (key.GetLastErrorParams().GetMessageCode() != ERROR_MORE_DATA) return false;
+    }
+}
+
+bool VProfileBinary::WriteValue(VProfileKey& key, const VUnicodeString& name, const VBinaryBlock& value) {
+    return key.SetBinary(name, value.data(), static_cast<uint32_t>(value.size()));
+}
+
+bool VProfileBinary::StoredToVariant(const Stored& value, VARIANT& variant, VReportMessageParams&) const {
+    VVariant block;
+    SAFEARRAY* array = block.SetVector(VT_UI1, value.size());
+    if (!value.empty()) {
+        void* bytes = nullptr;
+        if (FAILED(SafeArrayAccessData(array, &bytes))) throw std::bad_alloc();
+        std::memcpy(bytes, value.data(), value.size());
+        SafeArrayUnaccessData(array);
+    }
+    block.MoveTo(variant);
+    return true;
+}
+
+bool VProfileBinary::StoredFromVariant(const VARIANT& variant, Stored& value, VReportMessageParams& report) const {
+    SAFEARRAY* array = nullptr;
+    LONG first = 0;
+    size_t count = 0;
+    if (!VVariant::VectorOf(variant, VT_UI1, array, first, count)) return NotConvertible(report);
+    VBinaryBlock block(count);
+    if (count != 0) {
+        void* bytes = nullptr;
+        if (FAILED(SafeArrayAccessData(array, &bytes))) return NotConvertible(report);
+        std::memcpy(block.data(), bytes, count);
+        SafeArrayUnaccessData(array);
+    }
+    value = std::move(block);
+    return true;
+}
