@@ -32,7 +32,8 @@ public:
 
     VTextEncoding GetEncoding() const noexcept { return encoding_; }
     // For writing, or to read a file whose encoding is known (its own mark is
-    // then still skipped at the start of the file).
+    // then still skipped at the start of the file). The encoding stays across
+    // Close and Open: set TextEncodingUnknown to read another file by its mark.
     void SetEncoding(VTextEncoding encoding) noexcept { encoding_ = encoding; }
 
     // When on (the default), every block read is wrapped in a shared lock of
@@ -49,13 +50,14 @@ public:
     // ERROR_NO_UNICODE_TRANSLATION; the part of the line before them is
     // delivered first), or on a read error (the system's error). Reading does
     // not go on after a false. A last line without end is delivered; an empty
-    // remainder is not.
+    // remainder is not. Reading starts at the file pointer; do not mix reading
+    // and writing without a Seek or Truncate in between.
     bool ReadLine(VUnicodeString& line);
 
     // Converts text to the file's encoding (UTF-8 or UTF-16 without a mark,
     // ANSI through the system code page) and appends it at the file pointer.
-    // A character the encoding cannot hold (a lone surrogate; for ANSI, any
-    // character the code page lacks) fails with ERROR_NO_UNICODE_TRANSLATION
+    // A character the encoding cannot hold (for UTF-8 a lone surrogate, for
+    // ANSI any character the code page lacks) fails with ERROR_NO_UNICODE_TRANSLATION
     // and writes nothing of this text; an encoding that cannot be written
     // (unknown) fails with ERROR_NOT_SUPPORTED.
     //
@@ -79,29 +81,43 @@ public:
     void Close() noexcept override;
 
 private:
+    // Reads and decodes the next block; false when reading is over.
     bool FillBlock();
-    bool DecodeBlock(size_t byteCount, bool atEnd);
-    bool WriteEncoded(const void* bytes, size_t size);
+    // Decodes size bytes (the carried ones first) into decoded_ and carries an
+    // incomplete last character over; false on untranslatable bytes, with the
+    // characters before them decoded.
+    bool Decode(const BYTE* bytes, size_t size, bool atEnd);
+    bool DecodeMultiByte(const BYTE* bytes, size_t size);
+    // Settles the encoding from the mark (or skips the known encoding's own
+    // mark at the start of the file); the number of mark bytes.
+    size_t TakeMark(const BYTE* bytes, size_t size, bool atFileStart);
+    bool End(DWORD error);
     void ResetReading() noexcept;
+    bool AppendMultiByte(UINT codePage, const wchar_t* text, size_t length);
+    // Writes bytes at the file pointer, locked exclusively block by block
+    // when block locking is on.
+    bool WriteEncoded(const void* bytes, size_t size);
 
     VTextEncoding encoding_ = TextEncodingUnknown;
     bool blockLocking_ = true;
 
-    // Reading: raw bytes of the current block (after up to 3 bytes carried
-    // from the block before, an incomplete character), the decoded text of
-    // the block and the line being assembled across blocks.
+    // Reading: the raw bytes of the current block (after up to 3 bytes
+    // carried from the block before, an incomplete character), the decoded
+    // text of the block and the line being assembled across block edges.
     std::vector<BYTE> block_;
     size_t carried_ = 0;
-    uint64_t blockOffset_ = 0;  // file offset of the next block to read
+    uint64_t blockOffset_ = 0;  // file offset of the next block
+    UINT codePage_ = 0;         // of the 8-bit encodings
+    bool doubleByte_ = false;   // the code page has lead bytes
     bool started_ = false;      // the mark has been looked at
     bool lastWasCR_ = false;    // an LF right after it is skipped
-    bool ended_ = false;        // nothing more will be delivered
+    bool ended_ = false;        // no block will be read any more
     DWORD endError_ = ERROR_HANDLE_EOF;
     std::vector<wchar_t> decoded_;
     size_t decodedLength_ = 0;
     size_t decodedPosition_ = 0;
     std::wstring line_;
 
-    // Writing: converted bytes not yet written, and a scratch for converting.
+    // Writing: converted bytes not yet written.
     std::vector<char> pending_;
 };

@@ -1,0 +1,273 @@
+// VSecurityDescriptor: the text form both ways, bytes from outside, and the
+// per-user descriptor of the shared-memory objects.
+#include <gtest/gtest.h>
+
+#include <aclapi.h>
+#include <sddl.h>
+
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "VSecurityDescriptor.h"
+#include "Win32Handle.h"
+
+namespace {
+
+using Texts = VArray<VUnicodeString>;
+
+Texts T(std::initializer_list<const wchar_t*> texts) {
+    Texts result;
+    for (const wchar_t* text : texts) result.Add(VUnicodeString(text));
+    return result;
+}
+
+// A descriptor from the system's own descriptor language, as an independent source.
+VSecurityDescriptor FromSddl(const wchar_t* sddl) {
+    PSECURITY_DESCRIPTOR raw = nullptr;
+    EXPECT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(sddl, SDDL_REVISION_1, &raw, nullptr)) << sddl;
+    const LocalMemory owner(raw);
+    VSecurityDescriptor descriptor;
+    EXPECT_TRUE(descriptor.Assign(raw));
+    return descriptor;
+}
+
+// A descriptor whose access list is dacl (null: a null access list).
+VSecurityDescriptor WithDacl(void* dacl) {
+    SECURITY_DESCRIPTOR absolute;
+    InitializeSecurityDescriptor(&absolute, SECURITY_DESCRIPTOR_REVISION);
+    SetSecurityDescriptorDacl(&absolute, TRUE, static_cast<PACL>(dacl), FALSE);
+    VSecurityDescriptor descriptor;
+    EXPECT_TRUE(descriptor.Assign(&absolute));
+    return descriptor;
+}
+
+// An access list with one allowed-callback entry for Everyone, an entry kind
+// that the text form has no word for.
+std::vector<DWORD> CallbackEntryList() {
+    std::vector<DWORD> acl(64);
+    InitializeAcl(reinterpret_cast<PACL>(acl.data()), static_cast<DWORD>(acl.size() * 4), ACL_REVISION);
+    BYTE everyone[SECURITY_MAX_SID_SIZE];
+    DWORD sidSize = sizeof everyone;
+    EXPECT_TRUE(CreateWellKnownSid(WinWorldSid, nullptr, everyone, &sidSize));
+    std::vector<BYTE> ace(sizeof(ACE_HEADER) + sizeof(ACCESS_MASK) + sidSize);
+    ACE_HEADER header = {ACCESS_ALLOWED_CALLBACK_ACE_TYPE, 0, static_cast<WORD>(ace.size())};
+    const ACCESS_MASK mask = FILE_GENERIC_READ;
+    std::memcpy(ace.data(), &header, sizeof header);
+    std::memcpy(ace.data() + sizeof header, &mask, sizeof mask);
+    std::memcpy(ace.data() + sizeof header + sizeof mask, everyone, sidSize);
+    EXPECT_TRUE(AddAce(reinterpret_cast<PACL>(acl.data()), ACL_REVISION, MAXDWORD, ace.data(),
+                       static_cast<DWORD>(ace.size())));
+    return acl;
+}
+
+std::wstring ToSddl(const VSecurityDescriptor& descriptor, SECURITY_INFORMATION parts) {
+    wchar_t* text = nullptr;
+    EXPECT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor.Get(), SDDL_REVISION_1, parts, &text,
+                                                                      nullptr));
+    const LocalMemory owner(text);
+    return text ? text : L"";
+}
+
+TEST(SecurityDescriptorTest, TextFormRoundTripsInListOrder) {
+    VSecurityDescriptor descriptor;
+    const Texts entries = T({L"allow,0x001f01ff,S-1-5-32-544", L"deny,0x00000001,S-1-1-0",
+                             L"allow,0x80000000,S-1-5-21-1004336348-1177238915-682003330-512"});
+    ASSERT_TRUE(descriptor.FromText(entries));
+    EXPECT_EQ(L"D:(A;;FA;;;BA)(D;;CC;;;WD)(A;;GR;;;S-1-5-21-1004336348-1177238915-682003330-512)",
+              ToSddl(descriptor, DACL_SECURITY_INFORMATION))
+        << "the entries are what the text says, in its order";
+    Texts back;
+    ASSERT_TRUE(descriptor.ToText(back));
+    EXPECT_EQ(entries, back);
+    EXPECT_EQ(static_cast<SECURITY_INFORMATION>(DACL_SECURITY_INFORMATION), descriptor.GetPresentParts());
+}
+
+TEST(SecurityDescriptorTest, ReadingIsLenientAboutCaseBlanksAndAliases) {
+    VSecurityDescriptor descriptor;
+    ASSERT_TRUE(descriptor.FromText(T({L"ALLOW,0X1F01FF,BA", L" Deny , 0xa ,\tS-1-1-0 "})));
+    Texts back;
+    ASSERT_TRUE(descriptor.ToText(back));
+    EXPECT_EQ(T({L"allow,0x001f01ff,S-1-5-32-544", L"deny,0x0000000a,S-1-1-0"}), back);
+}
+
+TEST(SecurityDescriptorTest, BadEntriesAreRejectedAndChangeNothing) {
+    VSecurityDescriptor descriptor;
+    ASSERT_TRUE(descriptor.FromText(T({L"allow,0x1,S-1-1-0"})));
+    const std::vector<BYTE> before(static_cast<BYTE*>(descriptor.Get()),
+                                   static_cast<BYTE*>(descriptor.Get()) + descriptor.GetLength());
+    const struct {
+        const wchar_t* text;
+        DWORD error;
+    } cases[] = {
+        {L"permit,0x1,S-1-1-0", ERROR_INVALID_DATA}, {L"allowed,0x1,S-1-1-0", ERROR_INVALID_DATA},
+        {L",0x1,S-1-1-0", ERROR_INVALID_DATA},       {L"allow,1,S-1-1-0", ERROR_INVALID_DATA},
+        {L"allow,0x,S-1-1-0", ERROR_INVALID_DATA},   {L"allow,0x123456789,S-1-1-0", ERROR_INVALID_DATA},
+        {L"allow,0xg,S-1-1-0", ERROR_INVALID_DATA},  {L"allow,-0x1,S-1-1-0", ERROR_INVALID_DATA},
+        {L"allow,0x1", ERROR_INVALID_DATA},          {L"allow", ERROR_INVALID_DATA},
+        {L"", ERROR_INVALID_DATA},                   {L"allow,0x1,S-1-x", ERROR_INVALID_SID},
+        {L"allow,0x1,", ERROR_INVALID_SID},          {L"allow,0x1,S-1-1-0,extra", ERROR_INVALID_SID},
+        {L"allow,0x1,Everyone", ERROR_INVALID_SID},
+    };
+    for (const auto& bad : cases) {
+        EXPECT_FALSE(descriptor.FromText(T({L"allow,0x2,S-1-1-0", bad.text}))) << bad.text;
+        EXPECT_EQ(bad.error, GetLastError()) << bad.text;
+    }
+    EXPECT_EQ(before, std::vector<BYTE>(static_cast<BYTE*>(descriptor.Get()),
+                                        static_cast<BYTE*>(descriptor.Get()) + descriptor.GetLength()));
+}
+
+TEST(SecurityDescriptorTest, AnEmptyListIsAnAccessListWithoutEntries) {
+    VSecurityDescriptor descriptor;
+    ASSERT_TRUE(descriptor.FromText(Texts()));
+    EXPECT_TRUE(IsValidSecurityDescriptor(descriptor.Get()));
+    EXPECT_EQ(L"D:", ToSddl(descriptor, DACL_SECURITY_INFORMATION));
+    Texts back = T({L"stale"});
+    ASSERT_TRUE(descriptor.ToText(back));
+    EXPECT_EQ(0u, back.GetCount());
+}
+
+TEST(SecurityDescriptorTest, WhatTheTextCannotHoldIsRefusedNotDropped) {
+    Texts entries;
+    const struct {
+        const wchar_t* sddl;
+        const char* why;
+    } cases[] = {
+        {L"O:BA", "no access list"},
+        {L"D:(A;OICI;FA;;;BA)", "inheritance flags"},
+        {L"D:(A;IO;FA;;;BA)", "inherit-only"},
+    };
+    for (const auto& refused : cases) {
+        entries = T({L"untouched"});
+        EXPECT_FALSE(FromSddl(refused.sddl).ToText(entries)) << refused.why;
+        EXPECT_EQ(static_cast<DWORD>(ERROR_NOT_SUPPORTED), GetLastError()) << refused.why;
+        EXPECT_EQ(T({L"untouched"}), entries) << refused.why;
+    }
+    EXPECT_FALSE(WithDacl(nullptr).ToText(entries)) << "a null access list allows everyone";
+    EXPECT_EQ(static_cast<DWORD>(ERROR_NOT_SUPPORTED), GetLastError());
+    EXPECT_FALSE(WithDacl(CallbackEntryList().data()).ToText(entries)) << "a callback entry";
+    EXPECT_EQ(static_cast<DWORD>(ERROR_NOT_SUPPORTED), GetLastError());
+    EXPECT_FALSE(VSecurityDescriptor().ToText(entries));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_NOT_SUPPORTED), GetLastError());
+
+    // The mark of an inherited entry alone is no behaviour: the entry is kept.
+    ASSERT_TRUE(FromSddl(L"D:(A;ID;FA;;;BA)").ToText(entries));
+    EXPECT_EQ(T({L"allow,0x001f01ff,S-1-5-32-544"}), entries);
+    // The owner is not part of the text form.
+    ASSERT_TRUE(FromSddl(L"O:BAD:(D;;FA;;;WD)").ToText(entries));
+    EXPECT_EQ(T({L"deny,0x001f01ff,S-1-1-0"}), entries);
+}
+
+TEST(SecurityDescriptorTest, BytesFromOutsideAreCheckedAgainstTheirLength) {
+    const VSecurityDescriptor source = FromSddl(L"O:BAG:SYD:(A;;FA;;;BA)(D;;CC;;;WD)");
+    EXPECT_EQ(static_cast<SECURITY_INFORMATION>(OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION |
+                                                DACL_SECURITY_INFORMATION),
+              source.GetPresentParts());
+    const BYTE* bytes = static_cast<const BYTE*>(source.Get());
+    std::vector<BYTE> copy(bytes, bytes + source.GetLength());
+
+    VSecurityDescriptor descriptor;
+    ASSERT_TRUE(descriptor.AssignBytes(copy.data(), copy.size()));
+    EXPECT_EQ(ToSddl(source, OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION),
+              ToSddl(descriptor, OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION));
+
+    for (size_t cut = 0; cut < copy.size(); cut += 3) {
+        EXPECT_FALSE(descriptor.AssignBytes(copy.data(), cut)) << "cut to " << cut;
+        EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_SECURITY_DESCR), GetLastError());
+    }
+    // An access list that claims more entries than it holds.
+    SECURITY_DESCRIPTOR_RELATIVE header;
+    std::memcpy(&header, copy.data(), sizeof header);
+    std::vector<BYTE> lying = copy;
+    lying[header.Dacl + 4] = 40;  // AceCount
+    EXPECT_FALSE(descriptor.AssignBytes(lying.data(), lying.size()));
+    // An owner offset beyond the end.
+    lying = copy;
+    const DWORD distant = static_cast<DWORD>(copy.size() + 100);
+    std::memcpy(lying.data() + offsetof(SECURITY_DESCRIPTOR_RELATIVE, Owner), &distant, sizeof distant);
+    EXPECT_FALSE(descriptor.AssignBytes(lying.data(), lying.size()));
+    EXPECT_FALSE(descriptor.AssignBytes("not a descriptor at all", 23));
+    EXPECT_FALSE(descriptor.AssignBytes(nullptr, 0));
+
+    // Still the first one: failures changed nothing.
+    EXPECT_EQ(ToSddl(source, DACL_SECURITY_INFORMATION), ToSddl(descriptor, DACL_SECURITY_INFORMATION));
+}
+
+TEST(SecurityDescriptorTest, AttributesAreNeverInheritableAndEmptyMeansDefault) {
+    VSecurityDescriptor descriptor;
+    SECURITY_ATTRIBUTES attributes = descriptor.GetSecurityAttributes();
+    EXPECT_EQ(sizeof attributes, attributes.nLength);
+    EXPECT_EQ(nullptr, attributes.lpSecurityDescriptor);
+    EXPECT_FALSE(attributes.bInheritHandle);
+    EXPECT_EQ(nullptr, VSecurityDescriptor::SecurityAttributesFor(nullptr).lpSecurityDescriptor);
+
+    ASSERT_TRUE(descriptor.FromText(T({L"allow,0x1,S-1-1-0"})));
+    attributes = VSecurityDescriptor::SecurityAttributesFor(&descriptor);
+    EXPECT_EQ(descriptor.Get(), attributes.lpSecurityDescriptor);
+    EXPECT_FALSE(attributes.bInheritHandle);
+
+    const VSecurityDescriptor copy = descriptor;
+    descriptor.Clear();
+    EXPECT_TRUE(descriptor.IsEmpty());
+    EXPECT_FALSE(copy.IsEmpty()) << "copies are independent";
+    EXPECT_EQ(0u, descriptor.GetPresentParts());
+}
+
+TEST(SecurityDescriptorTest, CurrentUserSidIsTheTokenUser) {
+    VUnicodeString sid;
+    ASSERT_TRUE(GetCurrentUserSidString(sid));
+    EXPECT_TRUE(sid.StartsWith(L"S-1-5-")) << sid.c_str();
+
+    // The same account, found by name through the system's own lookup.
+    wchar_t user[256];
+    DWORD userLength = 256;
+    ASSERT_TRUE(GetUserNameW(user, &userLength));
+    BYTE account[SECURITY_MAX_SID_SIZE];
+    DWORD accountSize = sizeof account;
+    wchar_t domain[256];
+    DWORD domainLength = 256;
+    SID_NAME_USE use;
+    ASSERT_TRUE(LookupAccountNameW(nullptr, user, account, &accountSize, domain, &domainLength, &use));
+    wchar_t* text = nullptr;
+    ASSERT_TRUE(ConvertSidToStringSidW(account, &text));
+    const LocalMemory owner(text);
+    EXPECT_EQ(VUnicodeString(text), sid);
+}
+
+TEST(SecurityDescriptorTest, PerUserAccessGrantsTheCurrentUserEverything) {
+    VSecurityDescriptor descriptor;
+    ASSERT_TRUE(descriptor.AssignCurrentUserAccess());
+    ASSERT_TRUE(IsValidSecurityDescriptor(descriptor.Get()));
+    EXPECT_EQ(static_cast<SECURITY_INFORMATION>(DACL_SECURITY_INFORMATION), descriptor.GetPresentParts());
+
+    BOOL present = FALSE;
+    BOOL defaulted = FALSE;
+    PACL dacl = nullptr;
+    ASSERT_TRUE(GetSecurityDescriptorDacl(descriptor.Get(), &present, &dacl, &defaulted));
+    ASSERT_TRUE(present && dacl);
+    ASSERT_EQ(1u, dacl->AceCount);
+    void* raw = nullptr;
+    ASSERT_TRUE(GetAce(dacl, 0, &raw));
+    const ACCESS_ALLOWED_ACE* entry = static_cast<const ACCESS_ALLOWED_ACE*>(raw);
+    EXPECT_EQ(ACCESS_ALLOWED_ACE_TYPE, entry->Header.AceType);
+    EXPECT_EQ(static_cast<BYTE>(OBJECT_INHERIT_ACE | CONTAINER_INHERIT_ACE), entry->Header.AceFlags);
+    EXPECT_EQ(static_cast<ACCESS_MASK>(GENERIC_ALL), entry->Mask);
+    wchar_t* text = nullptr;
+    ASSERT_TRUE(ConvertSidToStringSidW(const_cast<DWORD*>(&entry->SidStart), &text));
+    const LocalMemory owner(text);
+    VUnicodeString user;
+    ASSERT_TRUE(GetCurrentUserSidString(user));
+    EXPECT_EQ(user, VUnicodeString(text));
+
+    // It serves a named shared-memory object, which the user can open again.
+    const VUnicodeString name = VUnicodeString(L"Local\\TraywellFilesTest") + user;
+    SECURITY_ATTRIBUTES attributes = descriptor.GetSecurityAttributes();
+    const KernelHandle mapping(
+        CreateFileMappingW(INVALID_HANDLE_VALUE, &attributes, PAGE_READWRITE, 0, 4096, name.c_str()));
+    ASSERT_TRUE(mapping);
+    const KernelHandle again(OpenFileMappingW(FILE_MAP_ALL_ACCESS, FALSE, name.c_str()));
+    EXPECT_TRUE(again);
+}
+
+}  // namespace
