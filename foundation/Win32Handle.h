@@ -68,6 +68,13 @@ struct LibraryTraits {
     static void Close(Type module) noexcept { FreeLibrary(module); }
 };
 
+// A search of FindFirstFileW / FindFirstFileExW, closed with FindClose.
+struct FindTraits {
+    using Type = HANDLE;
+    static Type Invalid() noexcept { return INVALID_HANDLE_VALUE; }
+    static void Close(Type search) noexcept { FindClose(search); }
+};
+
 // Predefined keys (HKEY_CURRENT_USER ...) are never put in one: only keys this
 // process opened are closed.
 struct RegistryKeyTraits {
@@ -87,5 +94,6 @@ using KernelHandle = VUniqueHandle<KernelHandleTraits>;
 using FileHandle = VUniqueHandle<FileHandleTraits>;
 using LocalMemory = VUniqueHandle<LocalMemoryTraits>;
 using LibraryHandle = VUniqueHandle<LibraryTraits>;
+using FindHandle = VUniqueHandle<FindTraits>;
 using RegistryKeyHandle = VUniqueHandle<RegistryKeyTraits>;
 using MappedView = VUniqueHandle<MappedViewTraits>;

@@ -218,12 +218,28 @@ bool VTextFile::FillBlock() {
     }
 }
 
+namespace {
+
+// Copies the line into the caller's string. A string that is not shared and
+// has room keeps its block, so a caller that reads into one variable pays
+// for no allocation per line.
+void Deliver(VUnicodeString& line, const wchar_t* text, size_t length) {
+    if (length == 0) {
+        line.Empty();
+        return;
+    }
+    std::memcpy(line.GetBuffer(length), text, length * sizeof(wchar_t));
+    line.ReleaseBuffer(length);
+}
+
+}  // namespace
+
 bool VTextFile::ReadLine(VUnicodeString& line) {
     for (;;) {
         if (decodedPosition_ == decodedLength_) {
             if (ended_ || !FillBlock()) {
                 if (!line_.empty()) {
-                    line.Assign(line_.data(), line_.size());
+                    Deliver(line, line_.data(), line_.size());
                     line_.clear();
                     return true;
                 }
@@ -241,17 +257,17 @@ bool VTextFile::ReadLine(VUnicodeString& line) {
             }
         }
         const wchar_t* stop = begin;
-        while (stop < end && *stop != L'\r' && *stop != L'\n') ++stop;
+        while (stop < end && (*stop > L'\r' || (*stop != L'\r' && *stop != L'\n'))) ++stop;
         if (stop == end) {
             line_.append(begin, end);
             decodedPosition_ = decodedLength_;
             continue;
         }
         if (line_.empty()) {
-            line.Assign(begin, static_cast<size_t>(stop - begin));
+            Deliver(line, begin, static_cast<size_t>(stop - begin));
         } else {
             line_.append(begin, stop);
-            line.Assign(line_.data(), line_.size());
+            Deliver(line, line_.data(), line_.size());
             line_.clear();
         }
         lastWasCR_ = *stop == L'\r';

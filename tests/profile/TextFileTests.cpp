@@ -100,6 +100,24 @@ TEST_F(TextFileTest, AKnownEncodingStillSkipsItsOwnMark) {
     EXPECT_EQ(VUnicodeString(L"text"), line);
 }
 
+TEST_F(TextFileTest, LinesKeptByTheCallerAreNotOverwrittenByTheNextRead) {
+    VTextFile file;
+    ASSERT_TRUE(file.Open(Make("long first line\nnext\n\nsensitive"), GENERIC_READ, OPEN_EXISTING));
+    VUnicodeString line;
+    ASSERT_TRUE(file.ReadLine(line));
+    const VUnicodeString kept = line;
+    ASSERT_TRUE(file.ReadLine(line));
+    EXPECT_EQ(VUnicodeString(L"long first line"), kept);
+    EXPECT_EQ(VUnicodeString(L"next"), line);
+    ASSERT_TRUE(file.ReadLine(line));
+    EXPECT_TRUE(line.IsEmpty());
+
+    VUnicodeString secret(Str::Sensitive);
+    ASSERT_TRUE(file.ReadLine(secret));
+    EXPECT_EQ(VUnicodeString(L"sensitive"), secret);
+    EXPECT_TRUE(secret.IsSensitive()) << "the caller's string keeps its mark";
+}
+
 TEST_F(TextFileTest, LinesEndAtCrAtLfAndAtCrLf) {
     EXPECT_EQ(Lines({L"a", L"b", L"c", L"d", L"", L"e"}), ReadAll("a\rb\nc\r\nd\r\r\ne"));
     EXPECT_EQ(Lines({L"", L"", L"", L"x"}), ReadAll("\n\r\n\rx\r\n"));

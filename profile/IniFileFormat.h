@@ -1,0 +1,54 @@
+// The entry format of INI-file values files, reader and writer side by side.
+//
+// One entry per value: a header line, then for B and Z the lines that carry
+// the data. Every line the writer makes ends with CR LF:
+//     D:"Port"=00000016                  a dword, 8 lower-case hex digits
+//     S:"Host"=example.org               a string, verbatim to the line end
+//     B:"Data"=00000003                  a byte count, then lines of " xx"
+//      0a ff 10                          pairs, 32 to a line
+//     Z:"Commands"=00000002              a string count, then one line per
+//      first                             string: a space and the string
+//      second
+// A name runs from the first double quote to the next; there is no escape,
+// so names never hold a double quote.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "VContainers.h"
+#include "VIniFileData.h"
+#include "VString.h"
+
+class VTextFile;
+
+// The lines of one entry as the writer puts them in a file. The text is
+// sensitive when the name or the content is.
+VUnicodeString FormatIniDwordEntry(const VUnicodeString& name, uint32_t value);
+VUnicodeString FormatIniStringEntry(const VUnicodeString& name, const VUnicodeString& text);
+VUnicodeString FormatIniBinaryEntry(const VUnicodeString& name, const uint8_t* bytes, size_t length);
+VUnicodeString FormatIniMultiStringEntry(const VUnicodeString& name, const VArray<VUnicodeString>& strings);
+
+// Reads the entries of a values file opened for reading, in file order.
+class VIniFileEntryReader {
+public:
+    // file is read from its current position and must outlive the reader.
+    explicit VIniFileEntryReader(VTextFile& file) : file_(file) {}
+
+    // The next entry: its name (possibly empty; the caller decides what an
+    // empty name means) and its value. False at the end of the file and at
+    // the first entry that breaks the format; once false, always false, since
+    // nothing after a damaged entry can be trusted to be where it seems.
+    bool Next(VUnicodeString& name, std::unique_ptr<VIniFileData>& value);
+
+private:
+    bool ReadEntry(VUnicodeString& name, std::unique_ptr<VIniFileData>& value);
+    bool ReadBinaryLines(uint32_t count, std::vector<uint8_t>& bytes);
+    bool ReadStringLines(uint32_t count, VArray<VUnicodeString>& strings);
+
+    VTextFile& file_;
+    VUnicodeString line_;  // reused, so that reading makes no string per line
+    bool ended_ = false;
+};

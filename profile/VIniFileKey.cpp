@@ -1,0 +1,479 @@
+#include "VIniFileKey.h"
+
+#include <cwctype>
+#include <vector>
+
+#include "FileSystem.h"
+#include "IniFileFormat.h"
+#include "PrivateValueNames.h"
+#include "ProfileErrors.h"
+#include "VIniFileKeyIterator.h"
+#include "VTextFile.h"
+#include "Win32Handle.h"
+
+namespace {
+
+// Readers, writers and deleters of other processes never shut each other out
+// of a values file; the byte-range locks order them instead.
+constexpr DWORD ValuesFileShareMode = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+// Every reader and writer locks these bytes for the whole read or write.
+constexpr uint64_t LockOffset = 0;
+constexpr uint64_t LockLength = 4;
+
+constexpr wchar_t IsSessionName[] = L"Is Session";
+
+bool IsSeparator(wchar_t character) { return character == L'\\' || character == L'/'; }
+
+// Drops trailing separators, but not the one of a drive root ("C:\").
+VUnicodeString WithoutTrailingSeparators(const VUnicodeString& path) {
+    size_t length = path.GetLength();
+    while (length > 0 && IsSeparator(path[length - 1]) && !(length >= 2 && path[length - 2] == L':')) --length;
+    return path.Left(length);
+}
+
+VUnicodeString JoinPath(const VUnicodeString& folder, const VUnicodeString& name) {
+    if (folder.IsEmpty()) return VUnicodeString();
+    VUnicodeString path = folder;
+    if (!IsSeparator(path[path.GetLength() - 1])) path += L'\\';
+    path += name;
+    return path;
+}
+
+// The folder that holds path ("C:\Config" for "C:\Config\Sessions.ini").
+VUnicodeString ParentFolder(const VUnicodeString& path) {
+    size_t length = path.GetLength();
+    while (length > 0 && !IsSeparator(path[length - 1])) --length;
+    return WithoutTrailingSeparators(path.Left(length));
+}
+
+bool IsHighSurrogate(wchar_t character) { return character >= 0xD800 && character <= 0xDBFF; }
+bool IsLowSurrogate(wchar_t character) { return character >= 0xDC00 && character <= 0xDFFF; }
+
+// Whether UTF-8 can hold text: every surrogate must be half of a pair.
+bool HasOnlyPairedSurrogates(const VUnicodeString& text) {
+    const wchar_t* characters = text.c_str();
+    const size_t length = text.GetLength();
+    for (size_t i = 0; i < length; ++i) {
+        if (IsHighSurrogate(characters[i]) && i + 1 < length && IsLowSurrogate(characters[i + 1])) {
+            ++i;
+        } else if (IsHighSurrogate(characters[i]) || IsLowSurrogate(characters[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool HoldsLineBreak(const VUnicodeString& text) {
+    return text.Find(L'\r') != VUnicodeString::npos || text.Find(L'\n') != VUnicodeString::npos;
+}
+
+// Names that Windows takes for devices, whatever extension follows them.
+bool IsDeviceName(const wchar_t* part, size_t length) {
+    size_t stem = 0;
+    while (stem < length && part[stem] != L'.') ++stem;
+    VUnicodeString name(part, stem);
+    name.MakeUpper();
+    static const wchar_t* const devices[] = {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$"};
+    for (const wchar_t* device : devices)
+        if (name == device) return true;
+    return name.GetLength() == 4 && (name.StartsWith(L"COM") || name.StartsWith(L"LPT")) && name[3] >= L'1' &&
+           name[3] <= L'9';
+}
+
+bool IsValidPathPart(const wchar_t* part, size_t length) {
+    if (length == 0) return false;
+    if ((length == 1 && part[0] == L'.') || (length == 2 && part[0] == L'.' && part[1] == L'.')) return false;
+    for (size_t i = 0; i < length; ++i) {
+        const wchar_t character = part[i];
+        if (character < 32 || std::wcschr(L"<>:\"/|?*", character)) return false;
+    }
+    // Windows drops a trailing dot or blank, so "Work." would be "Work".
+    if (part[length - 1] == L'.' || part[length - 1] == L' ') return false;
+    return !IsDeviceName(part, length);
+}
+
+bool Exists(const VUnicodeString& path, bool& isFolder) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return false;
+    isFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return true;
+}
+
+bool DeleteFolderTree(const VUnicodeString& folder);
+
+// Removes one entry found in a folder. A link to a folder is removed itself,
+// never followed. Read-only files are not forced: they fail the deletion, as
+// they would in the shell.
+bool DeleteFolderEntry(const VUnicodeString& path, DWORD attributes) {
+    if (!(attributes & FILE_ATTRIBUTE_DIRECTORY)) return DeleteFileW(path.c_str()) != 0;
+    if (attributes & FILE_ATTRIBUTE_REPARSE_POINT) return RemoveDirectoryW(path.c_str()) != 0;
+    return DeleteFolderTree(path);
+}
+
+// Removes a folder with everything in it.
+bool DeleteFolderTree(const VUnicodeString& folder) {
+    WIN32_FIND_DATAW found;
+    const VUnicodeString pattern = JoinPath(folder, VUnicodeString(L"*"));
+    const FindHandle search(
+        FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &found, FindExSearchNameMatch, nullptr, 0));
+    if (search) {
+        bool removed = true;
+        do {
+            const VUnicodeString name(found.cFileName);
+            if (name == L"." || name == L"..") continue;
+            removed = DeleteFolderEntry(JoinPath(folder, name), found.dwFileAttributes);
+        } while (removed && FindNextFileW(search.Get(), &found));
+        if (!removed) return false;
+    }
+    return RemoveDirectoryW(folder.c_str()) != 0;
+}
+
+// Removes what exists of one key's folder and values file. False with the
+// last error set on a failure; removedAny tells whether anything was there.
+bool DeleteKeyFiles(const VUnicodeString& folder, bool& removedAny) {
+    for (const VUnicodeString& path : {folder, VIniFileKey::ValuesFilePath(folder)}) {
+        const DWORD attributes = GetFileAttributesW(path.c_str());
+        if (attributes == INVALID_FILE_ATTRIBUTES) continue;
+        removedAny = true;
+        if (!DeleteFolderEntry(path, attributes)) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+VIniFileKey::VIniFileKey(const VUnicodeString& folderPath, const VUnicodeString& privateFolderPath, bool readOnly,
+                         const VSecurityDescriptor* security)
+    : folderPath_(WithoutTrailingSeparators(folderPath)),
+      privateFolderPath_(WithoutTrailingSeparators(privateFolderPath)),
+      readOnly_(readOnly) {
+    if (privateFolderPath_.EqualsNoCase(folderPath_)) privateFolderPath_.Empty();
+    if (security && !security->IsEmpty()) security_ = *security;
+}
+
+VIniFileKey::~VIniFileKey() {
+    if (!readOnly_) Save();
+}
+
+VUnicodeString VIniFileKey::ValuesFilePath(const VUnicodeString& folderPath) {
+    return folderPath + ValuesFileExtension;
+}
+
+bool VIniFileKey::IsValidValueName(const VUnicodeString& name) {
+    return !name.IsEmpty() && name.Find(L'"') == VUnicodeString::npos && !HoldsLineBreak(name);
+}
+
+bool VIniFileKey::IsValidSubkeyName(const VUnicodeString& name) {
+    const wchar_t* characters = name.c_str();
+    const size_t length = name.GetLength();
+    size_t start = 0;
+    for (size_t i = 0; i <= length; ++i) {
+        if (i < length && characters[i] != L'\\') continue;
+        if (!IsValidPathPart(characters + start, i - start)) return false;
+        start = i + 1;
+    }
+    return true;
+}
+
+bool VIniFileKey::Fail(DWORD error) {
+    RecordSystemError(error_, error);
+    return false;
+}
+
+// ---- the value table ----
+
+VIniFileValueTable& VIniFileKey::Table() {
+    if (!table_) LoadTable();
+    return *table_;
+}
+
+void VIniFileKey::LoadTable() {
+    table_ = std::make_unique<VIniFileValueTable>();
+    modified_ = false;
+    privateValueDeleted_ = false;
+    ReadValuesFile(ValuesFilePath(folderPath_));
+    // Read second, so that its values win over stray copies in the main file.
+    if (!privateFolderPath_.IsEmpty()) ReadValuesFile(ValuesFilePath(privateFolderPath_));
+}
+
+void VIniFileKey::ReadValuesFile(const VUnicodeString& path) {
+    VTextFile file;
+    file.SetShareMode(ValuesFileShareMode);
+    // A missing file is an empty key; a file that cannot be opened reads as one.
+    if (!file.Open(path, GENERIC_READ, OPEN_EXISTING)) return;
+    // The lock covers the whole read, so the blocks need none of their own.
+    file.SetBlockLocking(false);
+    if (!file.Lock(LockOffset, LockLength, false)) {
+        RecordLastSystemError(error_);
+        return;
+    }
+    VIniFileEntryReader reader(file);
+    VUnicodeString name;
+    std::unique_ptr<VIniFileData> value;
+    while (reader.Next(name, value)) {
+        // A name the writer could not have made cannot be stored or read back.
+        if (!name.IsEmpty()) table_->Store(name, std::move(value));
+    }
+    file.Unlock(LockOffset, LockLength);
+}
+
+const VIniFileKey::FileInformation& VIniFileKey::GetFileInformation() {
+    if (!fileInformation_) {
+        FileInformation information{};
+        WIN32_FILE_ATTRIBUTE_DATA data;
+        if (GetFileAttributesExW(ValuesFilePath(folderPath_).c_str(), GetFileExInfoStandard, &data)) {
+            information.exists = true;
+            information.isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+            information.readOnly = (data.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
+        }
+        fileInformation_ = information;
+    }
+    return *fileInformation_;
+}
+
+// ---- reads ----
+
+const VIniFileData* VIniFileKey::FindForRead(const VUnicodeString& name, VProfileValueKind kind) {
+    const VIniFileData* value = Table().Find(name);
+    if (value && value->GetKind() == kind) return value;
+    RecordValueAbsent(error_, name);
+    return nullptr;
+}
+
+bool VIniFileKey::GetMultiString(const VUnicodeString& name, VArray<VUnicodeString>& strings) {
+    const VIniFileData* value = FindForRead(name, ProfileMultiString);
+    return value && value->GetMultiString(strings);
+}
+
+bool VIniFileKey::GetBinary(const VUnicodeString& name, void* buffer, size_t& size) {
+    const VIniFileData* value = FindForRead(name, ProfileBinary);
+    if (!value) return false;
+    return value->GetBinary(buffer, size) || Fail(ERROR_MORE_DATA);
+}
+
+bool VIniFileKey::GetString(const VUnicodeString& name, VUnicodeString& text) {
+    const VIniFileData* value = FindForRead(name, ProfileString);
+    return value && value->GetString(text);
+}
+
+bool VIniFileKey::GetDword(const VUnicodeString& name, uint32_t& value) {
+    // A session is a key whose values file exists; the file answers before
+    // any value is read, so listing sessions reads no session's values.
+    if (name == IsSessionName) {
+        const FileInformation& information = GetFileInformation();
+        if (information.exists && !information.isFolder) {
+            value = 1;
+            return true;
+        }
+    }
+    const VIniFileData* data = FindForRead(name, ProfileDword);
+    return data && data->GetDword(value);
+}
+
+bool VIniFileKey::GetSecurity(const VUnicodeString& name, VSecurityDescriptor& descriptor) {
+    const VIniFileData* value = Table().Find(name);
+    if (value && value->GetKind() == ProfileMultiString) {
+        VArray<VUnicodeString> entries;
+        value->GetMultiString(entries);
+        return descriptor.FromText(entries) || Fail(GetLastError());
+    }
+    size_t size = 0;
+    if (!GetBinary(name, nullptr, size)) return false;
+    std::vector<BYTE> bytes(size);
+    if (!GetBinary(name, bytes.data(), size)) return false;
+    // AssignBytes takes only what IsValidSecurityDescriptor accepts, with
+    // every part inside the bytes.
+    return descriptor.AssignBytes(bytes.data(), size) || Fail(GetLastError());
+}
+
+// ---- writes ----
+
+bool VIniFileKey::CheckWrite(const VUnicodeString& name) {
+    if (readOnly_) return Fail(ERROR_ACCESS_DENIED);
+    if (!IsValidValueName(name)) return Fail(ERROR_INVALID_NAME);
+    if (!HasOnlyPairedSurrogates(name)) return Fail(ERROR_NO_UNICODE_TRANSLATION);
+    return true;
+}
+
+bool VIniFileKey::CheckText(const VUnicodeString& text) {
+    if (HoldsLineBreak(text)) return Fail(ERROR_INVALID_DATA);
+    if (!HasOnlyPairedSurrogates(text)) return Fail(ERROR_NO_UNICODE_TRANSLATION);
+    return true;
+}
+
+bool VIniFileKey::Store(const VUnicodeString& name, std::unique_ptr<VIniFileData> value) {
+    Table().Store(name, std::move(value));
+    modified_ = true;
+    return true;
+}
+
+bool VIniFileKey::SetMultiString(const VUnicodeString& name, const VArray<VUnicodeString>& strings) {
+    if (!CheckWrite(name)) return false;
+    for (const VUnicodeString& string : strings)
+        if (!CheckText(string)) return false;
+    return Store(name, std::make_unique<VIniFileDataStringSz>(strings));
+}
+
+bool VIniFileKey::SetBinary(const VUnicodeString& name, const void* bytes, size_t length) {
+    if (!CheckWrite(name)) return false;
+    if (!bytes && length != 0) return Fail(ERROR_INVALID_PARAMETER);
+    if (length > UINT32_MAX) return Fail(ERROR_INVALID_DATA);  // the count field holds 32 bits
+    return Store(name, std::make_unique<VIniFileDataBinary>(bytes, length));
+}
+
+bool VIniFileKey::SetString(const VUnicodeString& name, const VUnicodeString& text) {
+    return CheckWrite(name) && CheckText(text) && Store(name, std::make_unique<VIniFileDataString>(text));
+}
+
+bool VIniFileKey::SetDword(const VUnicodeString& name, uint32_t value) {
+    return CheckWrite(name) && Store(name, std::make_unique<VIniFileDataDword>(value));
+}
+
+bool VIniFileKey::SetSecurity(const VUnicodeString& name, const VSecurityDescriptor& descriptor) {
+    if (!CheckWrite(name)) return false;
+    VArray<VUnicodeString> entries;
+    if (!descriptor.ToText(entries)) return Fail(GetLastError());
+    return Store(name, std::make_unique<VIniFileDataStringSz>(std::move(entries)));
+}
+
+bool VIniFileKey::DeleteValue(const VUnicodeString& name) {
+    if (readOnly_) return Fail(ERROR_ACCESS_DENIED);
+    if (!Table().Remove(name)) return Fail(ERROR_FILE_NOT_FOUND);
+    modified_ = true;
+    if (IsPrivateValueName(name)) privateValueDeleted_ = true;
+    return true;
+}
+
+bool VIniFileKey::IsWritable() {
+    if (readOnly_) return false;
+    const FileInformation& information = GetFileInformation();
+    // A folder in the values file's place cannot be written either.
+    return !information.exists || !(information.readOnly || information.isFolder);
+}
+
+bool VIniFileKey::Reload() {
+    table_.reset();
+    fileInformation_.reset();
+    LoadTable();
+    return true;
+}
+
+// ---- saving ----
+
+bool VIniFileKey::OpenForSaving(VTextFile& file, const VUnicodeString& path) {
+    // Windows refuses to open a read-only file for writing, but Wine grants
+    // it to a process run by root; the attribute is honoured here for both.
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY)) {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return false;
+    }
+    file.SetShareMode(ValuesFileShareMode);
+    file.SetSecurityDescriptor(security_ ? &*security_ : nullptr);
+    if (!file.Open(path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS)) {
+        // Most often the key's folder chain does not exist yet.
+        CreateFolderChain(ParentFolder(path), security_ ? &*security_ : nullptr);
+        if (!file.Open(path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS)) return false;
+    }
+    file.SetEncoding(TextEncodingUtf8);
+    file.SetBlockLocking(false);
+    return file.Lock(LockOffset, LockLength, true) && file.Truncate(0);
+}
+
+bool VIniFileKey::Save() {
+    if (!table_ || !modified_) return true;
+    if (readOnly_) return Fail(ERROR_ACCESS_DENIED);
+
+    // Both files are opened before either is written, so that a private value
+    // goes to the private file exactly when that file could be opened.
+    VTextFile mainFile;
+    VTextFile privateFile;
+    DWORD failure = ERROR_SUCCESS;
+    if (!OpenForSaving(mainFile, ValuesFilePath(folderPath_))) {
+        failure = GetLastError();
+        // Open but not locked or not cut: nothing may be written to it.
+        if (mainFile.IsOpen()) return Fail(failure);
+    }
+    const bool privateWanted = !privateFolderPath_.IsEmpty() && (table_->HasPrivateValue() || privateValueDeleted_);
+    if (privateWanted && !OpenForSaving(privateFile, ValuesFilePath(privateFolderPath_)) && privateFile.IsOpen())
+        return Fail(GetLastError());
+    if (!mainFile.IsOpen() && !privateFile.IsOpen()) return Fail(failure);
+
+    bool written = true;
+    const auto writeSlot = [&](const VIniFileValueTable::Slot& slot) {
+        VTextFile& target = slot.isPrivate && privateFile.IsOpen() ? privateFile : mainFile;
+        if (written && target.IsOpen() && !slot.value->WriteToFile(target, slot.name)) {
+            written = false;
+            failure = GetLastError();
+        }
+    };
+    // The format lists every multi-string after all other entries.
+    table_->ForEach([&](const VIniFileValueTable::Slot& slot) {
+        if (slot.value->GetKind() != ProfileMultiString) writeSlot(slot);
+    });
+    table_->ForEach([&](const VIniFileValueTable::Slot& slot) {
+        if (slot.value->GetKind() == ProfileMultiString) writeSlot(slot);
+    });
+
+    // Unlocking writes out what is still buffered, under the lock.
+    for (VTextFile* file : {&mainFile, &privateFile}) {
+        if (file->IsOpen() && !file->Unlock(LockOffset, LockLength) && written) {
+            written = false;
+            failure = GetLastError();
+        }
+    }
+    fileInformation_.reset();
+    // Without the main file the save is incomplete even when every value had
+    // a place in the private file: its deletions are not stored. The table
+    // stays changed, so the next save tries again.
+    if (!written || failure != ERROR_SUCCESS) return Fail(failure);
+    modified_ = false;
+    privateValueDeleted_ = false;
+    return true;
+}
+
+// ---- subkeys ----
+
+bool VIniFileKey::KeyExists(const VUnicodeString& name) {
+    if (!IsValidSubkeyName(name)) return Fail(ERROR_INVALID_NAME);
+    const VUnicodeString folder = JoinPath(folderPath_, name);
+    bool isFolder = false;
+    if (Exists(folder, isFolder) && isFolder) return true;
+    return Exists(ValuesFilePath(folder), isFolder) && !isFolder;
+}
+
+std::unique_ptr<VProfilePrivateKey> VIniFileKey::OpenKey(const VUnicodeString& name, bool create,
+                                                         const VSecurityDescriptor* security) {
+    if (!IsValidSubkeyName(name)) {
+        Fail(ERROR_INVALID_NAME);
+        return nullptr;
+    }
+    // A read-only key opens what exists and creates nothing.
+    create = create && !readOnly_;
+    if (!create && !KeyExists(name)) {
+        Fail(ERROR_FILE_NOT_FOUND);
+        return nullptr;
+    }
+    const VUnicodeString privateFolder = JoinPath(privateFolderPath_, name);
+    auto key = std::make_unique<VIniFileKey>(JoinPath(folderPath_, name), privateFolder, readOnly_, security);
+    if (create) {
+        if (!CreateFolderChain(key->folderPath_, security) ||
+            (!key->privateFolderPath_.IsEmpty() && !CreateFolderChain(key->privateFolderPath_, security)))
+            RecordLastSystemError(key->error_);
+    }
+    return key;
+}
+
+bool VIniFileKey::DeleteKey(const VUnicodeString& name) {
+    if (readOnly_) return Fail(ERROR_ACCESS_DENIED);
+    if (!IsValidSubkeyName(name)) return Fail(ERROR_INVALID_NAME);
+    bool removedAny = false;
+    if (!DeleteKeyFiles(JoinPath(folderPath_, name), removedAny)) return Fail(GetLastError());
+    if (!privateFolderPath_.IsEmpty() && !DeleteKeyFiles(JoinPath(privateFolderPath_, name), removedAny))
+        return Fail(GetLastError());
+    return removedAny || Fail(ERROR_FILE_NOT_FOUND);
+}
+
+std::unique_ptr<VProfilePrivateKeyIterator> VIniFileKey::CreatePrivateKeyIterator(bool values) {
+    return std::make_unique<Iterator>(*this, values);
+}

@@ -1,0 +1,319 @@
+// The values file format against hand-written files: what the reader takes
+// and where it stops, in every encoding, and the writer's exact bytes.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "IniTestValues.h"
+#include "TempFolder.h"
+#include "VIniFileKey.h"
+
+namespace {
+
+const std::string Bom = "\xEF\xBB\xBF";
+const std::string Before = "D:\"before\"=00000001\r\n";
+const std::string After = "\r\nD:\"after\"=00000002\r\n";
+
+TestValue D(uint32_t value) { return TestValue::Dword(value); }
+TestValue S(std::wstring text) { return TestValue::String(std::move(text)); }
+TestValue B(std::vector<uint8_t> bytes) { return TestValue::Binary(std::move(bytes)); }
+TestValue Z(std::vector<std::wstring> strings) { return TestValue::MultiString(std::move(strings)); }
+
+class IniFileFormat : public ::testing::Test {
+protected:
+    VUnicodeString ValuesFile() const { return VIniFileKey::ValuesFilePath(keyFolder_); }
+    VUnicodeString PrivateValuesFile() const { return VIniFileKey::ValuesFilePath(privateFolder_); }
+
+    // The values that a key reads from a values file holding bytes.
+    TestValues Load(const std::string& bytes) {
+        EXPECT_TRUE(WriteWholeFile(ValuesFile(), bytes));
+        VIniFileKey key(keyFolder_, VUnicodeString(), true, nullptr);
+        return ReadAllValues(key);
+    }
+
+    // Stores values in this order through a fresh key and saves them; the
+    // bytes of the values file.
+    std::string Save(const std::vector<std::pair<std::wstring, TestValue>>& values) {
+        VIniFileKey key(keyFolder_, VUnicodeString(), false, nullptr);
+        for (const auto& [name, value] : values) EXPECT_TRUE(StoreValue(key, name, value));
+        EXPECT_TRUE(key.Flush()) << key.GetLastErrorParams().GetMessageCode();
+        return ReadWholeFile(ValuesFile());
+    }
+
+    TempFolder folder_;
+    const VUnicodeString keyFolder_ = folder_ / L"Key";
+    const VUnicodeString privateFolder_ = folder_ / L"Private\\Key";
+};
+
+struct FormatCase {
+    const char* what;
+    std::string lines;  // between the "before" and the "after" entry
+    TestValues expected;
+};
+
+TEST_F(IniFileFormat, ReadingStopsAtTheFirstEntryThatBreaksARule) {
+    const TestValues onlyBefore{{L"before", D(1)}};
+    const FormatCase cases[] = {
+        {"header shorter than 5 characters", "S:\"\"", onlyBefore},
+        {"no equals sign", "S:\"a\"", onlyBefore},
+        {"lower-case kind letter", "d:\"x\"=00000001", onlyBefore},
+        {"unknown kind letter", "X:\"x\"=00000001", onlyBefore},
+        {"no colon", "D;\"x\"=00000001", onlyBefore},
+        {"no opening quote", "D:x\"=00000001", onlyBefore},
+        {"no closing quote", "D:\"x=00000001", onlyBefore},
+        {"blank before the equals sign", "D:\"x\" =00000001", onlyBefore},
+        {"quote inside the name", "S:\"a\"b\"=c", onlyBefore},
+        {"blank line", "", onlyBefore},
+        {"dword of 7 digits", "D:\"x\"=0000001", onlyBefore},
+        {"dword of 9 digits", "D:\"x\"=000000001", onlyBefore},
+        {"dword with a trailing blank", "D:\"x\"=00000001 ", onlyBefore},
+        {"empty dword field", "D:\"x\"=", onlyBefore},
+        {"byte count of 7 digits", "B:\"x\"=0000001\r\n 01", onlyBefore},
+        {"empty data line", "B:\"x\"=00000002\r\n\r\n 01 02", onlyBefore},
+        {"data line of white space", "B:\"x\"=00000002\r\n  \t \r\n 01 02", onlyBefore},
+        {"lone digit at the end of a data line", "B:\"x\"=00000002\r\n 01 0", onlyBefore},
+        {"non-digit where a pair begins", "B:\"x\"=00000002\r\n 01 g2", onlyBefore},
+        {"non-digit inside a pair", "B:\"x\"=00000002\r\n 01 2g", onlyBefore},
+        {"blank inside a pair", "B:\"x\"=00000002\r\n 01 2 2", onlyBefore},
+        {"more bytes than counted", "B:\"x\"=00000001\r\n 01 02", onlyBefore},
+        {"more bytes than missing on a later line", "B:\"x\"=00000003\r\n 01 02\r\n 03 04", onlyBefore},
+        {"too few data lines (the next header is no data)", "B:\"x\"=00000003\r\n 01 02", onlyBefore},
+        {"string line without its blank", "Z:\"x\"=00000002\r\n a\r\nb", onlyBefore},
+        {"empty string line", "Z:\"x\"=00000001\r\n", onlyBefore},
+        {"string count of 9 digits", "Z:\"x\"=000000001\r\n a", onlyBefore},
+    };
+    for (const FormatCase& test : cases) {
+        SCOPED_TRACE(test.what);
+        EXPECT_EQ(test.expected, Load(Bom + Before + test.lines + After));
+    }
+}
+
+TEST_F(IniFileFormat, AcceptedEntriesAndWhatTheyHold) {
+    std::vector<uint8_t> thirtyThree;
+    for (uint8_t byte = 0; byte < 33; ++byte) thirtyThree.push_back(byte);
+    const FormatCase cases[] = {
+        {"empty names are dropped, and reading goes on", "S:\"\"=", {{L"before", D(1)}, {L"after", D(2)}}},
+        {"empty names of every kind, data lines included",
+         "S:\"\"=text\r\nD:\"\"=00000005\r\nB:\"\"=00000002\r\n 01 02\r\nZ:\"\"=00000001\r\n x",
+         {{L"before", D(1)}, {L"after", D(2)}}},
+        {"a non-digit counts as 255", "D:\"x\"=0000000g", {{L"before", D(1)}, {L"x", D(255)}, {L"after", D(2)}}},
+        {"255 weighs like a digit in its place", "D:\"x\"=000000g0",
+         {{L"before", D(1)}, {L"x", D(255 * 16)}, {L"after", D(2)}}},
+        // 255 * (16^8 - 1) / 15 = 17 * (2^32 - 1), whose low 32 bits are 2^32 - 17.
+        {"only the low 32 bits are kept", "D:\"x\"=gggggggg",
+         {{L"before", D(1)}, {L"x", D(0xFFFFFFEF)}, {L"after", D(2)}}},
+        {"digits of either case", "D:\"x\"=ABcdEF01", {{L"before", D(1)}, {L"x", D(0xABCDEF01)}, {L"after", D(2)}}},
+        {"33 bytes split anyhow, pairs of either case",
+         "B:\"x\"=00000021\r\n000102\r\n\t03  04\t05\r\n06070809 0A0b0C0d0e0F\r\n"
+         " 10 11 12 13 14 15 16 17 18 19 1a 1b 1c 1d 1e 1f 20",
+         {{L"before", D(1)}, {L"x", B(thirtyThree)}, {L"after", D(2)}}},
+        {"a byte count of 0 has no data line", "B:\"x\"=00000000",
+         {{L"before", D(1)}, {L"x", B({})}, {L"after", D(2)}}},
+        {"a string count of 0 has no string line", "Z:\"x\"=00000000",
+         {{L"before", D(1)}, {L"x", Z({})}, {L"after", D(2)}}},
+        {"string lines: one blank, then the string as it stands", "Z:\"x\"=00000003\r\n \r\n  a \"b\" = \r\n ",
+         {{L"before", D(1)}, {L"x", Z({L"", L" a \"b\" = ", L""})}, {L"after", D(2)}}},
+        {"a string runs verbatim to the line end", "S:\"x\"=a \"quoted\" = value ",
+         {{L"before", D(1)}, {L"x", S(L"a \"quoted\" = value ")}, {L"after", D(2)}}},
+        {"an empty string", "S:\"x\"=", {{L"before", D(1)}, {L"x", S(L"")}, {L"after", D(2)}}},
+        {"names hold blanks, colons and equals signs", "S:\"a = b: c\"=d",
+         {{L"before", D(1)}, {L"a = b: c", S(L"d")}, {L"after", D(2)}}},
+        {"a later entry of the same name wins, whatever its kind", "S:\"before\"=again",
+         {{L"before", S(L"again")}, {L"after", D(2)}}},
+    };
+    for (const FormatCase& test : cases) {
+        SCOPED_TRACE(test.what);
+        EXPECT_EQ(test.expected, Load(Bom + Before + test.lines + After));
+    }
+}
+
+TEST_F(IniFileFormat, TheEndOfTheFileEndsAnUnfinishedEntry) {
+    const TestValues onlyBefore{{L"before", D(1)}};
+    EXPECT_EQ(onlyBefore, Load(Bom + Before + "B:\"x\"=00000003\r\n 01 02\r\n"));
+    EXPECT_EQ(onlyBefore, Load(Bom + Before + "Z:\"x\"=00000002\r\n a\r\n"));
+    // ... but the last line needs no line end.
+    EXPECT_EQ((TestValues{{L"before", D(1)}, {L"x", Z({L"a", L"b"})}}),
+              Load(Bom + Before + "Z:\"x\"=00000002\r\n a\r\n b"));
+}
+
+TEST_F(IniFileFormat, LinesEndAtCrAtLfOrAtCrLf) {
+    const TestValues expected{{L"a", D(1)}, {L"b", S(L"two")}, {L"c", Z({L"x", L""})}, {L"d", D(4)}};
+    EXPECT_EQ(expected, Load("D:\"a\"=00000001\rS:\"b\"=two\nZ:\"c\"=00000002\r\n x\r \nD:\"d\"=00000004"));
+    EXPECT_EQ(expected, Load(Bom + "D:\"a\"=00000001\nS:\"b\"=two\rZ:\"c\"=00000002\n x\n \r\nD:\"d\"=00000004\r"));
+}
+
+// "Zoë 中 😀" in each encoding's bytes.
+const std::wstring Mixed = L"Zo\u00eb \u4e2d \U0001F600";
+
+std::string Utf16(const std::wstring& text, bool bigEndian) {
+    std::string bytes;
+    for (wchar_t character : text) {
+        const char low = static_cast<char>(character & 0xFF);
+        const char high = static_cast<char>(character >> 8);
+        bytes += bigEndian ? high : low;
+        bytes += bigEndian ? low : high;
+    }
+    return bytes;
+}
+
+TEST_F(IniFileFormat, EachEncodingIsTakenFromTheByteOrderMark) {
+    const std::wstring text = L"S:\"Name " + Mixed + L"\"=" + Mixed + L"\r\nZ:\"z\"=00000001\r\n " + Mixed + L"\r\n";
+    const TestValues expected{{L"Name " + Mixed, S(Mixed)}, {L"z", Z({Mixed})}};
+
+    const std::string utf8Mixed = "Zo\xC3\xAB \xE4\xB8\xAD \xF0\x9F\x98\x80";
+    EXPECT_EQ(expected, Load(Bom + "S:\"Name " + utf8Mixed + "\"=" + utf8Mixed + "\r\nZ:\"z\"=00000001\r\n " +
+                             utf8Mixed + "\r\n"));
+    EXPECT_EQ(expected, Load("\xFF\xFE" + Utf16(text, false)));
+    EXPECT_EQ(expected, Load("\xFE\xFF" + Utf16(text, true)));
+    EXPECT_EQ(TestValues{}, Load("\xFE\xFF"));
+}
+
+TEST_F(IniFileFormat, AFileWithoutMarkIsAnsiFromTheFirstByte) {
+    const std::string bytes = "S:\"caf\xE9\"=na\xEFve\r\nS:\"utf8\"=\xC3\xA9";
+    // The system's own converter says what the ANSI code page makes of the bytes.
+    const auto ansi = [](const std::string& text) {
+        std::wstring wide(text.size(), L'\0');
+        wide.resize(static_cast<size_t>(
+            MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), wide.data(),
+                                static_cast<int>(wide.size()))));
+        return wide;
+    };
+    EXPECT_EQ((TestValues{{ansi("caf\xE9"), S(ansi("na\xEFve"))}, {L"utf8", S(ansi("\xC3\xA9"))}}), Load(bytes));
+}
+
+TEST_F(IniFileFormat, UntranslatableBytesEndTheFileAfterThePartReadSoFar) {
+    EXPECT_EQ((TestValues{{L"before", D(1)}, {L"a", S(L"ab")}}),
+              Load(Bom + Before + "S:\"a\"=ab\xFF" "cd" + After));
+}
+
+// ---- the writer ----
+
+TEST_F(IniFileFormat, TheWriterWritesEachKindAsItsExampleShows) {
+    EXPECT_EQ(Bom +
+                  "D:\"Port\"=00000016\r\n"
+                  "S:\"Host\"=a \"b\" = c\r\n"
+                  "S:\"Empty\"=\r\n"
+                  "B:\"Data\"=00000003\r\n 0a ff 10\r\n"
+                  "Z:\"Commands\"=00000002\r\n first\r\n second\r\n",
+              Save({{L"Port", D(22)},
+                    {L"Host", S(L"a \"b\" = c")},
+                    {L"Empty", S(L"")},
+                    {L"Data", B({0x0a, 0xff, 0x10})},
+                    {L"Commands", Z({L"first", L"second"})}}));
+}
+
+TEST_F(IniFileFormat, BinaryDataLinesHold32Bytes) {
+    std::vector<uint8_t> bytes;
+    std::string lines;
+    for (int i = 0; i < 33; ++i) {
+        bytes.push_back(static_cast<uint8_t>(0xE0 + i % 32));
+        char pair[4];
+        std::snprintf(pair, sizeof pair, " %02x", 0xE0 + i % 32);
+        lines += pair;
+        if (i == 31) lines += "\r\n";
+    }
+    const std::string line32 = lines.substr(0, 32 * 3 + 2);
+    EXPECT_EQ(Bom + "B:\"none\"=00000000\r\n"
+                    "B:\"full\"=00000020\r\n" + line32 +
+                  "B:\"more\"=00000021\r\n" + lines + "\r\n",
+              Save({{L"none", B({})},
+                    {L"full", B(std::vector<uint8_t>(bytes.begin(), bytes.begin() + 32))},
+                    {L"more", B(bytes)}}));
+}
+
+TEST_F(IniFileFormat, MultiStringsComeAfterEveryOtherKindWithEmptyStringsAsABlank) {
+    EXPECT_EQ(Bom +
+                  "D:\"d\"=ffffffff\r\n"
+                  "S:\"s\"=text\r\n"
+                  "B:\"b\"=00000001\r\n 00\r\n"
+                  "Z:\"first\"=00000003\r\n \r\n mid\r\n \r\n"
+                  "Z:\"none\"=00000000\r\n",
+              Save({{L"first", Z({L"", L"mid", L""})},
+                    {L"d", D(0xFFFFFFFF)},
+                    {L"none", Z({})},
+                    {L"s", S(L"text")},
+                    {L"b", B({0})}}));
+}
+
+TEST_F(IniFileFormat, AReplacedOrRestoredValueKeepsItsPlace) {
+    Save({{L"a", D(1)}, {L"b", D(2)}, {L"c", D(3)}});
+    VIniFileKey key(keyFolder_, VUnicodeString(), false, nullptr);
+    ASSERT_TRUE(key.SetString(VUnicodeString(L"a"), VUnicodeString(L"now a string")));
+    ASSERT_TRUE(key.DeleteValue(VUnicodeString(L"b")));
+    ASSERT_TRUE(key.SetDword(VUnicodeString(L"new"), 4));
+    ASSERT_TRUE(key.SetDword(VUnicodeString(L"b"), 5));
+    ASSERT_TRUE(key.Flush());
+    EXPECT_EQ(Bom + "S:\"a\"=now a string\r\nD:\"b\"=00000005\r\nD:\"c\"=00000003\r\nD:\"new\"=00000004\r\n",
+              ReadWholeFile(ValuesFile()));
+}
+
+TEST_F(IniFileFormat, DeletingEveryValueLeavesOnlyTheMark) {
+    Save({{L"a", D(1)}, {L"b", Z({L"x"})}});
+    VIniFileKey key(keyFolder_, VUnicodeString(), false, nullptr);
+    ASSERT_TRUE(key.DeleteValue(VUnicodeString(L"a")));
+    ASSERT_TRUE(key.DeleteValue(VUnicodeString(L"b")));
+    ASSERT_TRUE(key.Flush());
+    EXPECT_EQ(Bom, ReadWholeFile(ValuesFile()));
+}
+
+TEST_F(IniFileFormat, AUtf16BigEndianFileIsRewrittenAsUtf8) {
+    const std::wstring text = L"S:\"" + Mixed + L"\"=" + Mixed + L"\r\nD:\"n\"=00000007\r\n";
+    ASSERT_TRUE(WriteWholeFile(ValuesFile(), "\xFE\xFF" + Utf16(text, true)));
+    {
+        VIniFileKey key(keyFolder_, VUnicodeString(), false, nullptr);
+        ASSERT_TRUE(key.SetDword(VUnicodeString(L"n"), 8));
+    }
+    const std::string utf8Mixed = "Zo\xC3\xAB \xE4\xB8\xAD \xF0\x9F\x98\x80";
+    EXPECT_EQ(Bom + "S:\"" + utf8Mixed + "\"=" + utf8Mixed + "\r\nD:\"n\"=00000008\r\n", ReadWholeFile(ValuesFile()));
+}
+
+// ---- private values ----
+
+TEST_F(IniFileFormat, PrivateValuesGoToThePrivateFileInTheListsOrder) {
+    {
+        VIniFileKey key(keyFolder_, privateFolder_, false, nullptr);
+        ASSERT_TRUE(key.SetString(VUnicodeString(L"Host"), VUnicodeString(L"example.org")));
+        ASSERT_TRUE(key.SetString(VUnicodeString(L"Password V2"), VUnicodeString(L"02:secret")));
+        ASSERT_TRUE(key.SetDword(VUnicodeString(L"Use Narrow Font"), 1));
+        ASSERT_TRUE(key.SetString(VUnicodeString(L"Username"), VUnicodeString(L"me")));
+        // Names are compared exactly: this one is not private.
+        ASSERT_TRUE(key.SetString(VUnicodeString(L"password"), VUnicodeString(L"plain")));
+    }
+    EXPECT_EQ(Bom + "S:\"Host\"=example.org\r\nS:\"password\"=plain\r\n", ReadWholeFile(ValuesFile()));
+    EXPECT_EQ(Bom + "S:\"Username\"=me\r\nS:\"Password V2\"=02:secret\r\nD:\"Use Narrow Font\"=00000001\r\n",
+              ReadWholeFile(PrivateValuesFile()));
+}
+
+TEST_F(IniFileFormat, WithoutPrivateFolderPrivateValuesStayInTheMainFile) {
+    EXPECT_EQ(Bom + "S:\"Username\"=me\r\nS:\"Host\"=h\r\n", Save({{L"Host", S(L"h")}, {L"Username", S(L"me")}}));
+}
+
+TEST_F(IniFileFormat, ThePrivateFileOverridesTheMainFileAndTakesOverItsPrivateValues) {
+    ASSERT_TRUE(WriteWholeFile(ValuesFile(), Bom + "S:\"Password\"=old\r\nS:\"Account\"=acct\r\nD:\"Port\"=00000016\r\n"));
+    ASSERT_TRUE(CreateDirectoryW((folder_ / L"Private").c_str(), nullptr));
+    ASSERT_TRUE(WriteWholeFile(PrivateValuesFile(), Bom + "S:\"Password\"=new\r\n"));
+    {
+        VIniFileKey key(keyFolder_, privateFolder_, false, nullptr);
+        EXPECT_EQ((TestValues{{L"Password", S(L"new")}, {L"Account", S(L"acct")}, {L"Port", D(22)}}),
+                  ReadAllValues(key));
+        ASSERT_TRUE(key.SetDword(VUnicodeString(L"Port"), 23));
+    }
+    EXPECT_EQ(Bom + "D:\"Port\"=00000017\r\n", ReadWholeFile(ValuesFile()));
+    EXPECT_EQ(Bom + "S:\"Password\"=new\r\nS:\"Account\"=acct\r\n", ReadWholeFile(PrivateValuesFile()));
+}
+
+TEST_F(IniFileFormat, ADeletedPrivateValueDoesNotComeBackFromThePrivateFile) {
+    {
+        VIniFileKey key(keyFolder_, privateFolder_, false, nullptr);
+        ASSERT_TRUE(key.SetString(VUnicodeString(L"Password"), VUnicodeString(L"secret")));
+    }
+    {
+        VIniFileKey key(keyFolder_, privateFolder_, false, nullptr);
+        ASSERT_TRUE(key.DeleteValue(VUnicodeString(L"Password")));
+    }
+    EXPECT_EQ(Bom, ReadWholeFile(PrivateValuesFile()));
+    VIniFileKey key(keyFolder_, privateFolder_, true, nullptr);
+    EXPECT_EQ(TestValues{}, ReadAllValues(key));
+}
+
+}  // namespace

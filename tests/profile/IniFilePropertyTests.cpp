@@ -1,0 +1,331 @@
+// Property tests of the INI-file store with seeded random data: random value
+// tables survive a save and a load exactly, and damaged files yield exactly
+// the entries before the first damaged one. Failures print the seed; set
+// TRAYWELL_TEST_SEED to run again with it.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <random>
+#include <string>
+
+#include "IniFileFormat.h"
+#include "IniTestValues.h"
+#include "PrivateValueNames.h"
+#include "TempFolder.h"
+#include "VIniFileKey.h"
+
+namespace {
+
+uint64_t TestSeed() {
+    if (const char* fixed = std::getenv("TRAYWELL_TEST_SEED")) return std::strtoull(fixed, nullptr, 0);
+    return std::random_device()() * 0x100000000ull + std::random_device()();
+}
+
+// Characters that random text is made of: plain ones and the awkward ones
+// (quotes, equals signs, blanks, tabs, non-ASCII, halves of a surrogate pair
+// that are always put in whole).
+const std::wstring Plain = L"abcXYZ019 =:\"'\t\\#;[]{}-_.,\u00e9\u00df\u4e2d\u0416";
+const std::wstring NonBmp = L"\U0001F600";
+
+class RandomValues {
+public:
+    explicit RandomValues(uint64_t seed) : random_(seed) {}
+
+    size_t Below(size_t bound) { return std::uniform_int_distribution<size_t>(0, bound - 1)(random_); }
+    bool OneIn(size_t chances) { return Below(chances) == 0; }
+
+    std::wstring Text(size_t maxLength, bool quotes = true) {
+        std::wstring text;
+        const size_t length = Below(maxLength + 1);
+        while (text.size() < length) {
+            if (OneIn(12)) {
+                text += NonBmp;
+                continue;
+            }
+            const wchar_t character = Plain[Below(Plain.size())];
+            if (quotes || character != L'"') text += character;
+        }
+        return text;
+    }
+
+    std::wstring Name() {
+        if (OneIn(4)) {
+            const VUnicodeString& name = GetPrivateValueNames()[Below(PrivateValueNameCount)];
+            return std::wstring(name.c_str(), name.GetLength());
+        }
+        std::wstring name;
+        while (name.empty()) name = Text(16, false);
+        return name;
+    }
+
+    TestValue Value() {
+        switch (Below(4)) {
+        case 0: return TestValue::Dword(static_cast<uint32_t>(random_()));
+        case 1: return TestValue::String(Text(OneIn(3) ? 0 : 60));
+        case 2: {
+            static const size_t lengths[] = {0, 1, 31, 32, 33, 63, 64, 65, 100};
+            std::vector<uint8_t> bytes(OneIn(2) ? lengths[Below(std::size(lengths))] : Below(300));
+            for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random_());
+            return TestValue::Binary(std::move(bytes));
+        }
+        default: {
+            std::vector<std::wstring> strings(Below(5));
+            for (std::wstring& string : strings) string = OneIn(3) ? std::wstring() : Text(30);
+            return TestValue::MultiString(std::move(strings));
+        }
+        }
+    }
+
+    TestValues Table(size_t maxCount) {
+        TestValues values;
+        const size_t count = Below(maxCount + 1);
+        while (values.size() < count) values[Name()] = Value();
+        return values;
+    }
+
+private:
+    std::mt19937_64 random_;
+};
+
+VUnicodeString V(const std::wstring& text) { return VUnicodeString(text.c_str(), text.size()); }
+
+TEST(IniFileProperties, RandomTablesSurviveSaveAndLoadExactly) {
+    const uint64_t seed = TestSeed();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    RandomValues random(seed);
+    TempFolder folder;
+    for (int round = 0; round < 60; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        const VUnicodeString keyFolder = folder / L"Key";
+        // Half the rounds keep private values apart, half keep them with the rest.
+        const VUnicodeString privateFolder = round % 2 ? folder / L"Private" : VUnicodeString();
+        const TestValues values = random.Table(40);
+        {
+            VIniFileKey key(keyFolder, privateFolder, false, nullptr);
+            // Start from what the previous round left, so deletions are saved too.
+            for (const auto& [name, value] : ReadAllValues(key)) ASSERT_TRUE(key.DeleteValue(V(name)));
+            for (const auto& [name, value] : values) ASSERT_TRUE(StoreValue(key, name, value));
+            ASSERT_TRUE(key.Flush()) << key.GetLastErrorParams().GetMessageCode();
+        }
+        VIniFileKey key(keyFolder, privateFolder, true, nullptr);
+        ASSERT_EQ(values, ReadAllValues(key));
+    }
+}
+
+// A file built entry by entry, with the place of every line in its bytes.
+struct BuiltFile {
+    struct Line {
+        size_t start;       // first byte
+        size_t contentEnd;  // the CR of its CR LF
+        std::wstring text;
+    };
+    struct Entry {
+        std::wstring name;
+        TestValue value;
+        std::vector<Line> lines;
+    };
+    std::string bytes;
+    std::vector<Entry> entries;
+
+    // The entry that holds byte offset, or entries.size() past the last one.
+    size_t EntryAt(size_t offset) const {
+        for (size_t i = 0; i < entries.size(); ++i)
+            if (offset < entries[i].lines.back().contentEnd + 2) return i;
+        return entries.size();
+    }
+    TestValues Before(size_t entry) const {
+        TestValues values;
+        for (size_t i = 0; i < entry; ++i) values[entries[i].name] = entries[i].value;
+        return values;
+    }
+};
+
+std::string Utf8(const std::wstring& text) {
+    std::string bytes(text.size() * 4, '\0');
+    bytes.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
+                                                         bytes.data(), static_cast<int>(bytes.size()), nullptr,
+                                                         nullptr)));
+    return bytes;
+}
+
+// The file that the writer makes of values (in map order), its lines mapped.
+BuiltFile Build(const TestValues& values) {
+    BuiltFile file;
+    file.bytes = "\xEF\xBB\xBF";
+    for (const auto& [name, value] : values) {
+        VUnicodeString text;
+        switch (value.kind) {
+        case ProfileDword: text = FormatIniDwordEntry(V(name), value.dword); break;
+        case ProfileString: text = FormatIniStringEntry(V(name), V(value.text)); break;
+        case ProfileBinary: text = FormatIniBinaryEntry(V(name), value.bytes.data(), value.bytes.size()); break;
+        default: {
+            VArray<VUnicodeString> strings;
+            for (const std::wstring& string : value.strings) strings.Add(V(string));
+            text = FormatIniMultiStringEntry(V(name), strings);
+        }
+        }
+        BuiltFile::Entry entry{name, value, {}};
+        const std::wstring all(text.c_str(), text.GetLength());
+        for (size_t start = 0; start < all.size();) {
+            const size_t end = all.find(L"\r\n", start);
+            const std::wstring line = all.substr(start, end - start);
+            const size_t byteStart = file.bytes.size();
+            file.bytes += Utf8(line);
+            entry.lines.push_back({byteStart, file.bytes.size(), line});
+            file.bytes += "\r\n";
+            start = end + 2;
+        }
+        file.entries.push_back(std::move(entry));
+    }
+    return file;
+}
+
+// The characters of line that lie wholly before byte cut (counted from the
+// line's start): a character cut in half cannot be translated and is lost.
+std::wstring WholeCharactersBefore(const std::wstring& line, size_t cut) {
+    size_t bytes = 0;
+    size_t characters = 0;
+    while (characters < line.size()) {
+        const bool pair = characters + 1 < line.size() && line[characters] >= 0xD800 && line[characters] <= 0xDBFF;
+        const size_t width = pair ? 2 : 1;
+        const size_t size = Utf8(line.substr(characters, width)).size();
+        if (bytes + size > cut) break;
+        bytes += size;
+        characters += width;
+    }
+    return line.substr(0, characters);
+}
+
+// What survives of file cut at byte offset cut.
+TestValues ExpectedAfterTruncation(const BuiltFile& file, size_t cut) {
+    const size_t index = file.EntryAt(cut);
+    TestValues expected = file.Before(index);
+    if (index == file.entries.size()) return expected;
+    const BuiltFile::Entry& entry = file.entries[index];
+    const BuiltFile::Line& last = entry.lines.back();
+    if (cut >= last.contentEnd) {
+        expected[entry.name] = entry.value;  // only the line end was lost
+    } else if (entry.value.kind == ProfileString) {
+        // The field starts after 'S:"', the name, '"='.
+        const size_t fieldStart = last.start + Utf8(L"S:\"" + entry.name + L"\"=").size();
+        if (cut >= fieldStart) {
+            const std::wstring field = last.text.substr(entry.name.size() + 5);
+            expected[entry.name] = TestValue::String(WholeCharactersBefore(field, cut - fieldStart));
+        }
+    } else if (entry.value.kind == ProfileMultiString && entry.lines.size() > 1 && cut > last.start) {
+        // The last string lost its end; the blank before it is there.
+        TestValue shortened = entry.value;
+        shortened.strings.back() = WholeCharactersBefore(last.text.substr(1), cut - last.start - 1);
+        expected[entry.name] = shortened;
+    }
+    return expected;
+}
+
+TestValues Load(const TempFolder& folder, const std::string& bytes) {
+    const VUnicodeString keyFolder = folder / L"Damaged";
+    EXPECT_TRUE(WriteWholeFile(VIniFileKey::ValuesFilePath(keyFolder), bytes));
+    VIniFileKey key(keyFolder, VUnicodeString(), true, nullptr);
+    return ReadAllValues(key);
+}
+
+class DamagedFiles : public ::testing::Test {
+protected:
+    const uint64_t seed_ = TestSeed();
+    RandomValues random_{seed_};
+    TempFolder folder_;
+};
+
+TEST_F(DamagedFiles, ATruncatedFileYieldsTheEntriesBeforeTheCut) {
+    SCOPED_TRACE("seed " + std::to_string(seed_));
+    for (int round = 0; round < 150; ++round) {
+        const BuiltFile file = Build(random_.Table(12));
+        const size_t cut = 3 + random_.Below(file.bytes.size() - 2);
+        SCOPED_TRACE("round " + std::to_string(round) + ", cut at " + std::to_string(cut));
+        ASSERT_EQ(ExpectedAfterTruncation(file, cut), Load(folder_, file.bytes.substr(0, cut)));
+    }
+}
+
+// Bytes whose change breaks the entry for certain: the kind letter, the
+// colon, the opening quote, the equals sign; a digit of a count or dword
+// turned into a line end; a data digit turned into a non-digit; the blank
+// before a string of a multi-string.
+struct Flip {
+    size_t offset;
+    char replacement;
+};
+
+std::vector<Flip> BreakingFlips(const BuiltFile::Entry& entry) {
+    const BuiltFile::Line& header = entry.lines.front();
+    const size_t equals = header.start + Utf8(L"D:\"" + entry.name + L"\"").size();
+    std::vector<Flip> flips{{header.start, 'd'}, {header.start + 1, ';'}, {header.start + 2, '\''}, {equals, '-'}};
+    if (entry.value.kind != ProfileString) flips.push_back({equals + 1 + 7, '\r'});
+    for (size_t i = 1; i < entry.lines.size(); ++i) {
+        const BuiltFile::Line& line = entry.lines[i];
+        if (entry.value.kind == ProfileBinary) flips.push_back({line.start + 2, 'g'});
+        if (entry.value.kind == ProfileMultiString) flips.push_back({line.start, 'x'});
+    }
+    return flips;
+}
+
+TEST_F(DamagedFiles, ABrokenEntryEndsTheFile) {
+    SCOPED_TRACE("seed " + std::to_string(seed_));
+    for (int round = 0; round < 150; ++round) {
+        const BuiltFile file = Build(random_.Table(12));
+        if (file.entries.empty()) continue;
+        const size_t index = random_.Below(file.entries.size());
+        const std::vector<Flip> flips = BreakingFlips(file.entries[index]);
+        const Flip flip = flips[random_.Below(flips.size())];
+        SCOPED_TRACE("round " + std::to_string(round) + ", byte " + std::to_string(flip.offset));
+        std::string damaged = file.bytes;
+        damaged[flip.offset] = flip.replacement;
+        ASSERT_EQ(file.Before(index), Load(folder_, damaged));
+    }
+}
+
+TEST_F(DamagedFiles, AnyFlippedByteKeepsTheEntriesBeforeIt) {
+    SCOPED_TRACE("seed " + std::to_string(seed_));
+    for (int round = 0; round < 150; ++round) {
+        const BuiltFile file = Build(random_.Table(12));
+        std::string damaged = file.bytes;
+        // Several bytes at once, anywhere after the mark, to any value.
+        size_t first = damaged.size();
+        for (size_t flips = 1 + random_.Below(3); flips > 0 && damaged.size() > 3; --flips) {
+            const size_t offset = 3 + random_.Below(damaged.size() - 3);
+            damaged[offset] = static_cast<char>(random_.Below(256));
+            first = std::min(first, offset);
+        }
+        SCOPED_TRACE("round " + std::to_string(round) + ", first flip at " + std::to_string(first));
+        // What the flipped entry becomes is open (a changed digit reads as
+        // another number), but nothing before it may change or go missing.
+        const TestValues loaded = Load(folder_, damaged);
+        for (const auto& [name, value] : file.Before(file.EntryAt(first))) {
+            const auto found = loaded.find(name);
+            ASSERT_NE(loaded.end(), found) << testing::PrintToString(name);
+            ASSERT_EQ(value, found->second);
+        }
+    }
+}
+
+TEST_F(DamagedFiles, AnInsertedForeignLineEndsTheFileWhereItStands) {
+    SCOPED_TRACE("seed " + std::to_string(seed_));
+    for (int round = 0; round < 150; ++round) {
+        const BuiltFile file = Build(random_.Table(12));
+        // Before any line of any entry, or at the very end.
+        std::vector<std::pair<size_t, size_t>> places;  // byte offset, entry
+        for (size_t i = 0; i < file.entries.size(); ++i)
+            for (const BuiltFile::Line& line : file.entries[i].lines) places.emplace_back(line.start, i);
+        places.emplace_back(file.bytes.size(), file.entries.size());
+        const auto [offset, entry] = places[random_.Below(places.size())];
+        // Comments, section headers and blank lines are foreign to the format;
+        // none of them starts like a header, a data line or a string line.
+        static const char* const starts[] = {"#", ";", "[", "x", "=", "\""};
+        const std::string line =
+            random_.OneIn(5) ? std::string() : starts[random_.Below(std::size(starts))] + Utf8(random_.Text(20));
+        SCOPED_TRACE("round " + std::to_string(round) + ", line before byte " + std::to_string(offset));
+        std::string damaged = file.bytes;
+        damaged.insert(offset, line + "\r\n");
+        ASSERT_EQ(file.Before(entry), Load(folder_, damaged));
+    }
+}
+
+}  // namespace

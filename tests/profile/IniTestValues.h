@@ -1,0 +1,34 @@
+// Test-side picture of the values of an INI-file key: plain std types that
+// GoogleTest can compare and print, filled through the key's own interface.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "VIniFileKey.h"
+
+struct TestValue {
+    uint32_t kind = ProfileDword;
+    uint32_t dword = 0;
+    std::wstring text;
+    std::vector<uint8_t> bytes;
+    std::vector<std::wstring> strings;
+
+    static TestValue Dword(uint32_t value);
+    static TestValue String(std::wstring text);
+    static TestValue Binary(std::vector<uint8_t> bytes);
+    static TestValue MultiString(std::vector<std::wstring> strings);
+
+    bool operator==(const TestValue& other) const = default;
+};
+void PrintTo(const TestValue& value, std::ostream* out);
+
+using TestValues = std::map<std::wstring, TestValue>;
+
+// Every value the key lists, read back with the getter of its kind.
+TestValues ReadAllValues(VProfilePrivateKey& key);
+// Stores value with the setter of its kind; the setter's result.
+bool StoreValue(VProfilePrivateKey& key, const std::wstring& name, const TestValue& value);
