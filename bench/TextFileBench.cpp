@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cwchar>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -24,14 +25,17 @@ double Now() {
     return static_cast<double>(counter.QuadPart) / static_cast<double>(frequency.QuadPart);
 }
 
-// The best of several runs, in seconds: the least disturbed one.
-template <class Work>
-double Best(Work work, int runs = 15) {
-    double best = 1e30;
-    for (int i = 0; i < runs; ++i) {
-        const double start = Now();
-        work();
-        best = std::min(best, Now() - start);
+// Each case's best time in seconds over several rounds. Every round runs
+// every case once, so a load that comes and goes on the machine touches the
+// baseline and the cases alike.
+std::vector<double> BestTimes(const std::vector<std::function<void()>>& cases, int rounds = 15) {
+    std::vector<double> best(cases.size(), 1e30);
+    for (int round = 0; round < rounds; ++round) {
+        for (size_t i = 0; i < cases.size(); ++i) {
+            const double start = Now();
+            cases[i]();
+            best[i] = std::min(best[i], Now() - start);
+        }
     }
     return best;
 }
@@ -162,23 +166,29 @@ int wmain(int argc, wchar_t** argv) {
     std::vector<char> bytes(utf8.size() + 4096);
     std::vector<wchar_t> text(utf8.size());
     size_t characters = 0;
-    const double floor = Best([&] { characters = ReadFloor(utf8Path, bytes, text); });
-    size_t read = 0;
+    size_t read[3] = {};
+    const std::vector<double> reading = BestTimes({
+        [&] { characters = ReadFloor(utf8Path, bytes, text); },
+        [&] { read[0] = ReadLines(utf8Path, false); },
+        [&] { read[1] = ReadLines(utf8Path, true); },
+        [&] { read[2] = ReadLines(utf16Path, false); },
+    });
     std::printf("reading (floor: ReadFile in 4096-byte blocks + one MultiByteToWideChar, %zu characters)\n",
                 characters);
-    Report("floor", floor, utf8.size(), count, floor);
-    Report("ReadLine, UTF-8, no block locks", Best([&] { read = ReadLines(utf8Path, false); }), utf8.size(), count,
-           floor);
-    Report("ReadLine, UTF-8, a shared lock per block", Best([&] { read = ReadLines(utf8Path, true); }), utf8.size(),
-           count, floor);
-    Report("ReadLine, UTF-16 LE, no block locks", Best([&] { read = ReadLines(utf16Path, false); }), utf16.size(),
-           count, floor);
-    if (read != count) std::printf("  !! read %zu lines of %zu\n", read, count);
+    Report("floor", reading[0], utf8.size(), count, reading[0]);
+    Report("ReadLine, UTF-8, no block locks", reading[1], utf8.size(), count, reading[0]);
+    Report("ReadLine, UTF-8, a shared lock per block", reading[2], utf8.size(), count, reading[0]);
+    Report("ReadLine, UTF-16 LE, no block locks", reading[3], utf16.size(), count, reading[0]);
+    for (size_t lines : read)
+        if (lines != count) std::printf("  !! read %zu lines of %zu\n", lines, count);
 
+    const std::vector<double> writing = BestTimes({
+        [&] { WriteFloor(outPath, wide); },
+        [&] { WriteLines(outPath, lines); },
+    });
     std::printf("writing (floor: the text converted in 16384-character pieces, each written at once)\n");
-    const double writeFloor = Best([&] { WriteFloor(outPath, wide); });
-    Report("floor", writeFloor, utf8.size(), count, writeFloor);
-    Report("Write per line, UTF-8", Best([&] { WriteLines(outPath, lines); }), utf8.size(), count, writeFloor);
+    Report("floor", writing[0], utf8.size(), count, writing[0]);
+    Report("Write per line, UTF-8", writing[1], utf8.size(), count, writing[0]);
 
     DeleteFileW(utf8Path.c_str());
     DeleteFileW(utf16Path.c_str());
