@@ -51,7 +51,9 @@ public:
     // delivered first), or on a read error (the system's error). Reading does
     // not go on after a false. A last line without end is delivered; an empty
     // remainder is not. Reading starts at the file pointer; do not mix reading
-    // and writing without a Seek or Truncate in between.
+    // and writing without a Seek or Truncate in between. The line is copied
+    // into line's own buffer when line does not share it and it has room, so
+    // reading every line into one variable allocates little.
     bool ReadLine(VUnicodeString& line);
 
     // Converts text to the file's encoding (UTF-8 or UTF-16 without a mark,
@@ -70,9 +72,10 @@ public:
     bool Write(const wchar_t* text, size_t length);
     bool Flush();
 
-    // Ends the file at position, drops the read and write buffers and writes
-    // the mark of the current encoding there (none for ANSI); an unknown
-    // encoding becomes UTF-16 LE first. The INI store truncates at 0.
+    // Writes the buffered text, drops what was read ahead, ends the file at
+    // position and writes the mark of the current encoding there (none for
+    // ANSI); an unknown encoding becomes UTF-16 LE first. The INI store
+    // truncates at 0.
     bool Truncate(uint64_t position) override;
     // Moving the file pointer writes the buffered text first and drops what
     // was read ahead.
