@@ -109,18 +109,6 @@ TEST_F(FileTest, ShareModeDecidesWhetherASecondOpenIsAdmitted) {
     EXPECT_TRUE(DeleteFileW(name.c_str()));
 }
 
-TEST_F(FileTest, DefaultShareModeAdmitsReadersOnly) {
-    const VUnicodeString name = folder_ / L"readers.ini";
-    VFile writer;
-    EXPECT_EQ(static_cast<DWORD>(FILE_SHARE_READ), writer.GetShareMode());
-    ASSERT_TRUE(writer.Open(name, GENERIC_READ, CREATE_ALWAYS));
-    VFile reader;
-    reader.SetShareMode(ShareAll);
-    EXPECT_TRUE(reader.Open(name, GENERIC_READ, OPEN_EXISTING));
-    EXPECT_FALSE(reader.Open(name, ReadWrite, OPEN_EXISTING));
-    EXPECT_EQ(ERROR_SHARING_VIOLATION, GetLastError());
-}
-
 TEST_F(FileTest, SeekTruncateAndRawInputOutput) {
     VFile file;
     ASSERT_TRUE(file.Open(folder_ / L"data.bin", ReadWrite, CREATE_NEW));
@@ -156,17 +144,6 @@ TEST_F(FileTest, ClosingKeepsTheLastError) {
     file.Close();
     EXPECT_FALSE(file.IsOpen());
     EXPECT_EQ(ERROR_LOCK_VIOLATION, GetLastError());
-}
-
-TEST_F(FileTest, OperationsOnAClosedFileFail) {
-    VFile file;
-    char buffer[4];
-    DWORD got = 0;
-    EXPECT_FALSE(file.ReadBytes(buffer, sizeof buffer, got));
-    EXPECT_FALSE(file.WriteBytes("x", 1));
-    EXPECT_FALSE(file.Lock(0, 4, false));
-    EXPECT_FALSE(file.Truncate(0));
-    EXPECT_EQ(ERROR_INVALID_HANDLE, GetLastError());
 }
 
 TEST_F(FileTest, TemporaryNamesCountInUpperCaseHexadecimal) {
