@@ -3,8 +3,8 @@
 // the value chooses. VProfileKeySink writes them into a profile key.
 #pragma once
 
-#include <windows.h>
 #include <oleauto.h>
+#include <windows.h>
 
 #include "VReportMessageParams.h"
 #include "VString.h"

@@ -3,8 +3,8 @@
 // VProfileKeySource reads them from a profile key.
 #pragma once
 
-#include <windows.h>
 #include <oleauto.h>
+#include <windows.h>
 
 #include "VReportMessageParams.h"
 #include "VString.h"

@@ -46,7 +46,9 @@ struct VProfileScalarTraits {
 template <>
 struct VProfileValueTraits<unsigned char> : VProfileScalarTraits<unsigned char, VT_UI1, VT_I1> {
     static void Put(VARIANT& variant, unsigned char value) { V_UI1(&variant) = value; }
-    static unsigned char Take(const VARIANT& variant) { return static_cast<unsigned char>(V_I1(&variant)); }
+    static unsigned char Take(const VARIANT& variant) {
+        return static_cast<unsigned char>(V_I1(&variant));
+    }
 };
 
 template <>
@@ -102,11 +104,11 @@ public:
     static constexpr bool IsIntegral = !std::is_same_v<T, bool>;
 
     // current = saved = defaultValue; SetFromText parses in radix.
-    explicit VProfile(const VUnicodeString& name, T defaultValue = T(), int radix = 10)
-        requires IsIntegral
-        : VProfileValue<T, VProfileDword>(name, defaultValue), radix_(radix) {}
-    explicit VProfile(const VUnicodeString& name, T defaultValue = T())
-        requires(!IsIntegral)
+    explicit VProfile(const VUnicodeString& name, T defaultValue = T(),
+                      int radix = 10) requires IsIntegral
+        : VProfileValue<T, VProfileDword>(name, defaultValue),
+          radix_(radix) {}
+    explicit VProfile(const VUnicodeString& name, T defaultValue = T()) requires(!IsIntegral)
         : VProfileValue<T, VProfileDword>(name, defaultValue), radix_(0) {}
 
     int GetRadix() const { return radix_; }
@@ -147,7 +149,8 @@ public:
 
     bool SetVariant(const VARIANT& variant, VReportMessageParams& report) override {  // slot 14
         VVariant converted;
-        if (!converted.ChangeTypeFrom(variant, Traits::VariantIn)) return this->NotConvertible(report);
+        if (!converted.ChangeTypeFrom(variant, Traits::VariantIn))
+            return this->NotConvertible(report);
         this->Set(Traits::Take(converted.Get()));
         return true;
     }
@@ -156,7 +159,9 @@ public:
     // when the key is not open or holds no such number.
     bool Load(VProfileKey& key) { return LoadUnder(key, this->GetName()); }
     // Load, taking defaultValue as current and saved when absent; false then.
-    bool Load(VProfileKey& key, T defaultValue) { return this->LoadOrDefaultUsing(defaultValue, Loader(key)); }
+    bool Load(VProfileKey& key, T defaultValue) {
+        return this->LoadOrDefaultUsing(defaultValue, Loader(key));
+    }
     // Loads under the present name, else under formerName (the name an older
     // version used), else takes defaultValue; true when a value was found.
     // Found under formerName, the value is modified, and the next Save writes

@@ -41,7 +41,8 @@ public:
             if (report.GetMessageCode() != CONFIG_VALUE_ABSENT) return false;
             if constexpr (Base::TakesDefaultText) {
                 Stored stored;
-                if (!Base::StoredFromDefaultText(text, stored) || !Accept(stored, report)) return false;
+                if (!Base::StoredFromDefaultText(text, stored) || !Accept(stored, report))
+                    return false;
             }
         }
         this->TakeCurrentAsSaved();
@@ -52,7 +53,8 @@ public:
     bool Save(VProfileKey& key, bool force) override {
         if (!this->NeedsSave(force)) return true;
         Stored stored;
-        if (!Traits::ToStored(this->Get(), stored)) return this->NotConvertible(key.GetLastErrorParams());
+        if (!Traits::ToStored(this->Get(), stored))
+            return this->NotConvertible(key.GetLastErrorParams());
         if (!this->WriteValue(key, this->GetName(), stored)) return false;
         const VUnicodeString& formerName = this->GetPendingFormerName();
         if (!formerName.IsEmpty()) {
@@ -79,13 +81,16 @@ public:
 
     // Load, taking defaultValue as current and saved when the value is absent
     // or malformed; false in that case.
-    bool Load(VProfileKey& key, const T& defaultValue) { return this->LoadOrDefaultUsing(defaultValue, Loader(key)); }
+    bool Load(VProfileKey& key, const T& defaultValue) {
+        return this->LoadOrDefaultUsing(defaultValue, Loader(key));
+    }
 
     // Loads under the present name, else under formerName (the name an older
     // version used), else takes defaultValue; true when a value was found.
     // Found under formerName, the value is modified, and the next Save writes
     // it under the present name and blanks formerName.
-    bool LoadWithFormerName(VProfileKey& key, const VUnicodeString& formerName, const T& defaultValue) {
+    bool LoadWithFormerName(VProfileKey& key, const VUnicodeString& formerName,
+                            const T& defaultValue) {
         return this->LoadWithFormerNameOrDefaultUsing(formerName, defaultValue, Loader(key));
     }
 

@@ -1,6 +1,10 @@
 #include "VProfileBinary.h"
 
 bool VProfileBinary::ReadValue(VProfileKey& key, const VUnicodeString& name, VBinaryBlock& out) {
+    return ReadBlock(key, name, out);
+}
+
+bool VProfileBinary::ReadBlock(VProfileKey& key, const VUnicodeString& name, VBinaryBlock& out) {
     // The size first; another process may grow the value in between, so try
     // again while the store answers that the buffer is too small.
     for (;;) {
@@ -16,35 +20,20 @@ bool VProfileBinary::ReadValue(VProfileKey& key, const VUnicodeString& name, VBi
     }
 }
 
-bool VProfileBinary::WriteValue(VProfileKey& key, const VUnicodeString& name, const VBinaryBlock& value) {
+bool VProfileBinary::WriteValue(VProfileKey& key, const VUnicodeString& name,
+                                const VBinaryBlock& value) {
     return key.SetBinary(name, value.data(), static_cast<uint32_t>(value.size()));
 }
 
-bool VProfileBinary::StoredToVariant(const Stored& value, VARIANT& variant, VReportMessageParams&) const {
+bool VProfileBinary::StoredToVariant(const Stored& value, VARIANT& variant,
+                                     VReportMessageParams&) const {
     VVariant block;
-    SAFEARRAY* array = block.SetVector(VT_UI1, value.size());
-    if (!value.empty()) {
-        void* bytes = nullptr;
-        if (FAILED(SafeArrayAccessData(array, &bytes))) throw std::bad_alloc();
-        std::memcpy(bytes, value.data(), value.size());
-        SafeArrayUnaccessData(array);
-    }
+    block.SetBytes(value);
     block.MoveTo(variant);
     return true;
 }
 
-bool VProfileBinary::StoredFromVariant(const VARIANT& variant, Stored& value, VReportMessageParams& report) const {
-    SAFEARRAY* array = nullptr;
-    LONG first = 0;
-    size_t count = 0;
-    if (!VVariant::VectorOf(variant, VT_UI1, array, first, count)) return NotConvertible(report);
-    VBinaryBlock block(count);
-    if (count != 0) {
-        void* bytes = nullptr;
-        if (FAILED(SafeArrayAccessData(array, &bytes))) return NotConvertible(report);
-        std::memcpy(block.data(), bytes, count);
-        SafeArrayUnaccessData(array);
-    }
-    value = std::move(block);
-    return true;
+bool VProfileBinary::StoredFromVariant(const VARIANT& variant, Stored& value,
+                                       VReportMessageParams& report) const {
+    return VVariant::BytesOf(variant, value) || NotConvertible(report);
 }

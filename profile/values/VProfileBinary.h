@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 #include <vector>
 
 #include "VProfileData.h"
@@ -29,22 +30,29 @@ public:
     // unchanged and the reason in the key's record, when it cannot.
     virtual bool ReadValue(VProfileKey& key, const VUnicodeString& name, VBinaryBlock& out);
     // Slot 22: writes value as the binary value name of key.
-    virtual bool WriteValue(VProfileKey& key, const VUnicodeString& name, const VBinaryBlock& value);
+    virtual bool WriteValue(VProfileKey& key, const VUnicodeString& name,
+                            const VBinaryBlock& value);
     // Slot 23: ReadValue(key, GetName(), current).
     virtual bool Load(VProfileKey& key) = 0;
 
+    // The binary value name of key, whatever its size; what ReadValue does.
+    static bool ReadBlock(VProfileKey& key, const VUnicodeString& name, VBinaryBlock& out);
+
 protected:
     bool StoredToVariant(const Stored& value, VARIANT& variant, VReportMessageParams& report) const;
-    bool StoredFromVariant(const VARIANT& variant, Stored& value, VReportMessageParams& report) const;
+    bool StoredFromVariant(const VARIANT& variant, Stored& value,
+                           VReportMessageParams& report) const;
     static Stored BlankStored() { return Stored(); }
     static bool IsBlank(const Stored& value) { return value.empty(); }
 };
 
 // The structured values that keep a system structure as their whole block,
 // byte for byte, as Windows lays it out. Reading refuses a block of any other
-// size, or one that isValid rejects.
+// size, or one that isValid rejects. Structure must be trivially copyable and
+// have an operator==.
 template <class Structure>
 struct VProfileStructureBlock {
+    static_assert(std::is_trivially_copyable_v<Structure>);
     using Stored = VBinaryBlock;
     static bool ToStored(const Structure& value, Stored& out) {
         const auto* bytes = reinterpret_cast<const uint8_t*>(&value);
@@ -60,4 +68,5 @@ struct VProfileStructureBlock {
         value = read;
         return true;
     }
+    static bool Equal(const Structure& a, const Structure& b) { return a == b; }
 };

@@ -25,7 +25,8 @@ bool VProfileData::ReadVariantFrom(IProfileDataSource& source, VARIANT& variant,
     return false;
 }
 
-bool VProfileData::GetVariantAs(VARIANT&, const VUnicodeString&, VARTYPE, VReportMessageParams& report) const {
+bool VProfileData::GetVariantAs(VARIANT&, const VUnicodeString&, VARTYPE,
+                                VReportMessageParams& report) const {
     return ExchangeNotSupported(report);
 }
 
@@ -33,11 +34,13 @@ bool VProfileData::WriteAs(IProfileDataSink& sink, const VUnicodeString&, VARTYP
     return ExchangeNotSupported(sink.GetLastErrorParams());
 }
 
-bool VProfileData::SetVariantAs(const VARIANT&, VUnicodeString&, VARTYPE, VReportMessageParams& report) {
+bool VProfileData::SetVariantAs(const VARIANT&, VUnicodeString&, VARTYPE,
+                                VReportMessageParams& report) {
     return ExchangeNotSupported(report);
 }
 
-bool VProfileData::ReadAs(IProfileDataSource&, VUnicodeString&, VARTYPE, VReportMessageParams& report) {
+bool VProfileData::ReadAs(IProfileDataSource&, VUnicodeString&, VARTYPE,
+                          VReportMessageParams& report) {
     return ExchangeNotSupported(report);
 }
 

@@ -17,8 +17,8 @@
 // A value is used by one thread at a time.
 #pragma once
 
-#include <windows.h>
 #include <oleauto.h>
+#include <windows.h>
 
 #include "IProfileDataSink.h"
 #include "IProfileDataSource.h"
@@ -113,7 +113,8 @@ protected:
     bool NotConvertible(VReportMessageParams& report) const;
     // The variant that source keeps under the value's name. On failure report
     // receives the source's record (CONFIG_VALUE_ABSENT when it has none).
-    bool ReadVariantFrom(IProfileDataSource& source, VARIANT& variant, VReportMessageParams& report) const;
+    bool ReadVariantFrom(IProfileDataSource& source, VARIANT& variant,
+                         VReportMessageParams& report) const;
     // The serialisation of every kind: make(variant, report) fills a variant
     // that goes to sink under the value's name; a variant read from source
     // goes to take(variant, report).
@@ -123,7 +124,8 @@ protected:
         return make(variant.Get(), sink.GetLastErrorParams()) && sink.Write(name_, variant.Get());
     }
     template <class Take>
-    bool ReadVariantFrom(IProfileDataSource& source, VReportMessageParams& report, Take take) const {
+    bool ReadVariantFrom(IProfileDataSource& source, VReportMessageParams& report,
+                         Take take) const {
         VVariant variant;
         return ReadVariantFrom(source, variant.Get(), report) && take(variant.Get(), report);
     }
@@ -138,7 +140,8 @@ protected:
     // that the next Save writes the value under the present name and blanks
     // the former one.
     template <class ReadUnder, class LoadDefault>
-    bool LoadWithFormerNameUsing(const VUnicodeString& formerName, ReadUnder readUnder, LoadDefault loadDefault) {
+    bool LoadWithFormerNameUsing(const VUnicodeString& formerName, ReadUnder readUnder,
+                                 LoadDefault loadDefault) {
         formerName_.Empty();
         if (readUnder(name_, false)) return true;
         if (readUnder(formerName, true)) {

@@ -24,13 +24,15 @@ public:
     // with out unchanged and the reason in the key's record, when it cannot.
     virtual bool ReadValue(VProfileKey& key, const VUnicodeString& name, VStringArray& out);
     // Slot 22: writes value as the multi-string value name of key.
-    virtual bool WriteValue(VProfileKey& key, const VUnicodeString& name, const VStringArray& value);
+    virtual bool WriteValue(VProfileKey& key, const VUnicodeString& name,
+                            const VStringArray& value);
     // Slot 23: ReadValue(key, GetName(), current).
     virtual bool Load(VProfileKey& key) = 0;
 
 protected:
     bool StoredToVariant(const Stored& value, VARIANT& variant, VReportMessageParams& report) const;
-    bool StoredFromVariant(const VARIANT& variant, Stored& value, VReportMessageParams& report) const;
+    bool StoredFromVariant(const VARIANT& variant, Stored& value,
+                           VReportMessageParams& report) const;
     static Stored BlankStored() { return Stored(); }
     static bool IsBlank(const Stored& value) { return value.IsEmpty(); }
 };

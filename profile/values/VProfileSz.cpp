@@ -23,16 +23,18 @@ bool VProfileSz::SetVariantAs(const VARIANT& variant, VUnicodeString& value, VAR
     // Through vt first, so that only what vt can hold is accepted, then as text.
     VVariant typed;
     VUnicodeString text;
-    if (!typed.ChangeTypeFrom(variant, vt) || !VVariant::TextOf(typed.Get(), text)) return NotConvertible(report);
+    if (!typed.ChangeTypeFrom(variant, vt) || !VVariant::TextOf(typed.Get(), text))
+        return NotConvertible(report);
     value.Assign(text.c_str(), text.GetLength());
     return true;
 }
 
 bool VProfileSz::ReadAs(IProfileDataSource& source, VUnicodeString& value, VARTYPE vt,
                         VReportMessageParams& report) {
-    return ReadVariantFrom(source, report, [&](const VARIANT& variant, VReportMessageParams& failure) {
-        return SetVariantAs(variant, value, vt, failure);
-    });
+    return ReadVariantFrom(source, report,
+                           [&](const VARIANT& variant, VReportMessageParams& failure) {
+                               return SetVariantAs(variant, value, vt, failure);
+                           });
 }
 
 bool VProfileSz::ReadValue(VProfileKey& key, const VUnicodeString& name, VUnicodeString& out) {
@@ -42,7 +44,8 @@ bool VProfileSz::ReadValue(VProfileKey& key, const VUnicodeString& name, VUnicod
     return true;
 }
 
-bool VProfileSz::WriteValue(VProfileKey& key, const VUnicodeString& name, const VUnicodeString& value) {
+bool VProfileSz::WriteValue(VProfileKey& key, const VUnicodeString& name,
+                            const VUnicodeString& value) {
     return key.SetString(name, value);
 }
 

@@ -38,7 +38,8 @@ public:
     // when there is no such string), when it cannot.
     virtual bool ReadValue(VProfileKey& key, const VUnicodeString& name, VUnicodeString& out);
     // Slot 22: writes value as the string value name of key.
-    virtual bool WriteValue(VProfileKey& key, const VUnicodeString& name, const VUnicodeString& value);
+    virtual bool WriteValue(VProfileKey& key, const VUnicodeString& name,
+                            const VUnicodeString& value);
     // Slot 23: ReadValue(key, GetName(), current); false when the key is not
     // open or holds no such value (the current value is then left as it was).
     virtual bool Load(VProfileKey& key) = 0;
@@ -46,7 +47,8 @@ public:
 protected:
     // The stored form as this kind's variant type and back: slots 8 and 12
     // with VT_BSTR. VProfile2 builds slots 10, 11, 14 and 15 on them.
-    bool StoredToVariant(const Stored& value, VARIANT& variant, VReportMessageParams& report) const {
+    bool StoredToVariant(const Stored& value, VARIANT& variant,
+                         VReportMessageParams& report) const {
         return GetVariantAs(variant, value, VariantType, report);
     }
     bool StoredFromVariant(const VARIANT& variant, Stored& value, VReportMessageParams& report) {

@@ -10,7 +10,8 @@ struct FieldRange {
 };
 
 // Year, month, day, hour, minute, second, milliseconds: the order of the text.
-constexpr FieldRange TimeFields[] = {{1601, 30827}, {1, 12}, {1, 31}, {0, 23}, {0, 59}, {0, 59}, {0, 999}};
+constexpr FieldRange TimeFields[] = {{1601, 30827}, {1, 12}, {1, 31}, {0, 23},
+                                     {0, 59},       {0, 59}, {0, 999}};
 constexpr size_t TimeFieldCount = sizeof(TimeFields) / sizeof(TimeFields[0]);
 
 }  // namespace
@@ -18,9 +19,10 @@ constexpr size_t TimeFieldCount = sizeof(TimeFields) / sizeof(TimeFields[0]);
 bool VProfileTimeSz::FormatTime(const FILETIME& time, VUnicodeString& text) {
     SYSTEMTIME parts;
     if (!FileTimeToSystemTime(&time, &parts)) return false;
-    return text.FormatPositional(L"%1!04d!:%2!02d!:%3!02d!:%4!02d!:%5!02d!:%6!02d!:%7!03d!", int{parts.wYear},
-                                 int{parts.wMonth}, int{parts.wDay}, int{parts.wHour}, int{parts.wMinute},
-                                 int{parts.wSecond}, int{parts.wMilliseconds});
+    return text.FormatPositional(L"%1!04d!:%2!02d!:%3!02d!:%4!02d!:%5!02d!:%6!02d!:%7!03d!",
+                                 int{parts.wYear}, int{parts.wMonth}, int{parts.wDay},
+                                 int{parts.wHour}, int{parts.wMinute}, int{parts.wSecond},
+                                 int{parts.wMilliseconds});
 }
 
 bool VProfileTimeSz::ParseTime(const VUnicodeString& text, FILETIME& time) {
@@ -32,7 +34,8 @@ bool VProfileTimeSz::ParseTime(const VUnicodeString& text, FILETIME& time) {
         // Every field but the last ends at a colon; the last one at the end.
         if (last != (colon == VUnicodeString::npos)) return false;
         uint64_t number = 0;
-        if (!text.Mid(start, last ? VUnicodeString::npos : colon - start).ParseUnsigned(number)) return false;
+        if (!text.Mid(start, last ? VUnicodeString::npos : colon - start).ParseUnsigned(number))
+            return false;
         if (number < TimeFields[field].lowest || number > TimeFields[field].highest) return false;
         fields[field] = static_cast<WORD>(number);
         start = colon + 1;

@@ -29,8 +29,12 @@ public:
 template <>
 struct VProfileValueTraits<FILETIME> {
     using Stored = VUnicodeString;
-    static bool ToStored(const FILETIME& value, Stored& out) { return VProfileTimeSz::FormatTime(value, out); }
-    static bool FromStored(const Stored& in, FILETIME& value) { return VProfileTimeSz::ParseTime(in, value); }
+    static bool ToStored(const FILETIME& value, Stored& out) {
+        return VProfileTimeSz::FormatTime(value, out);
+    }
+    static bool FromStored(const Stored& in, FILETIME& value) {
+        return VProfileTimeSz::ParseTime(in, value);
+    }
     static bool Equal(const FILETIME& a, const FILETIME& b) {
         return a.dwLowDateTime == b.dwLowDateTime && a.dwHighDateTime == b.dwHighDateTime;
     }

@@ -15,7 +15,9 @@ public:
     void Set(const T& value) { current_ = value; }
     const T& GetSaved() const { return saved_; }
 
-    bool IsChanged() const override { return !VProfileValueTraits<T>::Equal(current_, saved_); }  // slot 3
+    bool IsChanged() const override {
+        return !VProfileValueTraits<T>::Equal(current_, saved_);
+    }  // slot 3
 
     void Commit() override {  // slot 4
         if (IsChanged()) this->SetModified(true);
@@ -25,7 +27,9 @@ public:
     void Revert() override { current_ = saved_; }  // slot 5
 
     // Slot 6: std::bad_cast when other holds no T kept through Base.
-    void CopyFrom(const VProfileData& other) override { current_ = dynamic_cast<const VProfileValue&>(other).current_; }
+    void CopyFrom(const VProfileData& other) override {
+        current_ = dynamic_cast<const VProfileValue&>(other).current_;
+    }
 
 protected:
     // current = saved = defaultValue.
@@ -67,8 +71,8 @@ protected:
     template <class LoadUnder>
     bool LoadWithFormerNameOrDefaultUsing(const VUnicodeString& formerName, const T& defaultValue,
                                           LoadUnder loadUnder) {
-        return this->LoadWithFormerNameUsing(formerName, loadUnder,
-                                             [&] { return LoadOrDefaultUsing(defaultValue, loadUnder); });
+        return this->LoadWithFormerNameUsing(
+            formerName, loadUnder, [&] { return LoadOrDefaultUsing(defaultValue, loadUnder); });
     }
 
 private:

@@ -1,13 +1,15 @@
 // A VARIANT with one owner: initialised on construction and cleared (which
-// frees a BSTR or SAFEARRAY it holds) when it goes away.
+// frees a BSTR or SAFEARRAY it holds) when it goes away; and the forms in
+// which the typed values exchange texts, lists of texts and byte blocks.
 #pragma once
 
-#include <windows.h>
 #include <oleauto.h>
+#include <windows.h>
 
 #include <cstdint>
-#include <new>
+#include <vector>
 
+#include "VContainers.h"
 #include "VString.h"
 
 class VVariant {
@@ -26,58 +28,28 @@ public:
     // Replaces the content with source converted to vt by VariantChangeType
     // (the system's rules, in the user's locale). False, with this variant
     // empty, when the conversion is refused (overflow, type mismatch).
-    bool ChangeTypeFrom(const VARIANT& source, VARTYPE vt) noexcept {
-        // The declaration lacks const; the source is only read.
-        return SUCCEEDED(VariantChangeType(&variant_, const_cast<VARIANT*>(&source), 0, vt));
-    }
-    // Replaces the content with a BSTR copy of text (embedded zeros survive:
-    // a BSTR carries its length). Throws std::bad_alloc when out of memory.
-    void SetText(const VUnicodeString& text) {
-        const BSTR bstr = SysAllocStringLen(text.c_str(), static_cast<UINT>(text.GetLength()));
-        if (!bstr) throw std::bad_alloc();
-        Clear();
-        V_VT(&variant_) = VT_BSTR;
-        V_BSTR(&variant_) = bstr;
-    }
-    // The text of source converted to VT_BSTR; false when it does not convert.
-    static bool TextOf(const VARIANT& source, VUnicodeString& text) {
-        VVariant converted;
-        if (!converted.ChangeTypeFrom(source, VT_BSTR)) return false;
-        const BSTR bstr = V_BSTR(&converted.variant_);
-        text.Assign(bstr, SysStringLen(bstr));
-        return true;
-    }
-
-    // Replaces the content with a new zero-based one-dimensional SAFEARRAY of
-    // count elements of elementType, which the variant owns; the array.
-    // Throws std::bad_alloc when out of memory.
-    SAFEARRAY* SetVector(VARTYPE elementType, size_t count) {
-        SAFEARRAY* array = SafeArrayCreateVector(elementType, 0, static_cast<ULONG>(count));
-        if (!array) throw std::bad_alloc();
-        Clear();
-        V_VT(&variant_) = VT_ARRAY | elementType;
-        V_ARRAY(&variant_) = array;
-        return array;
-    }
-    // The one-dimensional array of elementType that source holds, with its
-    // first index and element count; false when it holds none.
-    static bool VectorOf(const VARIANT& source, VARTYPE elementType, SAFEARRAY*& array, LONG& first, size_t& count) {
-        array = V_VT(&source) == (VT_ARRAY | elementType) ? V_ARRAY(&source) : nullptr;
-        LONG last = 0;
-        if (!array || SafeArrayGetDim(array) != 1 || FAILED(SafeArrayGetLBound(array, 1, &first)) ||
-            FAILED(SafeArrayGetUBound(array, 1, &last)))
-            return false;
-        count = static_cast<size_t>(static_cast<int64_t>(last) - first + 1);
-        return true;
-    }
-
+    bool ChangeTypeFrom(const VARIANT& source, VARTYPE vt) noexcept;
     // Hands the content to target, freeing what target held, and leaves this
     // variant empty. target must be initialised.
-    void MoveTo(VARIANT& target) noexcept {
-        VariantClear(&target);
-        target = variant_;
-        VariantInit(&variant_);
-    }
+    void MoveTo(VARIANT& target) noexcept;
+
+    // The setters replace the content and throw std::bad_alloc when out of
+    // memory. The readers give false, with their output unchanged, when
+    // source holds no such form.
+
+    // A VT_BSTR (a BSTR carries its length, so embedded zeros survive).
+    void SetText(const VUnicodeString& text);
+    // The text of source converted to VT_BSTR.
+    static bool TextOf(const VARIANT& source, VUnicodeString& text);
+
+    // A zero-based one-dimensional array of BSTR (VT_ARRAY | VT_BSTR).
+    void SetTexts(const VArray<VUnicodeString>& texts);
+    // A one-dimensional array of BSTR, or of variants that each convert to text.
+    static bool TextsOf(const VARIANT& source, VArray<VUnicodeString>& texts);
+
+    // A zero-based one-dimensional array of bytes (VT_ARRAY | VT_UI1).
+    void SetBytes(const std::vector<uint8_t>& bytes);
+    static bool BytesOf(const VARIANT& source, std::vector<uint8_t>& bytes);
 
 private:
     VARIANT variant_;

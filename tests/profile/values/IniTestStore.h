@@ -1,0 +1,28 @@
+// A real INI-file store in a temporary folder of its own, for the typed
+// values' tests. The file back end writes a key's values when the key object
+// goes away, so tests open a key, act, let it go, and open it again to see
+// what reached the file.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "TempFolder.h"
+#include "VIniFileStoreFactory.h"
+#include "VProfileStore.h"
+
+class IniTestStore {
+public:
+    static constexpr wchar_t KeyName[] = L"Options";
+
+    IniTestStore();
+
+    // The options key, opened afresh; created unless readOnly.
+    std::unique_ptr<VProfileKey> OpenKey(bool readOnly = false);
+    // The options key's values file as bytes; empty when there is none.
+    std::string ValuesFile() const;
+
+private:
+    TempFolder folder_;
+    VIniFileStoreFactory factory_;
+};

@@ -1,0 +1,286 @@
+// The life of a typed value against real INI-file keys: unchanged, edited,
+// accepted, stored; what Save writes and when; copies and assignment; reads
+// of absent and narrowed values; SetFromText.
+#include <gtest/gtest.h>
+
+#include <typeinfo>
+
+#include "ConfigMessages.h"
+#include "IniTestStore.h"
+#include "VProfile.h"
+#include "VProfile2.h"
+#include "VProfileKeySource.h"
+#include "VProfileSz.h"
+
+namespace {
+
+using VProfileString = VProfile2<VUnicodeString, VProfileSz>;
+
+class TypedValueStateTest : public ::testing::Test {
+protected:
+    uint32_t StoredNumber(const wchar_t* name) {
+        uint32_t number = 0;
+        EXPECT_TRUE(store_.OpenKey()->GetDword(name, number))
+            << "no number " << VString(VUnicodeString(name)).c_str();
+        return number;
+    }
+
+    IniTestStore store_;
+};
+
+TEST_F(TypedValueStateTest, UntouchedValuesWriteNothingUnlessForced) {
+    VProfile<unsigned long> timeout(L"Timeout", 180);
+    VProfileString logFile(L"Log File", L"log.txt");
+    {
+        auto key = store_.OpenKey();
+        EXPECT_TRUE(timeout.Save(*key, false));
+        EXPECT_TRUE(logFile.Save(*key, false));
+        EXPECT_FALSE(key->WasWritten());
+    }
+    EXPECT_EQ(store_.ValuesFile(), "");
+
+    {
+        auto key = store_.OpenKey();
+        EXPECT_TRUE(timeout.Save(*key, true));
+        EXPECT_TRUE(logFile.Save(*key, true));
+        EXPECT_TRUE(key->WasWritten());
+    }
+    EXPECT_EQ(StoredNumber(L"Timeout"), 180u);
+    VUnicodeString text;
+    EXPECT_TRUE(store_.OpenKey()->GetString(L"Log File", text));
+    EXPECT_EQ(text, L"log.txt");
+}
+
+TEST_F(TypedValueStateTest, EditAcceptStoreWritesOnce) {
+    VProfile<unsigned long> timeout(L"Timeout", 180);
+    timeout.Set(240);  // edited
+    EXPECT_TRUE(timeout.IsChanged());
+    EXPECT_FALSE(timeout.IsModified());
+
+    timeout.Commit();  // accepted
+    EXPECT_FALSE(timeout.IsChanged());
+    EXPECT_TRUE(timeout.IsModified());
+    EXPECT_EQ(timeout.GetSaved(), 240u);
+
+    auto key = store_.OpenKey();
+    EXPECT_TRUE(timeout.Save(*key, false));  // stored
+    EXPECT_TRUE(key->WasWritten());
+    EXPECT_FALSE(timeout.IsModified());
+    EXPECT_FALSE(timeout.IsChanged());
+
+    key->ClearWritten();
+    EXPECT_TRUE(timeout.Save(*key, false));
+    EXPECT_FALSE(key->WasWritten()) << "a stored value is written once";
+    key.reset();
+    EXPECT_EQ(StoredNumber(L"Timeout"), 240u);
+}
+
+TEST_F(TypedValueStateTest, AnEditedValueIsWrittenEvenWithoutCommit) {
+    VProfileString title(L"Title", L"a");
+    title.Set(L"A");  // texts compare with case
+    EXPECT_TRUE(title.IsChanged());
+    auto key = store_.OpenKey();
+    EXPECT_TRUE(title.Save(*key, false));
+    EXPECT_TRUE(key->WasWritten());
+    EXPECT_EQ(title.GetSaved(), L"A");
+}
+
+TEST_F(TypedValueStateTest, RevertAndUnchangedCommitLeaveNothingToWrite) {
+    VProfile<bool> minimize(L"Minimize To Tray", false);
+    minimize.Set(true);
+    minimize.Revert();
+    EXPECT_FALSE(minimize.Get());
+    EXPECT_FALSE(minimize.IsChanged());
+
+    minimize.Commit();
+    EXPECT_FALSE(minimize.IsModified()) << "committing no change marks nothing";
+    auto key = store_.OpenKey();
+    EXPECT_TRUE(minimize.Save(*key, false));
+    EXPECT_FALSE(key->WasWritten());
+}
+
+TEST_F(TypedValueStateTest, AFailedWriteLosesNothing) {
+    store_.OpenKey()->SetDword(L"Other", 1);  // the key must exist to open it read-only
+    VProfile<int> rows(L"Rows", 24);
+    rows.Set(50);
+    rows.Commit();
+    auto readOnly = store_.OpenKey(true);
+    ASSERT_TRUE(readOnly->IsOpen());
+    EXPECT_FALSE(rows.Save(*readOnly, false));
+    EXPECT_EQ(readOnly->GetLastErrorParams().GetMessageCode(),
+              static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    EXPECT_TRUE(rows.IsModified());
+    EXPECT_EQ(rows.Get(), 50);
+
+    EXPECT_TRUE(rows.Save(*store_.OpenKey(), false)) << "a later save still writes it";
+    EXPECT_FALSE(rows.IsModified());
+    EXPECT_EQ(StoredNumber(L"Rows"), 50u);
+}
+
+TEST_F(TypedValueStateTest, CopiesKeepEveryFlagAssignmentKeepsItsOwnModifiedFlag) {
+    VProfileString source(L"Answerback", L"old");
+    source.Set(L"new");
+    source.Commit();
+    source.SetUserFlag(false);
+
+    const VProfileString copy(source);
+    EXPECT_EQ(copy.GetName(), L"Answerback");
+    EXPECT_EQ(copy.Get(), L"new");
+    EXPECT_TRUE(copy.IsModified());
+    EXPECT_FALSE(copy.GetUserFlag());
+
+    VProfileString target(L"Other", L"x");
+    target = source;
+    EXPECT_EQ(target.GetName(), L"Answerback");
+    EXPECT_EQ(target.Get(), L"new");
+    EXPECT_FALSE(target.GetUserFlag());
+    EXPECT_FALSE(target.IsModified()) << "assignment keeps the target's pending-save state";
+
+    VProfile<int> modifiedTarget(L"Rows", 1);
+    modifiedTarget.Set(2);
+    modifiedTarget.Commit();
+    modifiedTarget = VProfile<int>(L"Cols", 80);
+    EXPECT_TRUE(modifiedTarget.IsModified());
+    EXPECT_EQ(modifiedTarget.GetName(), L"Cols");
+}
+
+TEST_F(TypedValueStateTest, CopyFromTakesTheCurrentValueOfTheSameKindOnly) {
+    VProfile<unsigned short> port(L"Port", 22);
+    VProfile<unsigned short> other(L"Other Port", 2222);
+    other.Set(8022);
+    port.CopyFrom(other);
+    EXPECT_EQ(port.Get(), 8022);
+    EXPECT_EQ(port.GetSaved(), 22) << "only the current value is copied";
+    EXPECT_EQ(port.GetName(), L"Port");
+
+    VProfile<short> differentType(L"Port", 1);
+    EXPECT_THROW(port.CopyFrom(differentType), std::bad_cast);
+    VProfileString text(L"Port");
+    EXPECT_THROW(text.CopyFrom(port), std::bad_cast);
+    EXPECT_EQ(text.GetData(), &text);
+}
+
+TEST_F(TypedValueStateTest, AbsentValuesKeepTheDefault) {
+    VProfile<unsigned long> timeout(L"Timeout", 180);
+    VProfileString logFile(L"Log File", L"log.txt");
+    auto key = store_.OpenKey();
+    EXPECT_FALSE(timeout.Load(*key));
+    EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(), static_cast<DWORD>(CONFIG_VALUE_ABSENT));
+    EXPECT_FALSE(logFile.Load(*key));
+    EXPECT_EQ(timeout.Get(), 180u);
+    EXPECT_EQ(logFile.Get(), L"log.txt");
+
+    timeout.Set(1);
+    EXPECT_FALSE(timeout.Load(*key, 300));
+    EXPECT_EQ(timeout.Get(), 300u);
+    EXPECT_EQ(timeout.GetSaved(), 300u);
+    EXPECT_FALSE(timeout.IsModified());
+
+    key->SetDword(L"Log File", 7);  // another kind reads as absent
+    EXPECT_FALSE(logFile.Load(*key, L"default"));
+    EXPECT_EQ(logFile.Get(), L"default");
+}
+
+TEST_F(TypedValueStateTest, LoadingMakesTheValueUnchanged) {
+    {
+        auto key = store_.OpenKey();
+        key->SetDword(L"Timeout", 30);
+        key->SetString(L"Log File", L"other.txt");
+    }
+    VProfile<unsigned long> timeout(L"Timeout", 180);
+    timeout.Set(5);
+    timeout.Commit();
+    VProfileString logFile(L"Log File", L"log.txt");
+    auto key = store_.OpenKey();
+    ASSERT_TRUE(timeout.Load(*key));
+    ASSERT_TRUE(logFile.Load(*key));
+    EXPECT_EQ(timeout.Get(), 30u);
+    EXPECT_EQ(timeout.GetSaved(), 30u);
+    EXPECT_FALSE(timeout.IsModified());
+    EXPECT_EQ(logFile.Get(), L"other.txt");
+    EXPECT_FALSE(logFile.IsChanged());
+}
+
+TEST_F(TypedValueStateTest, ScalarsAreWidenedOnWritingAndNarrowedOnReading) {
+    VProfile<short> offset(L"Offset", -2);
+    VProfile<int> position(L"Position", -100);
+    VProfile<unsigned char> alpha(L"Alpha", 200);
+    VProfile<bool> blink(L"Blink", true);
+    {
+        auto key = store_.OpenKey();
+        for (VProfileData* value :
+             {static_cast<VProfileData*>(&offset), static_cast<VProfileData*>(&position),
+              static_cast<VProfileData*>(&alpha), static_cast<VProfileData*>(&blink)})
+            EXPECT_TRUE(value->Save(*key, true));
+    }
+    EXPECT_EQ(StoredNumber(L"Offset"), 0xFFFFFFFEu);
+    EXPECT_EQ(StoredNumber(L"Position"), static_cast<uint32_t>(-100));
+    EXPECT_EQ(StoredNumber(L"Alpha"), 200u);
+    EXPECT_EQ(StoredNumber(L"Blink"), 1u);
+
+    {
+        auto key = store_.OpenKey();
+        key->SetDword(L"Alpha", 0x1FF);
+        key->SetDword(L"Blink", 2);
+    }
+    VProfile<short> offsetRead(L"Offset");
+    VProfile<int> positionRead(L"Position");
+    VProfile<unsigned char> alphaRead(L"Alpha");
+    VProfile<bool> blinkRead(L"Blink", false);
+    auto key = store_.OpenKey();
+    ASSERT_TRUE(offsetRead.Load(*key) && positionRead.Load(*key) && alphaRead.Load(*key) &&
+                blinkRead.Load(*key));
+    EXPECT_EQ(offsetRead.Get(), -2);
+    EXPECT_EQ(positionRead.Get(), -100);
+    EXPECT_EQ(alphaRead.Get(), 0xFF);
+    EXPECT_TRUE(blinkRead.Get()) << "a switch stored as 2 is true";
+}
+
+TEST_F(TypedValueStateTest, SetFromTextParsesNumbersAndReadsSwitchesAndTextsFromTheSource) {
+    {
+        auto key = store_.OpenKey();
+        key->SetDword(L"Blink", 1);
+        key->SetString(L"Title", L"stored");
+    }
+    auto key = store_.OpenKey();
+    VProfileKeySource source(*key);
+
+    VProfile<unsigned long> color(L"Color", 0, 16);
+    color.Set(1);
+    color.Commit();
+    EXPECT_TRUE(color.SetFromText(source, "ff8000"));
+    EXPECT_EQ(color.Get(), 0xFF8000u);
+    EXPECT_EQ(color.GetSaved(), 0xFF8000u);
+    EXPECT_FALSE(color.IsModified());
+    VProfile<int> junk(L"Rows", 24);
+    EXPECT_TRUE(junk.SetFromText(source, "twelve")) << "strtol reads junk as 0";
+    EXPECT_EQ(junk.Get(), 0);
+    EXPECT_EQ(VProfile<int>(L"Rows", 24, 8).GetRadix(), 8);
+
+    VProfile<bool> blink(L"Blink", false);
+    EXPECT_TRUE(blink.SetFromText(source, "0")) << "a switch ignores the text";
+    EXPECT_TRUE(blink.Get());
+    EXPECT_EQ(blink.GetSaved(), true);
+    VProfile<bool> absentSwitch(L"Absent Switch", true);
+    EXPECT_FALSE(absentSwitch.SetFromText(source, "0"));
+    EXPECT_TRUE(absentSwitch.Get());
+
+    VProfileString title(L"Title", L"x");
+    EXPECT_TRUE(title.SetFromText(source, "default"));
+    EXPECT_EQ(title.Get(), L"stored");
+    VProfileString absent(L"Absent", L"x");
+    absent.Set(L"edited");
+    EXPECT_TRUE(absent.SetFromText(source, "default"));
+    EXPECT_EQ(absent.Get(), L"default");
+    EXPECT_EQ(absent.GetSaved(), L"default");
+    VProfileKey missingKey(*key, L"No Such Key", false);
+    VProfileKeySource failing(missingKey);
+    VProfileString unreadable(L"Title", L"x");
+    EXPECT_FALSE(unreadable.SetFromText(failing, "default"))
+        << "only an absent value takes the default";
+    EXPECT_EQ(failing.GetLastErrorParams().GetMessageCode(),
+              static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(unreadable.Get(), L"x");
+}
+
+}  // namespace
