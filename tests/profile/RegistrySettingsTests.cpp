@@ -1,0 +1,139 @@
+// The family's fixed registry places, read with HKEY_LOCAL_MACHINE and
+// HKEY_CURRENT_USER redirected into a sandbox, so that the tests can fill
+// both hives freely: the base lookup order, policy precedence, application
+// settings with their older location, and the process-wide factory slots.
+#include <gtest/gtest.h>
+
+#include "RegistrySandbox.h"
+#include "RegistrySettings.h"
+#include "VProfileStore.h"
+#include "VRegistryKey.h"
+#include "VRegistryStoreFactory.h"
+
+namespace {
+
+class RegistrySettingsTest : public ::testing::Test {
+protected:
+    // Creates hive\path (already redirected into the sandbox).
+    static void CreateKey(HKEY hive, const wchar_t* path) {
+        VRegistryKey key;
+        ASSERT_TRUE(key.Create(hive, path, KEY_ALL_ACCESS, nullptr));
+    }
+    static void SetDword(HKEY hive, const wchar_t* path, const wchar_t* name, uint32_t value) {
+        VRegistryKey key;
+        ASSERT_TRUE(key.Create(hive, path, KEY_ALL_ACCESS, nullptr));
+        ASSERT_TRUE(key.SetDword(name, value));
+    }
+    static void SetString(HKEY hive, const wchar_t* path, const wchar_t* name, const wchar_t* text) {
+        VRegistryKey key;
+        ASSERT_TRUE(key.Create(hive, path, KEY_ALL_ACCESS, nullptr));
+        ASSERT_TRUE(key.SetString(name, text));
+    }
+
+    RegistrySandbox sandbox_;
+    PredefinedKeyRedirect machine_{HKEY_LOCAL_MACHINE, sandbox_, L"machine"};
+    PredefinedKeyRedirect user_{HKEY_CURRENT_USER, sandbox_, L"user"};
+};
+
+constexpr wchar_t Family[] = L"SOFTWARE\\Quillon";
+constexpr wchar_t OlderFamily[] = L"SOFTWARE\\Quillon Works";
+constexpr wchar_t Policies[] = L"Software\\Policies\\Quillon";
+constexpr wchar_t Global[] = L"SOFTWARE\\Quillon\\Global";
+
+void ExpectBase(HKEY hive, const wchar_t* path) {
+    const RegistryPlace base = FindFamilyRegistryBase();
+    EXPECT_EQ(base.hive, hive);
+    EXPECT_EQ(base.path, path);
+}
+
+TEST_F(RegistrySettingsTest, TheFirstOfTheFourBasePlacesThatExistsWins) {
+    ExpectBase(HKEY_CURRENT_USER, Family);  // none exists
+    EXPECT_FALSE(RawKeyExists(HKEY_CURRENT_USER, Family));  // and looking created nothing
+
+    CreateKey(HKEY_LOCAL_MACHINE, OlderFamily);
+    ExpectBase(HKEY_LOCAL_MACHINE, OlderFamily);
+    CreateKey(HKEY_CURRENT_USER, OlderFamily);
+    ExpectBase(HKEY_CURRENT_USER, OlderFamily);
+    CreateKey(HKEY_LOCAL_MACHINE, Family);
+    ExpectBase(HKEY_LOCAL_MACHINE, Family);
+    CreateKey(HKEY_CURRENT_USER, Family);
+    ExpectBase(HKEY_CURRENT_USER, Family);
+}
+
+TEST_F(RegistrySettingsTest, APolicyIsTakenFromTheFirstPlaceThatHasIt) {
+    uint32_t value = 99;
+    EXPECT_FALSE(GetPolicyDword(L"Limit", value));
+    EXPECT_EQ(value, 99u);
+
+    SetDword(HKEY_LOCAL_MACHINE, Global, L"Limit", 3);
+    ASSERT_TRUE(GetPolicyDword(L"Limit", value));
+    EXPECT_EQ(value, 3u);
+    SetDword(HKEY_CURRENT_USER, Policies, L"Limit", 2);
+    ASSERT_TRUE(GetPolicyDword(L"Limit", value));
+    EXPECT_EQ(value, 2u);
+    SetDword(HKEY_LOCAL_MACHINE, Policies, L"Limit", 1);
+    ASSERT_TRUE(GetPolicyDword(L"Limit", value));
+    EXPECT_EQ(value, 1u);
+}
+
+TEST_F(RegistrySettingsTest, APolicyOfAnotherTypeDoesNotHideTheNextPlace) {
+    SetString(HKEY_LOCAL_MACHINE, Policies, L"Limit", L"1");
+    SetDword(HKEY_CURRENT_USER, Policies, L"Limit", 2);
+    uint32_t value = 0;
+    ASSERT_TRUE(GetPolicyDword(L"Limit", value));
+    EXPECT_EQ(value, 2u);
+    VUnicodeString text;
+    ASSERT_TRUE(GetPolicyString(L"Limit", text));
+    EXPECT_EQ(text, L"1");
+}
+
+TEST_F(RegistrySettingsTest, AnApplicationSettingFallsBackThroughItsPlacesToTheDefault) {
+    const wchar_t own[] = L"SOFTWARE\\Quillon\\Filewright\\Transfer";
+    EXPECT_EQ(GetApplicationSettingDword(L"Retries", L"Filewright", L"Transfer", 5), 5u);
+    SetDword(HKEY_LOCAL_MACHINE, own, L"Retries", 7);
+    EXPECT_EQ(GetApplicationSettingDword(L"Retries", L"Filewright", L"Transfer", 5), 7u);
+    SetDword(HKEY_CURRENT_USER, Policies, L"Retries", 9);
+    EXPECT_EQ(GetApplicationSettingDword(L"Retries", L"Filewright", L"Transfer", 5), 9u);
+    // The application's own key is under HKEY_LOCAL_MACHINE only.
+    SetString(HKEY_CURRENT_USER, own, L"Folder", L"user");
+    EXPECT_EQ(GetApplicationSettingString(L"Folder", L"Filewright", L"Transfer", L"default"), L"default");
+}
+
+TEST_F(RegistrySettingsTest, OnlyTheTerminalClientLooksInTheOlderLocation) {
+    SetString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Quillon Works\\TERMWRIGHT Pro 3.0\\Paths", L"Folder", L"older");
+    SetString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Quillon Works\\Filewright 3.0\\Paths", L"Folder", L"older");
+    EXPECT_EQ(GetApplicationSettingString(L"Folder", L"TERMWRIGHT Pro", L"Paths", L"default"), L"older");
+    EXPECT_EQ(GetApplicationSettingString(L"Folder", L"Filewright", L"Paths", L"default"), L"default");
+    // The application's own key comes before the older location.
+    SetString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Quillon\\TERMWRIGHT Pro\\Paths", L"Folder", L"own");
+    EXPECT_EQ(GetApplicationSettingString(L"Folder", L"TERMWRIGHT Pro", L"Paths", L"default"), L"own");
+}
+
+// Start-up's use: the factory for the family's hive is the current one until
+// an INI-file factory is set, and stores made without a factory use it.
+TEST_F(RegistrySettingsTest, StoresUseTheRegistryUntilAnIniFileFactoryIsSet) {
+    CreateKey(HKEY_LOCAL_MACHINE, Family);  // a machine-wide installation only
+    VRegistryStoreFactory registry(nullptr, Family);
+    EXPECT_EQ(registry.GetHive(), HKEY_LOCAL_MACHINE);
+    SetRegistryStoreFactory(&registry);
+    SetIniFileStoreFactory(nullptr);
+    EXPECT_EQ(CurrentProfileStoreFactory(), &registry);
+    {
+        VProfileStore store;
+        VProfileKey options(store.GetRootKey(), L"Global", true);
+        ASSERT_TRUE(options.SetDword(L"Tray Icon", 1));
+    }
+    VRegistryKey written;
+    ASSERT_TRUE(written.Open(HKEY_LOCAL_MACHINE, Global, KEY_READ));
+    uint32_t value = 0;
+    ASSERT_TRUE(written.GetDword(L"Tray Icon", value));
+    EXPECT_EQ(value, 1u);
+
+    VRegistryStoreFactory other(HKEY_CURRENT_USER, Family);
+    SetIniFileStoreFactory(&other);
+    EXPECT_EQ(CurrentProfileStoreFactory(), &other);
+    SetIniFileStoreFactory(nullptr);
+    SetRegistryStoreFactory(nullptr);
+}
+
+}  // namespace

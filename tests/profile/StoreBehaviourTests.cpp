@@ -1,0 +1,329 @@
+// What callers may rely on whichever back end keeps their settings: typed
+// round trips, absent values told apart, subkeys, deletion, iteration and
+// read-only stores. Values are checked through a store opened afresh, so that
+// a back end that writes late is held to what it really persisted.
+#include <cstring>
+#include <map>
+#include <string>
+
+#include "StoreBehaviour.h"
+
+namespace {
+
+// Name to kind code, as an iterator lists them.
+using Entries = std::map<std::wstring, uint32_t>;
+
+Entries List(VProfileKey& key, bool values) {
+    Entries entries;
+    VProfileKeyIterator iterator(key, values);
+    VUnicodeString name;
+    uint32_t kind = 0;
+    while (iterator.Next(name, kind)) entries[name.c_str()] = kind;
+    return entries;
+}
+
+void ExpectAbsent(VProfileKey& key, const wchar_t* name) { ExpectValueAbsent(key.GetLastErrorParams(), name); }
+
+const VArray<VUnicodeString> List3{L"one", L"two words", L"\u00fcber \u20ac"};
+const BYTE Bytes[] = {0, 1, 0x7F, 0x80, 0xFF, 0};
+
+TEST_P(StoreBehaviour, EveryKindIsReadBackAsWritten) {
+    {
+        auto store = Open();
+        VProfileKey key(store->GetRootKey(), L"values", true);
+        ASSERT_TRUE(key.IsOpen());
+        ASSERT_TRUE(key.SetDword(L"zero", 0));
+        ASSERT_TRUE(key.SetDword(L"max", 0xFFFFFFFF));
+        ASSERT_TRUE(key.SetString(L"text", L"Gr\u00fc\u00dfe = \"quoted\" ; not a comment"));
+        ASSERT_TRUE(key.SetString(L"empty", L""));
+        ASSERT_TRUE(key.SetBinary(L"bytes", Bytes, sizeof Bytes));
+        ASSERT_TRUE(key.SetMultiString(L"list", List3));
+    }
+    auto store = Open();
+    VProfileKey key(store->GetRootKey(), L"values", false);
+    ASSERT_TRUE(key.IsOpen());
+    uint32_t number = 1;
+    ASSERT_TRUE(key.GetDword(L"zero", number));
+    EXPECT_EQ(number, 0u);
+    ASSERT_TRUE(key.GetDword(L"max", number));
+    EXPECT_EQ(number, 0xFFFFFFFFu);
+    VUnicodeString text;
+    ASSERT_TRUE(key.GetString(L"text", text));
+    EXPECT_EQ(text, L"Gr\u00fc\u00dfe = \"quoted\" ; not a comment");
+    ASSERT_TRUE(key.GetString(L"empty", text));
+    EXPECT_TRUE(text.IsEmpty());
+    BYTE buffer[sizeof Bytes] = {};
+    uint32_t size = sizeof buffer;
+    ASSERT_TRUE(key.GetBinary(L"bytes", buffer, size));
+    EXPECT_EQ(size, sizeof Bytes);
+    EXPECT_EQ(std::memcmp(buffer, Bytes, sizeof Bytes), 0);
+    VArray<VUnicodeString> strings;
+    ASSERT_TRUE(key.GetMultiString(L"list", strings));
+    EXPECT_EQ(strings, List3);
+}
+
+TEST_P(StoreBehaviour, AnOverwrittenValueKeepsOnlyItsLastForm) {
+    {
+        auto store = Open();
+        VProfileKey& root = store->GetRootKey();
+        ASSERT_TRUE(root.SetString(L"value", L"first"));
+        ASSERT_TRUE(root.SetDword(L"value", 2));
+    }
+    auto store = Open();
+    uint32_t number = 0;
+    ASSERT_TRUE(store->GetRootKey().GetDword(L"value", number));
+    EXPECT_EQ(number, 2u);
+    VUnicodeString text;
+    EXPECT_FALSE(store->GetRootKey().GetString(L"value", text));
+}
+
+TEST_P(StoreBehaviour, AMissingValueIsToldApartAsAbsent) {
+    auto store = Open();
+    VProfileKey& root = store->GetRootKey();
+    ASSERT_TRUE(root.SetDword(L"present", 1));
+    uint32_t number = 42;
+    EXPECT_FALSE(root.GetDword(L"missing number", number));
+    ExpectAbsent(root, L"missing number");
+    EXPECT_EQ(number, 42u);
+    VUnicodeString text;
+    EXPECT_FALSE(root.GetString(L"missing text", text));
+    ExpectAbsent(root, L"missing text");
+    uint32_t size = 0;
+    EXPECT_FALSE(root.GetBinary(L"missing bytes", nullptr, size));
+    ExpectAbsent(root, L"missing bytes");
+    VArray<VUnicodeString> strings;
+    EXPECT_FALSE(root.GetMultiString(L"missing list", strings));
+    ExpectAbsent(root, L"missing list");
+}
+
+TEST_P(StoreBehaviour, AValueReadAsAnotherKindIsAbsent) {
+    auto store = Open();
+    VProfileKey& root = store->GetRootKey();
+    ASSERT_TRUE(root.SetString(L"text", L"12"));
+    ASSERT_TRUE(root.SetDword(L"number", 12));
+    ASSERT_TRUE(root.SetBinary(L"bytes", Bytes, sizeof Bytes));
+    ASSERT_TRUE(root.SetMultiString(L"list", List3));
+
+    uint32_t number = 0;
+    EXPECT_FALSE(root.GetDword(L"text", number));
+    ExpectAbsent(root, L"text");
+    VUnicodeString text;
+    EXPECT_FALSE(root.GetString(L"number", text));
+    ExpectAbsent(root, L"number");
+    EXPECT_FALSE(root.GetString(L"list", text));
+    ExpectAbsent(root, L"list");
+    VArray<VUnicodeString> strings;
+    EXPECT_FALSE(root.GetMultiString(L"bytes", strings));
+    ExpectAbsent(root, L"bytes");
+    uint32_t size = 0;
+    EXPECT_FALSE(root.GetBinary(L"text", nullptr, size));
+    ExpectAbsent(root, L"text");
+}
+
+TEST_P(StoreBehaviour, GetBinaryWithoutBufferTellsTheSize) {
+    auto store = Open();
+    VProfileKey& root = store->GetRootKey();
+    ASSERT_TRUE(root.SetBinary(L"bytes", Bytes, sizeof Bytes));
+    ASSERT_TRUE(root.SetBinary(L"nothing", Bytes, 0));
+    uint32_t size = 0;
+    ASSERT_TRUE(root.GetBinary(L"bytes", nullptr, size));
+    EXPECT_EQ(size, sizeof Bytes);
+    size = 99;
+    ASSERT_TRUE(root.GetBinary(L"nothing", nullptr, size));
+    EXPECT_EQ(size, 0u);
+}
+
+TEST_P(StoreBehaviour, ADeletedValueIsGoneAndNotListed) {
+    {
+        auto store = Open();
+        VProfileKey& root = store->GetRootKey();
+        ASSERT_TRUE(root.SetDword(L"doomed", 1));
+        ASSERT_TRUE(root.SetDword(L"kept", 2));
+        ASSERT_TRUE(root.DeleteValue(L"doomed"));
+        uint32_t number = 0;
+        EXPECT_FALSE(root.GetDword(L"doomed", number));
+        ExpectAbsent(root, L"doomed");
+        EXPECT_EQ(List(root, true), (Entries{{L"kept", ProfileDword}}));
+    }
+    auto store = Open();
+    EXPECT_EQ(List(store->GetRootKey(), true), (Entries{{L"kept", ProfileDword}}));
+}
+
+TEST_P(StoreBehaviour, AMissingSubkeyIsNotOpenedWithoutCreate) {
+    auto store = Open();
+    VProfileKey& root = store->GetRootKey();
+    VProfileKey missing(root, L"missing", false);
+    EXPECT_FALSE(missing.IsOpen());
+    EXPECT_FALSE(missing.SetDword(L"value", 1));
+    EXPECT_FALSE(root.KeyExists(L"missing"));
+    EXPECT_TRUE(List(root, false).empty());
+}
+
+TEST_P(StoreBehaviour, ACreatedSubkeyPersistsWithItsValues) {
+    {
+        auto store = Open();
+        VProfileKey parent(store->GetRootKey(), L"parent", true);
+        ASSERT_TRUE(parent.IsOpen());
+        VProfileKey child(parent, L"child", true);
+        ASSERT_TRUE(child.IsOpen());
+        ASSERT_TRUE(child.SetString(L"name", L"value"));
+    }
+    auto store = Open();
+    VProfileKey& root = store->GetRootKey();
+    EXPECT_TRUE(root.KeyExists(L"parent"));
+    VProfileKey parent(root, L"parent", false);
+    ASSERT_TRUE(parent.IsOpen());
+    EXPECT_TRUE(parent.KeyExists(L"child"));
+    VProfileKey child(parent, L"child", false);
+    VUnicodeString text;
+    ASSERT_TRUE(child.GetString(L"name", text));
+    EXPECT_EQ(text, L"value");
+}
+
+TEST_P(StoreBehaviour, DeleteKeyRemovesEverythingBelowIt) {
+    {
+        auto store = Open();
+        VProfileKey& root = store->GetRootKey();
+        VProfileKey doomed(root, L"doomed", true);
+        VProfileKey inner(doomed, L"inner", true);
+        VProfileKey innermost(inner, L"innermost", true);
+        ASSERT_TRUE(innermost.SetDword(L"deep", 3));
+        ASSERT_TRUE(inner.SetDword(L"middle", 2));
+        ASSERT_TRUE(doomed.SetDword(L"top", 1));
+        VProfileKey kept(root, L"kept", true);
+        ASSERT_TRUE(kept.SetDword(L"value", 4));
+    }
+    {
+        auto store = Open();
+        ASSERT_TRUE(store->GetRootKey().DeleteKey(L"doomed"));
+        EXPECT_FALSE(store->GetRootKey().KeyExists(L"doomed"));
+    }
+    auto store = Open();
+    VProfileKey& root = store->GetRootKey();
+    EXPECT_FALSE(root.KeyExists(L"doomed"));
+    EXPECT_EQ(List(root, false).count(L"doomed"), 0u);
+    // Recreated, it starts empty: nothing of the old subtree comes back.
+    VProfileKey again(root, L"doomed", true);
+    ASSERT_TRUE(again.IsOpen());
+    EXPECT_TRUE(List(again, true).empty());
+    EXPECT_TRUE(List(again, false).empty());
+    VProfileKey kept(root, L"kept", false);
+    uint32_t number = 0;
+    ASSERT_TRUE(kept.GetDword(L"value", number));
+    EXPECT_EQ(number, 4u);
+}
+
+TEST_P(StoreBehaviour, IteratorsListValuesWithTheirKindsAndSubkeysApart) {
+    {
+        auto store = Open();
+        VProfileKey& root = store->GetRootKey();
+        ASSERT_TRUE(root.SetDword(L"d", 1));
+        ASSERT_TRUE(root.SetString(L"s", L"x"));
+        ASSERT_TRUE(root.SetBinary(L"b", Bytes, sizeof Bytes));
+        ASSERT_TRUE(root.SetMultiString(L"m", List3));
+        VProfileKey first(root, L"first", true);
+        VProfileKey second(root, L"second", true);
+        ASSERT_TRUE(second.SetDword(L"inside", 1));
+    }
+    auto store = Open();
+    VProfileKey& root = store->GetRootKey();
+    EXPECT_EQ(List(root, true), (Entries{{L"d", ProfileDword},
+                                         {L"s", ProfileString},
+                                         {L"b", ProfileBinary},
+                                         {L"m", ProfileMultiString}}));
+    const Entries subkeys = List(root, false);
+    ASSERT_EQ(subkeys.size(), 2u);
+    for (const auto& [name, kind] : subkeys) {
+        EXPECT_TRUE(name == L"first" || name == L"second") << "unexpected entry";
+        EXPECT_TRUE(IsSubkeyKind(kind)) << "kind " << kind;
+    }
+    // The name-only form walks the same entries.
+    VProfileKeyIterator iterator(root, false);
+    VUnicodeString name;
+    size_t count = 0;
+    while (iterator.Next(name)) ++count;
+    EXPECT_EQ(count, 2u);
+}
+
+TEST_P(StoreBehaviour, AReadOnlyStoreReadsButNeverWrites) {
+    {
+        auto store = Open();
+        ASSERT_TRUE(store->GetRootKey().SetDword(L"value", 1));
+        VProfileKey child(store->GetRootKey(), L"child", true);
+        ASSERT_TRUE(child.SetDword(L"value", 2));
+    }
+    {
+        auto store = Open(true);
+        EXPECT_TRUE(store->IsReadOnly());
+        VProfileKey& root = store->GetRootKey();
+        EXPECT_FALSE(root.IsWritable());
+        uint32_t number = 0;
+        ASSERT_TRUE(root.GetDword(L"value", number));
+        EXPECT_EQ(number, 1u);
+        EXPECT_FALSE(root.SetDword(L"value", 9));
+        EXPECT_FALSE(root.DeleteValue(L"value"));
+        EXPECT_FALSE(root.DeleteKey(L"child"));
+        VProfileKey child(root, L"child", false);
+        ASSERT_TRUE(child.IsOpen());
+        EXPECT_FALSE(child.IsWritable());
+        EXPECT_FALSE(child.SetDword(L"value", 9));
+        VProfileKey created(root, L"created", true);
+        EXPECT_FALSE(created.IsOpen());
+    }
+    auto store = Open();
+    VProfileKey& root = store->GetRootKey();
+    EXPECT_TRUE(root.IsWritable());
+    uint32_t number = 0;
+    ASSERT_TRUE(root.GetDword(L"value", number));
+    EXPECT_EQ(number, 1u);
+    EXPECT_TRUE(root.KeyExists(L"child"));
+    EXPECT_FALSE(root.KeyExists(L"created"));
+}
+
+TEST_P(StoreBehaviour, AReadOnlyStoreOnAnEmptyPlaceFindsNothing) {
+    {
+        auto store = Open(true);
+        VProfileKey& root = store->GetRootKey();
+        uint32_t number = 0;
+        EXPECT_FALSE(root.GetDword(L"value", number));
+        EXPECT_FALSE(root.SetDword(L"value", 1));
+        EXPECT_TRUE(List(root, true).empty());
+    }
+    auto store = Open();
+    uint32_t number = 0;
+    EXPECT_FALSE(store->GetRootKey().GetDword(L"value", number));
+    ExpectAbsent(store->GetRootKey(), L"value");
+}
+
+// Each object owns what it was given: a subkey works on after its parent key
+// and its store are gone.
+TEST_P(StoreBehaviour, ASubkeyOutlivesItsParentAndStore) {
+    std::unique_ptr<VProfileKey> child;
+    {
+        auto store = Open();
+        VProfileKey parent(store->GetRootKey(), L"parent", true);
+        child = std::make_unique<VProfileKey>(parent, L"child", true);
+    }
+    ASSERT_TRUE(child->IsOpen());
+    ASSERT_TRUE(child->SetString(L"late", L"still here"));
+    child.reset();
+    auto store = Open();
+    VProfileKey parent(store->GetRootKey(), L"parent", false);
+    VProfileKey reopened(parent, L"child", false);
+    VUnicodeString text;
+    ASSERT_TRUE(reopened.GetString(L"late", text));
+    EXPECT_EQ(text, L"still here");
+}
+
+TEST_P(StoreBehaviour, FlushMakesWritesVisibleWhileTheKeyLives) {
+    auto writer = Open();
+    VProfileKey& root = writer->GetRootKey();
+    ASSERT_TRUE(root.SetDword(L"flushed", 5));
+    ASSERT_TRUE(root.Flush());
+    auto reader = Open(true);
+    uint32_t number = 0;
+    ASSERT_TRUE(reader->GetRootKey().GetDword(L"flushed", number));
+    EXPECT_EQ(number, 5u);
+}
+
+}  // namespace
