@@ -3,8 +3,9 @@
 // the value chooses. VProfileKeySink writes them into a profile key.
 #pragma once
 
-#include <oleauto.h>
 #include <windows.h>
+
+#include <oleauto.h>  // after windows.h, which it needs
 
 #include "VReportMessageParams.h"
 #include "VString.h"

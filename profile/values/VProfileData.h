@@ -17,8 +17,9 @@
 // A value is used by one thread at a time.
 #pragma once
 
-#include <oleauto.h>
 #include <windows.h>
+
+#include <oleauto.h>  // after windows.h, which it needs
 
 #include "IProfileDataSink.h"
 #include "IProfileDataSource.h"

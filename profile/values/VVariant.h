@@ -3,8 +3,9 @@
 // which the typed values exchange texts, lists of texts and byte blocks.
 #pragma once
 
-#include <oleauto.h>
 #include <windows.h>
+
+#include <oleauto.h>  // after windows.h, which it needs
 
 #include <cstdint>
 #include <vector>
