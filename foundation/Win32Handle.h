@@ -5,6 +5,8 @@
 
 #include <windows.h>
 
+#include <wincrypt.h>
+
 #include <utility>
 
 template <class Traits>
@@ -90,10 +92,18 @@ struct MappedViewTraits {
     static void Close(Type view) noexcept { UnmapViewOfFile(view); }
 };
 
+// A CryptoAPI provider context (an integer handle, 0 when there is none).
+struct CryptProviderTraits {
+    using Type = HCRYPTPROV;
+    static Type Invalid() noexcept { return 0; }
+    static void Close(Type provider) noexcept { CryptReleaseContext(provider, 0); }
+};
+
 using KernelHandle = VUniqueHandle<KernelHandleTraits>;
 using FileHandle = VUniqueHandle<FileHandleTraits>;
 using LocalMemory = VUniqueHandle<LocalMemoryTraits>;
 using LibraryHandle = VUniqueHandle<LibraryTraits>;
 using FindHandle = VUniqueHandle<FindTraits>;
+using CryptProviderHandle = VUniqueHandle<CryptProviderTraits>;
 using RegistryKeyHandle = VUniqueHandle<RegistryKeyTraits>;
 using MappedView = VUniqueHandle<MappedViewTraits>;

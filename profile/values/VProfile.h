@@ -14,6 +14,11 @@
 //   unsigned int    VT_UINT    VT_UI4
 //   unsigned long   VT_UI4     VT_UI4
 //   bool            VT_BOOL    VT_BOOL   true goes out as 1, not VARIANT_TRUE (-1)
+//
+// VariantChangeType copies the bits between the signed and unsigned types of
+// one size rather than checking the range, so a value's own variant comes
+// back whole (VT_UI1 200 through VT_I1; VT_INT or VT_I4 -5 through VT_UI4),
+// while a negative number of another width or a text ("-5") is refused.
 #pragma once
 
 #include <cstdint>

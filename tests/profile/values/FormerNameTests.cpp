@@ -1,0 +1,127 @@
+// Options renamed between versions: the value is read under its present name,
+// else under its former one, and the next save moves it to the present name
+// and blanks the former one. Against real INI-file keys.
+#include <gtest/gtest.h>
+
+#include "IniTestStore.h"
+#include "VProfile.h"
+#include "VProfile2.h"
+#include "VProfileSz.h"
+#include "VTabStateList.h"
+
+namespace {
+
+using VProfileString = VProfile2<VUnicodeString, VProfileSz>;
+
+class FormerNameTest : public ::testing::Test {
+protected:
+    IniTestStore store_;
+};
+
+TEST_F(FormerNameTest, ANumberFoundUnderItsFormerNameMovesToThePresentName) {
+    store_.OpenKey()->SetDword(L"Enable 80/132 Column Switching", 1);
+
+    VProfile<bool> switching(L"Enable 80-132 Column Switching", false);
+    {
+        auto key = store_.OpenKey();
+        EXPECT_TRUE(switching.LoadWithFormerName(*key, L"Enable 80/132 Column Switching", false));
+        EXPECT_TRUE(switching.Get());
+        EXPECT_EQ(switching.GetName(), L"Enable 80-132 Column Switching");
+        EXPECT_TRUE(switching.IsModified()) << "so that the next save writes the present name";
+        EXPECT_TRUE(switching.Save(*key, false));
+        EXPECT_FALSE(switching.IsModified());
+    }
+    auto key = store_.OpenKey();
+    uint32_t number = 0;
+    EXPECT_TRUE(key->GetDword(L"Enable 80-132 Column Switching", number));
+    EXPECT_EQ(number, 1u);
+    EXPECT_FALSE(key->GetDword(L"Enable 80/132 Column Switching", number))
+        << "the former value is gone";
+}
+
+TEST_F(FormerNameTest, ThePresentNameWinsAndNeitherGivesTheDefault) {
+    {
+        auto key = store_.OpenKey();
+        key->SetDword(L"Keep Alive", 30);
+        key->SetDword(L"Old Keep Alive", 60);
+    }
+    auto key = store_.OpenKey();
+    VProfile<unsigned long> keepAlive(L"Keep Alive", 0);
+    EXPECT_TRUE(keepAlive.LoadWithFormerName(*key, L"Old Keep Alive", 5));
+    EXPECT_EQ(keepAlive.Get(), 30u);
+    EXPECT_FALSE(keepAlive.IsModified());
+    key->ClearWritten();
+    EXPECT_TRUE(keepAlive.Save(*key, false));
+    EXPECT_FALSE(key->WasWritten()) << "nothing to move";
+
+    VProfile<unsigned long> retries(L"Retry Attempts", 1);
+    retries.Set(3);
+    EXPECT_FALSE(retries.LoadWithFormerName(*key, L"Old Retry Attempts", 20));
+    EXPECT_EQ(retries.Get(), 20u);
+    EXPECT_EQ(retries.GetSaved(), 20u);
+    EXPECT_FALSE(retries.IsModified());
+}
+
+TEST_F(FormerNameTest, ATextFoundUnderItsFormerNameIsBlankedThereAtTheNextSave) {
+    store_.OpenKey()->SetString(L"Local Shell Command Pre-connect", L"net use x:");
+
+    VProfileString command(L"Local Shell Command Pre-connect V2");
+    {
+        auto key = store_.OpenKey();
+        ASSERT_TRUE(command.LoadWithFormerName(*key, L"Local Shell Command Pre-connect", L""));
+        EXPECT_EQ(command.Get(), L"net use x:");
+        EXPECT_TRUE(command.Save(*key, false));
+    }
+    auto key = store_.OpenKey();
+    VUnicodeString text;
+    EXPECT_TRUE(key->GetString(L"Local Shell Command Pre-connect V2", text));
+    EXPECT_EQ(text, L"net use x:");
+    EXPECT_TRUE(key->GetString(L"Local Shell Command Pre-connect", text));
+    EXPECT_EQ(text, L"") << "blanked, as older versions expect";
+
+    // The blank former value no longer counts: with the present value gone,
+    // the default is taken rather than the blank.
+    EXPECT_TRUE(key->DeleteValue(L"Local Shell Command Pre-connect V2"));
+    VProfileString again(L"Local Shell Command Pre-connect V2");
+    EXPECT_FALSE(again.LoadWithFormerName(*key, L"Local Shell Command Pre-connect", L"default"));
+    EXPECT_EQ(again.Get(), L"default");
+    EXPECT_FALSE(again.IsModified());
+}
+
+TEST_F(FormerNameTest, TheOlderTabStateIsConvertedIntoTheNewerForm) {
+    store_.OpenKey()->SetString(L"Termwright Tab State", L"1,-1,200");
+
+    VTabStateList defaults;
+    ASSERT_TRUE(VTabStateList::Parse(L"1,1,0;", defaults));
+    VProfileTabStateList tabs(L"Termwright Tab State V2", defaults);
+    {
+        auto key = store_.OpenKey();
+        ASSERT_TRUE(tabs.LoadWithFormerName(*key, L"Termwright Tab State", defaults));
+        ASSERT_EQ(tabs.Get().groups.GetCount(), 1u);
+        EXPECT_EQ(tabs.Get().groups[0].size, 200);
+        EXPECT_TRUE(tabs.Save(*key, false));
+    }
+    auto key = store_.OpenKey();
+    VUnicodeString text;
+    EXPECT_TRUE(key->GetString(L"Termwright Tab State V2", text));
+    EXPECT_EQ(text, L"1,-1,200;");
+    EXPECT_TRUE(key->GetString(L"Termwright Tab State", text));
+    EXPECT_EQ(text, L"");
+}
+
+TEST_F(FormerNameTest, AFailedMoveIsTriedAgainAtTheNextSave) {
+    store_.OpenKey()->SetDword(L"Old Rows", 40);
+    VProfile<int> rows(L"Rows", 24);
+    ASSERT_TRUE(rows.LoadWithFormerName(*store_.OpenKey(), L"Old Rows", 24));
+
+    EXPECT_FALSE(rows.Save(*store_.OpenKey(true), false));
+    EXPECT_TRUE(rows.IsModified());
+    EXPECT_TRUE(rows.Save(*store_.OpenKey(), false));
+    auto key = store_.OpenKey();
+    uint32_t number = 0;
+    EXPECT_TRUE(key->GetDword(L"Rows", number));
+    EXPECT_EQ(number, 40u);
+    EXPECT_FALSE(key->GetDword(L"Old Rows", number));
+}
+
+}  // namespace

@@ -1,0 +1,125 @@
+// Time stamps kept as "year:month:day:hour:minute:second:milliseconds" text:
+// the form written, what the reader accepts and refuses, and what a typed
+// time value does with a refused text, against real INI-file keys.
+#include <gtest/gtest.h>
+
+#include "ConfigMessages.h"
+#include "IniTestStore.h"
+#include "VProfile2.h"
+#include "VProfileTimeSz.h"
+
+namespace {
+
+using VProfileTime = VProfile2<FILETIME, VProfileTimeSz>;
+
+FILETIME TimeOf(WORD year, WORD month, WORD day, WORD hour, WORD minute, WORD second,
+                WORD milliseconds) {
+    SYSTEMTIME parts{};
+    parts.wYear = year;
+    parts.wMonth = month;
+    parts.wDay = day;
+    parts.wHour = hour;
+    parts.wMinute = minute;
+    parts.wSecond = second;
+    parts.wMilliseconds = milliseconds;
+    FILETIME time{};
+    EXPECT_TRUE(SystemTimeToFileTime(&parts, &time));
+    return time;
+}
+
+bool SameTime(const FILETIME& a, const FILETIME& b) {
+    return a.dwLowDateTime == b.dwLowDateTime && a.dwHighDateTime == b.dwHighDateTime;
+}
+
+TEST(TimeTextTest, TimesAreWrittenWithFixedWidthFields) {
+    VUnicodeString text;
+    ASSERT_TRUE(VProfileTimeSz::FormatTime(TimeOf(2018, 2, 28, 13, 5, 9, 42), text));
+    EXPECT_EQ(text, L"2018:02:28:13:05:09:042");
+    ASSERT_TRUE(VProfileTimeSz::FormatTime(TimeOf(1601, 1, 1, 0, 0, 0, 0), text));
+    EXPECT_EQ(text, L"1601:01:01:00:00:00:000");
+    ASSERT_TRUE(VProfileTimeSz::FormatTime(TimeOf(30827, 12, 31, 23, 59, 59, 999), text));
+    EXPECT_EQ(text, L"30827:12:31:23:59:59:999");
+
+    text = L"kept";
+    const FILETIME beyond{0xFFFFFFFF, 0x80000000};
+    EXPECT_FALSE(VProfileTimeSz::FormatTime(beyond, text));
+    EXPECT_EQ(text, L"kept");
+}
+
+TEST(TimeTextTest, FieldsMayHaveFewerDigitsAndTrailingBlanks) {
+    FILETIME time{};
+    ASSERT_TRUE(VProfileTimeSz::ParseTime(L"2018:2:3:4:5:6:7", time));
+    EXPECT_TRUE(SameTime(time, TimeOf(2018, 2, 3, 4, 5, 6, 7)));
+    ASSERT_TRUE(VProfileTimeSz::ParseTime(L"2018:02:28:13:05:09:042", time));
+    EXPECT_TRUE(SameTime(time, TimeOf(2018, 2, 28, 13, 5, 9, 42)));
+    ASSERT_TRUE(VProfileTimeSz::ParseTime(L"2018:02 :28:13:05:09:042 ", time));
+    EXPECT_TRUE(SameTime(time, TimeOf(2018, 2, 28, 13, 5, 9, 42)));
+}
+
+TEST(TimeTextTest, InvalidTextsLeaveTheTimeAsItWas) {
+    const FILETIME before = TimeOf(2000, 1, 1, 0, 0, 0, 0);
+    const wchar_t* const invalid[] = {
+        L"2018:02:30:00:00:00:000",  // within the field bounds, but no such day
+        L"1600:12:31:23:59:59:999",  // each field one past its bounds
+        L"30828:01:01:00:00:00:000",
+        L"2018:00:01:00:00:00:000",
+        L"2018:13:01:00:00:00:000",
+        L"2018:01:00:00:00:00:000",
+        L"2018:01:32:00:00:00:000",
+        L"2018:01:01:24:00:00:000",
+        L"2018:01:01:00:60:00:000",
+        L"2018:01:01:00:00:60:000",
+        L"2018:01:01:00:00:00:1000",
+        L"2018:01:01:00:00:00",                       // six fields
+        L"2018:01:01:00:00:00:000:0",                 // eight fields
+        L"2018:01::00:00:00:000",                     // a field without digits
+        L"2018:-1:01:00:00:00:000",                   // a sign
+        L"2018:1-:01:00:00:00:000",                   // a "-" within the number
+        L"2018:01:01:00:00:00:000x",                  // something after the number
+        L"2018:01:01:00:00:00:99999999999999999999",  // overflow
+        L"",
+    };
+    for (const wchar_t* text : invalid) {
+        FILETIME time = before;
+        EXPECT_FALSE(VProfileTimeSz::ParseTime(text, time))
+            << VString(VUnicodeString(text)).c_str();
+        EXPECT_TRUE(SameTime(time, before));
+    }
+}
+
+TEST(TimeTextTest, ATimeValueRoundTripsThroughItsTextAndKeepsItsValueOnABadText) {
+    IniTestStore store;
+    const FILETIME stamp = TimeOf(2024, 7, 14, 9, 30, 0, 500);
+    {
+        VProfileTime prompt(L"FWX Update Prompt Date", stamp);
+        EXPECT_TRUE(prompt.Save(*store.OpenKey(), true));
+    }
+    VUnicodeString text;
+    ASSERT_TRUE(store.OpenKey()->GetString(L"FWX Update Prompt Date", text));
+    EXPECT_EQ(text, L"2024:07:14:09:30:00:500");
+
+    const FILETIME other = TimeOf(1999, 12, 31, 0, 0, 0, 0);
+    VProfileTime loaded(L"FWX Update Prompt Date", other);
+    auto key = store.OpenKey();
+    ASSERT_TRUE(loaded.Load(*key));
+    EXPECT_TRUE(SameTime(loaded.Get(), stamp));
+
+    ASSERT_TRUE(key->SetString(L"FWX Update Prompt Date", L"2018:02:30:00:00:00:000"));
+    VProfileTime refused(L"FWX Update Prompt Date", other);
+    EXPECT_FALSE(refused.Load(*key));
+    EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(),
+              static_cast<DWORD>(CONFIG_VALUE_NOT_CONVERTIBLE));
+    EXPECT_TRUE(SameTime(refused.Get(), other));
+}
+
+TEST(TimeTextTest, ATimeWithNoTextFormIsNotWritten) {
+    IniTestStore store;
+    VProfileTime prompt(L"FWX Update Prompt Date", FILETIME{0xFFFFFFFF, 0x80000000});
+    auto key = store.OpenKey();
+    EXPECT_FALSE(prompt.Save(*key, true));
+    EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(),
+              static_cast<DWORD>(CONFIG_VALUE_NOT_CONVERTIBLE));
+    EXPECT_FALSE(key->WasWritten());
+}
+
+}  // namespace

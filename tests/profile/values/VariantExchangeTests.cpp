@@ -1,0 +1,319 @@
+// Typed values exchanged as OLE variants through the system's
+// VariantChangeType, with the deliberate asymmetries of the scalar kinds, and
+// serialised through the profile-key sink and source.
+#include <gtest/gtest.h>
+
+#include "ConfigMessages.h"
+#include "IniTestStore.h"
+#include "VPaneState.h"
+#include "VProfile.h"
+#include "VProfile2.h"
+#include "VProfileKeySink.h"
+#include "VProfileKeySource.h"
+#include "VProfileMultiSz.h"
+#include "VProfileSz.h"
+#include "VProfileTimeSz.h"
+#include "VVariant.h"
+#include "VWindowPlacement.h"
+
+namespace {
+
+using VProfileString = VProfile2<VUnicodeString, VProfileSz>;
+using VProfileStrings = VProfile2<VStringArray, VProfileMultiSz>;
+
+// A variant of type type holding value (converted from VT_I4).
+class NumberVariant : public VVariant {
+public:
+    NumberVariant(VARTYPE type, LONG value) {
+        VVariant number;
+        V_VT(&number.Get()) = VT_I4;
+        V_I4(&number.Get()) = value;
+        EXPECT_TRUE(ChangeTypeFrom(number.Get(), type));
+    }
+};
+
+class TextVariant : public VVariant {
+public:
+    explicit TextVariant(const wchar_t* text) { SetText(text); }
+};
+
+// Checks that report says what refused the exchange, and of which value.
+void ExpectRefusal(VReportMessageParams& report, DWORD code, const wchar_t* name) {
+    EXPECT_EQ(report.GetMessageCode(), code);
+    ASSERT_EQ(report.GetArguments().GetCount(), 1u);
+    EXPECT_EQ(report.GetArguments()[0], name);
+}
+
+TEST(ScalarVariantTest, EachInstanceHandsOutItsOwnVariantType) {
+    VReportMessageParams report;
+    const auto out = [&report](const VProfileData& value, VARTYPE type) {
+        VVariant variant;
+        EXPECT_TRUE(value.GetVariant(variant.Get(), report));
+        EXPECT_EQ(variant.GetType(), type);
+        VVariant asNumber;
+        EXPECT_TRUE(asNumber.ChangeTypeFrom(variant.Get(), VT_I8));
+        return V_I8(&asNumber.Get());
+    };
+    EXPECT_EQ(out(VProfile<unsigned char>(L"a", 200), VT_UI1), 200);
+    EXPECT_EQ(out(VProfile<short>(L"a", -300), VT_I2), -300);
+    EXPECT_EQ(out(VProfile<unsigned short>(L"a", 60000), VT_UI2), 60000);
+    EXPECT_EQ(out(VProfile<int>(L"a", -7), VT_INT), -7);
+    EXPECT_EQ(out(VProfile<unsigned int>(L"a", 4000000000u), VT_UINT), 4000000000);
+    EXPECT_EQ(out(VProfile<unsigned long>(L"a", 4000000000u), VT_UI4), 4000000000);
+
+    VVariant variant;
+    EXPECT_TRUE(VProfile<bool>(L"a", true).GetVariant(variant.Get(), report));
+    EXPECT_EQ(variant.GetType(), VT_BOOL);
+    EXPECT_EQ(V_BOOL(&variant.Get()), 1) << "1, not VARIANT_TRUE";
+    EXPECT_TRUE(VProfile<bool>(L"a", false).GetVariant(variant.Get(), report));
+    EXPECT_EQ(V_BOOL(&variant.Get()), 0);
+}
+
+TEST(ScalarVariantTest, AnIntComesInThroughUnsigned32BitsSoANegativeNumberIsRefused) {
+    VProfile<int> rows(L"Rows", 24);
+    VReportMessageParams report;
+    EXPECT_FALSE(rows.SetVariant(NumberVariant(VT_I2, -5).Get(), report));
+    ExpectRefusal(report, CONFIG_VALUE_NOT_CONVERTIBLE, L"Rows");
+    EXPECT_FALSE(rows.SetVariant(NumberVariant(VT_R8, -5).Get(), report));
+    EXPECT_FALSE(rows.SetVariant(TextVariant(L"-5").Get(), report));
+    EXPECT_EQ(rows.Get(), 24);
+
+    EXPECT_TRUE(rows.SetVariant(TextVariant(L"42").Get(), report));
+    EXPECT_EQ(rows.Get(), 42);
+    // VariantChangeType copies the bits between the signed and unsigned types
+    // of one size, so a 32-bit negative number, and its own VT_INT, come back.
+    EXPECT_TRUE(rows.SetVariant(NumberVariant(VT_I4, -5).Get(), report));
+    EXPECT_EQ(rows.Get(), -5);
+    VVariant out;
+    ASSERT_TRUE(VProfile<int>(L"Rows", -7).GetVariant(out.Get(), report));
+    EXPECT_TRUE(rows.SetVariant(out.Get(), report));
+    EXPECT_EQ(rows.Get(), -7);
+
+    VProfile<unsigned int> count(L"Count", 1);
+    EXPECT_FALSE(count.SetVariant(NumberVariant(VT_I2, -1).Get(), report));
+    EXPECT_TRUE(count.SetVariant(NumberVariant(VT_R8, 3).Get(), report));
+    EXPECT_EQ(count.Get(), 3u);
+}
+
+TEST(ScalarVariantTest, AByteGoesOutUnsignedAndComesInSigned) {
+    VProfile<unsigned char> alpha(L"Alpha", 10);
+    VReportMessageParams report;
+    // Through VT_I1: a wider number above 127 does not fit.
+    EXPECT_FALSE(alpha.SetVariant(NumberVariant(VT_I4, 200).Get(), report));
+    ExpectRefusal(report, CONFIG_VALUE_NOT_CONVERTIBLE, L"Alpha");
+    EXPECT_FALSE(alpha.SetVariant(TextVariant(L"200").Get(), report));
+    EXPECT_EQ(alpha.Get(), 10);
+
+    // A negative one does, and lands as its byte.
+    EXPECT_TRUE(alpha.SetVariant(NumberVariant(VT_I4, -1).Get(), report));
+    EXPECT_EQ(alpha.Get(), 255);
+    // Its own VT_UI1 comes back whole: same size, so the bits are copied.
+    VVariant out;
+    ASSERT_TRUE(VProfile<unsigned char>(L"Alpha", 200).GetVariant(out.Get(), report));
+    EXPECT_EQ(out.GetType(), VT_UI1);
+    EXPECT_TRUE(alpha.SetVariant(out.Get(), report));
+    EXPECT_EQ(alpha.Get(), 200);
+}
+
+TEST(ScalarVariantTest, RangesAndSwitchesFollowTheSystemsConversions) {
+    VReportMessageParams report;
+    VProfile<short> offset(L"Offset", 0);
+    EXPECT_FALSE(offset.SetVariant(NumberVariant(VT_I4, 40000).Get(), report));
+    EXPECT_TRUE(offset.SetVariant(NumberVariant(VT_I4, -32768).Get(), report));
+    EXPECT_EQ(offset.Get(), -32768);
+
+    VProfile<unsigned short> port(L"Port", 22);
+    EXPECT_FALSE(port.SetVariant(NumberVariant(VT_I4, 70000).Get(), report));
+    EXPECT_EQ(port.Get(), 22);
+
+    VProfile<bool> blink(L"Blink", false);
+    EXPECT_TRUE(blink.SetVariant(NumberVariant(VT_I4, 5).Get(), report));
+    EXPECT_TRUE(blink.Get());
+    EXPECT_FALSE(blink.SetVariant(TextVariant(L"perhaps").Get(), report));
+    ExpectRefusal(report, CONFIG_VALUE_NOT_CONVERTIBLE, L"Blink");
+    EXPECT_TRUE(blink.Get());
+
+    VVariant null;
+    V_VT(&null.Get()) = VT_NULL;
+    VProfile<unsigned long> timeout(L"Timeout", 180);
+    EXPECT_FALSE(timeout.SetVariant(null.Get(), report));
+    EXPECT_EQ(timeout.Get(), 180u);
+}
+
+TEST(ScalarVariantTest, TheTextExchangeIsNotSupportedByScalarsAndBlocks) {
+    VProfile<int> rows(L"Rows", 24);
+    VReportMessageParams report;
+    VVariant variant;
+    VUnicodeString text = L"unchanged";
+    EXPECT_FALSE(rows.GetVariantAs(variant.Get(), L"5", VT_I4, report));
+    ExpectRefusal(report, CONFIG_EXCHANGE_NOT_SUPPORTED, L"Rows");
+    EXPECT_FALSE(rows.SetVariantAs(NumberVariant(VT_I4, 5).Get(), text, VT_BSTR, report));
+    EXPECT_EQ(text, L"unchanged");
+
+    IniTestStore store;
+    auto key = store.OpenKey();
+    VProfileKeySink sink(*key);
+    VProfileKeySource source(*key);
+    EXPECT_FALSE(rows.WriteAs(sink, L"5", VT_I4));
+    ExpectRefusal(sink.GetLastErrorParams(), CONFIG_EXCHANGE_NOT_SUPPORTED, L"Rows");
+    EXPECT_FALSE(rows.ReadAs(source, text, VT_BSTR, report));
+    EXPECT_FALSE(key->WasWritten());
+
+    VProfileWindowPlacement placement(L"Window Placement");
+    EXPECT_FALSE(placement.GetVariantAs(variant.Get(), L"5", VT_I4, report));
+    ExpectRefusal(report, CONFIG_EXCHANGE_NOT_SUPPORTED, L"Window Placement");
+}
+
+TEST(TextVariantTest, TextsGoOutAsBstrAndAnyTypeConvertsOnTheWay) {
+    VProfileString title(L"Title", L"12");
+    VReportMessageParams report;
+    VVariant variant;
+    ASSERT_TRUE(title.GetVariant(variant.Get(), report));
+    ASSERT_EQ(variant.GetType(), VT_BSTR);
+    EXPECT_STREQ(V_BSTR(&variant.Get()), L"12");
+
+    ASSERT_TRUE(title.GetVariantAs(variant.Get(), L"12", VT_I4, report));
+    EXPECT_EQ(variant.GetType(), VT_I4);
+    EXPECT_EQ(V_I4(&variant.Get()), 12);
+    EXPECT_FALSE(title.GetVariantAs(variant.Get(), L"twelve", VT_I4, report));
+    ExpectRefusal(report, CONFIG_VALUE_NOT_CONVERTIBLE, L"Title");
+
+    VUnicodeString text;
+    EXPECT_TRUE(title.SetVariantAs(NumberVariant(VT_I4, 7).Get(), text, VT_I4, report));
+    EXPECT_EQ(text, L"7");
+    text = L"kept";
+    EXPECT_FALSE(title.SetVariantAs(TextVariant(L"abc").Get(), text, VT_I4, report))
+        << "must pass through vt";
+    EXPECT_EQ(text, L"kept");
+
+    EXPECT_TRUE(title.SetVariant(NumberVariant(VT_I2, -3).Get(), report));
+    EXPECT_EQ(title.Get(), L"-3");
+    VVariant null;
+    V_VT(&null.Get()) = VT_NULL;
+    EXPECT_FALSE(title.SetVariant(null.Get(), report));
+    EXPECT_EQ(title.Get(), L"-3");
+}
+
+TEST(TextVariantTest, AStateTextMustParseToBeAccepted) {
+    VProfileExplorerFrameState frame(L"Local ExplorerFrame State");
+    VReportMessageParams report;
+    EXPECT_TRUE(frame.SetVariant(TextVariant(L"0,300,150").Get(), report));
+    EXPECT_EQ(frame.Get().position, 300);
+    EXPECT_FALSE(frame.SetVariant(TextVariant(L"0,300").Get(), report));
+    ExpectRefusal(report, CONFIG_VALUE_NOT_CONVERTIBLE, L"Local ExplorerFrame State");
+    EXPECT_EQ(frame.Get().size, 150);
+
+    VProfile2<FILETIME, VProfileTimeSz> stamp(L"FWX Update Prompt Date");
+    EXPECT_FALSE(stamp.SetVariant(TextVariant(L"2018:02:30:00:00:00:000").Get(), report));
+    EXPECT_TRUE(stamp.SetVariant(TextVariant(L"2018:02:28:00:00:00:000").Get(), report));
+    VVariant out;
+    ASSERT_TRUE(stamp.GetVariant(out.Get(), report));
+    EXPECT_STREQ(V_BSTR(&out.Get()), L"2018:02:28:00:00:00:000");
+}
+
+TEST(ListVariantTest, ListsAndBlocksTravelAsSafeArrays) {
+    VProfileStrings hosts(L"Hosts", VStringArray{L"alpha", L"", L"gamma"});
+    VReportMessageParams report;
+    VVariant variant;
+    ASSERT_TRUE(hosts.GetVariant(variant.Get(), report));
+    EXPECT_EQ(variant.GetType(), VT_ARRAY | VT_BSTR);
+    VStringArray texts;
+    ASSERT_TRUE(VVariant::TextsOf(variant.Get(), texts));
+    EXPECT_EQ(texts, (VStringArray{L"alpha", L"", L"gamma"}));
+
+    // An array of variants is taken when every element converts to text.
+    SAFEARRAY* mixed = SafeArrayCreateVector(VT_VARIANT, 1, 2);
+    LONG index = 1;
+    SafeArrayPutElement(mixed, &index, &TextVariant(L"a").Get());
+    index = 2;
+    SafeArrayPutElement(mixed, &index, &NumberVariant(VT_I4, 5).Get());
+    VVariant list;
+    V_VT(&list.Get()) = VT_ARRAY | VT_VARIANT;
+    V_ARRAY(&list.Get()) = mixed;
+    ASSERT_TRUE(hosts.SetVariant(list.Get(), report));
+    EXPECT_EQ(hosts.Get(), (VStringArray{L"a", L"5"}));
+    EXPECT_FALSE(hosts.SetVariant(TextVariant(L"single").Get(), report));
+    EXPECT_EQ(hosts.Get().GetCount(), 2u);
+
+    VWindowPlacement placed;
+    placed.rcNormalPosition = {10, 20, 300, 400};
+    VProfileWindowPlacement placement(L"Window Placement", placed);
+    ASSERT_TRUE(placement.GetVariant(variant.Get(), report));
+    EXPECT_EQ(variant.GetType(), VT_ARRAY | VT_UI1);
+    VBinaryBlock bytes;
+    ASSERT_TRUE(VVariant::BytesOf(variant.Get(), bytes));
+    EXPECT_EQ(bytes.size(), 44u);
+
+    VVariant shortBlock;
+    shortBlock.SetBytes(VBinaryBlock(10, 0));
+    VProfileWindowPlacement other(L"Transfer Window Placement");
+    EXPECT_FALSE(other.SetVariant(shortBlock.Get(), report));
+    ExpectRefusal(report, CONFIG_VALUE_NOT_CONVERTIBLE, L"Transfer Window Placement");
+    EXPECT_TRUE(other.SetVariant(variant.Get(), report));
+    EXPECT_EQ(other.Get(), placed);
+}
+
+TEST(KeySerialisationTest, ValuesCopiedThroughTheSinkAndSourceArriveWhole) {
+    VProfile<int> position(L"X Position", -40);
+    VProfile<unsigned short> port(L"Port", 8022);
+    VProfile<bool> blink(L"Blink", true);
+    VProfileString title(L"Title", L"tab \x263A");
+    VProfileStrings hosts(L"Hosts", VStringArray{L"alpha", L"beta"});
+    VWindowPlacement placed;
+    placed.showCmd = SW_SHOWMAXIMIZED;
+    VProfileWindowPlacement placement(L"Window Placement", placed);
+    VProfileData* const values[] = {&position, &port, &blink, &title, &hosts, &placement};
+
+    IniTestStore exported;
+    {
+        auto key = exported.OpenKey();
+        VProfileKeySink sink(*key);
+        for (VProfileData* value : values)
+            EXPECT_TRUE(value->Write(sink)) << VString(value->GetName()).c_str();
+    }
+
+    VProfile<int> positionIn(L"X Position", 0);
+    VProfile<unsigned short> portIn(L"Port", 0);
+    VProfile<bool> blinkIn(L"Blink", false);
+    VProfileString titleIn(L"Title");
+    VProfileStrings hostsIn(L"Hosts");
+    VProfileWindowPlacement placementIn(L"Window Placement");
+    VProfileData* const read[] = {&positionIn, &portIn, &blinkIn, &titleIn, &hostsIn, &placementIn};
+    auto key = exported.OpenKey();
+    VProfileKeySource source(*key);
+    for (VProfileData* value : read)
+        EXPECT_TRUE(value->Read(source)) << VString(value->GetName()).c_str();
+    EXPECT_EQ(positionIn.Get(), -40);
+    EXPECT_EQ(portIn.Get(), 8022);
+    EXPECT_TRUE(blinkIn.Get());
+    EXPECT_EQ(titleIn.Get(), title.Get());
+    EXPECT_EQ(hostsIn.Get(), hosts.Get());
+    EXPECT_EQ(placementIn.Get(), placed);
+    EXPECT_TRUE(positionIn.IsChanged()) << "Read sets the current value only";
+}
+
+TEST(KeySerialisationTest, TheSinkAndSourceSayWhatTheyCannotDo) {
+    IniTestStore store;
+    auto key = store.OpenKey();
+    VProfileKeySink sink(*key);
+    EXPECT_FALSE(sink.Write(L"Ratio", NumberVariant(VT_R8, 2).Get()));
+    ExpectRefusal(sink.GetLastErrorParams(), CONFIG_EXCHANGE_NOT_SUPPORTED, L"Ratio");
+    EXPECT_FALSE(sink.Write(L"bad\"name", NumberVariant(VT_I4, 1).Get()));
+    EXPECT_EQ(sink.GetLastErrorParams().GetMessageCode(), static_cast<DWORD>(ERROR_INVALID_NAME));
+
+    VProfileKeySource source(*key);
+    VProfile<unsigned long> absent(L"Absent", 9);
+    EXPECT_FALSE(absent.Read(source));
+    ExpectRefusal(source.GetLastErrorParams(), CONFIG_VALUE_ABSENT, L"Absent");
+    EXPECT_EQ(absent.Get(), 9u);
+
+    // The byte's deliberate asymmetry shows in a round trip: 200 goes out as
+    // VT_UI1, is kept as a 32-bit number, and cannot come back through VT_I1.
+    VProfile<unsigned char> alpha(L"Alpha", 200);
+    EXPECT_TRUE(alpha.Write(sink));
+    VProfile<unsigned char> alphaIn(L"Alpha", 0);
+    EXPECT_FALSE(alphaIn.Read(source));
+    ExpectRefusal(source.GetLastErrorParams(), CONFIG_VALUE_NOT_CONVERTIBLE, L"Alpha");
+}
+
+}  // namespace
