@@ -1,0 +1,24 @@
+// VProfileCapiString: a typed text value kept in a string value in the
+// "CAPI:" form, readable only by the same user on the same computer. In
+// memory it holds the plain text, in sensitive strings.
+#pragma once
+
+#include "VProfile2.h"
+#include "VProfileSz.h"
+
+class VProfileCapiString : public VProfile2<VUnicodeString, VProfileSz> {
+public:
+    explicit VProfileCapiString(const VUnicodeString& name,
+                                const VUnicodeString& defaultText = VUnicodeString());
+
+    // Slot 21: reads the stored text and opens it into out. A damaged text
+    // (odd or bad digits, a blob the system refuses) reads as empty: out is
+    // emptied, the key's record gets CONFIG_PROTECTED_TEXT_DAMAGED with the
+    // value's name, and the result is false, so a load keeps what the value
+    // had and the stored text stays untouched until the value is set anew.
+    bool ReadValue(VProfileKey& key, const VUnicodeString& name, VUnicodeString& out) override;
+    // Slot 22: seals value and writes it. When the system refuses to seal,
+    // nothing is written and the key's record gets CONFIG_PROTECT_FAILED.
+    bool WriteValue(VProfileKey& key, const VUnicodeString& name,
+                    const VUnicodeString& value) override;
+};

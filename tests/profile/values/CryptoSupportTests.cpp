@@ -1,0 +1,213 @@
+// The pieces under the protected forms: the wiped byte buffer, the system's
+// random source, strict UTF-8 (checked against the system's converter) and the
+// hexadecimal digits.
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <random>
+
+#include "CryptoTestVectors.h"
+#include "HexDigits.h"
+#include "Utf8Text.h"
+#include "VBasicBuffer.h"
+#include "VCapiRandomSource.h"
+
+TEST(BasicBufferTest, AppendsUpToItsTargetSizeAndNoFurther) {
+    VBasicBuffer buffer(8);
+    EXPECT_EQ(buffer.GetTargetSize(), 8u);
+    EXPECT_EQ(buffer.GetLength(), 0u);
+    EXPECT_TRUE(buffer.Append("abcde", 5));
+    EXPECT_FALSE(buffer.Append("wxyz", 4));  // 9 bytes would not fit: nothing appended
+    EXPECT_EQ(buffer.GetLength(), 5u);
+    uint8_t* tail = buffer.Extend(3);
+    ASSERT_EQ(tail, buffer.GetData() + 5);
+    EXPECT_EQ(tail[0] | tail[1] | tail[2], 0);
+    EXPECT_TRUE(buffer.IsFull());
+    EXPECT_EQ(buffer.Extend(1), nullptr);
+    EXPECT_TRUE(buffer.Append("", 0));
+    EXPECT_EQ(std::memcmp(buffer.GetData(), "abcde\0\0\0", 8), 0);
+}
+
+TEST(BasicBufferTest, ClearingWipesTheBytesAndKeepsTheSize) {
+    VBasicBuffer buffer(4);
+    ASSERT_TRUE(buffer.Append("\xAA\xBB\xCC\xDD", 4));
+    const uint8_t* data = buffer.GetData();
+    buffer.Clear();
+    EXPECT_EQ(buffer.GetLength(), 0u);
+    EXPECT_EQ(buffer.GetTargetSize(), 4u);
+    EXPECT_EQ(buffer.GetData(), data);
+    EXPECT_EQ(data[0] | data[1] | data[2] | data[3], 0);
+    // Extend hands out zero bytes after a Clear, not the old secret.
+    const uint8_t* again = buffer.Extend(4);
+    EXPECT_EQ(again[0] | again[1] | again[2] | again[3], 0);
+}
+
+TEST(BasicBufferTest, MovingHandsOverTheBytes) {
+    VBasicBuffer first(3);
+    ASSERT_TRUE(first.Append("xyz", 3));
+    VBasicBuffer second(std::move(first));
+    EXPECT_EQ(first.GetTargetSize(), 0u);
+    EXPECT_EQ(first.GetLength(), 0u);
+    ASSERT_EQ(second.GetLength(), 3u);
+    EXPECT_EQ(std::memcmp(second.GetData(), "xyz", 3), 0);
+    VBasicBuffer third(10);
+    third = std::move(second);
+    EXPECT_EQ(third.GetTargetSize(), 3u);
+    EXPECT_EQ(std::memcmp(third.GetData(), "xyz", 3), 0);
+}
+
+TEST(CapiRandomSourceTest, AcquiresTheProviderAndGivesFreshBytes) {
+    VRefPtr<VCapiRandomSource> source = VRefPtr<VCapiRandomSource>::Adopt(new VCapiRandomSource());
+    ASSERT_EQ(source->GetAcquireError(), static_cast<DWORD>(ERROR_SUCCESS));
+    std::vector<uint8_t> first(4096), second(4096);
+    ASSERT_TRUE(source->Fill(first.data(), first.size()));
+    ASSERT_TRUE(source->FillDirect(second.data(), static_cast<uint32_t>(second.size())));
+    EXPECT_NE(first, second);
+    // 4096 random bytes hit nearly every byte value; a source that repeats a
+    // short pattern or leaves the buffer mostly untouched would not.
+    std::array<int, 256> seen{};
+    for (uint8_t byte : first) ++seen[byte];
+    EXPECT_GT(std::count_if(seen.begin(), seen.end(), [](int n) { return n > 0; }), 240);
+    EXPECT_LT(*std::max_element(seen.begin(), seen.end()), 45);  // about 16 expected
+    EXPECT_TRUE(source->Fill(first.data(), 0));
+}
+
+TEST(CapiRandomSourceTest, TheDefaultSourceIsOneSharedWorkingSource) {
+    IRandomSource& source = GetDefaultRandomSource();
+    EXPECT_EQ(&source, &GetDefaultRandomSource());
+    uint64_t a = 0, b = 0;
+    ASSERT_TRUE(source.Fill(&a, sizeof a));
+    ASSERT_TRUE(source.Fill(&b, sizeof b));
+    EXPECT_NE(a, b);
+}
+
+namespace {
+
+// The system's converter as the oracle for well-formed text.
+std::string SystemUtf8(const VUnicodeString& text) {
+    const int length = static_cast<int>(text.GetLength());
+    if (length == 0) return {};
+    const int needed =
+        WideCharToMultiByte(CP_UTF8, 0, text.c_str(), length, nullptr, 0, nullptr, nullptr);
+    std::string bytes(static_cast<size_t>(needed), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.c_str(), length, bytes.data(), needed, nullptr, nullptr);
+    return bytes;
+}
+
+std::string OurUtf8(const VUnicodeString& text) {
+    size_t size = 0;
+    EXPECT_TRUE(MeasureUtf8(text, size));
+    std::string bytes(size, '\0');
+    WriteUtf8(text, reinterpret_cast<uint8_t*>(bytes.data()));
+    return bytes;
+}
+
+bool Reads(const std::string& bytes, VUnicodeString& text) {
+    return ReadUtf8(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), text);
+}
+
+}  // namespace
+
+TEST(Utf8TextTest, AgreesWithTheSystemConverterOnRandomWellFormedText) {
+    std::mt19937 random(20240611);
+    // Code points from every UTF-8 length class, surrogates excluded.
+    std::uniform_int_distribution<uint32_t> pick(0, 3);
+    for (int round = 0; round < 300; ++round) {
+        VUnicodeString text;
+        const int length = static_cast<int>(random() % 40);
+        for (int i = 0; i < length; ++i) {
+            uint32_t c;
+            switch (pick(random)) {
+                case 0:
+                    c = 1 + random() % 0x7F;
+                    break;
+                case 1:
+                    c = 0x80 + random() % (0x800 - 0x80);
+                    break;
+                case 2:
+                    c = 0x800 + random() % (0x10000 - 0x800 - 0x800);
+                    if (c >= 0xD800) c += 0x800;
+                    break;
+                default:
+                    c = 0x10000 + random() % 0x100000;
+                    break;
+            }
+            if (c >= 0x10000) {
+                text.Append(static_cast<wchar_t>(0xD800 + ((c - 0x10000) >> 10)));
+                text.Append(static_cast<wchar_t>(0xDC00 + ((c - 0x10000) & 0x3FF)));
+            } else {
+                text.Append(static_cast<wchar_t>(c));
+            }
+        }
+        const std::string bytes = OurUtf8(text);
+        ASSERT_EQ(bytes, SystemUtf8(text)) << "round " << round;
+        VUnicodeString back(Str::Sensitive);
+        ASSERT_TRUE(Reads(bytes, back));
+        EXPECT_EQ(back, text);
+        EXPECT_TRUE(back.IsSensitive());
+    }
+}
+
+TEST(Utf8TextTest, RefusesLoneSurrogates) {
+    const wchar_t* cases[] = {L"\xD800",
+                              L"a\xDC00"
+                              L"b",
+                              L"\xDBFF", L"x\xD83D", L"\xDE00\xD83D"};
+    for (const wchar_t* units : cases) {
+        size_t size = 99;
+        EXPECT_FALSE(MeasureUtf8(VUnicodeString(units), size));
+        EXPECT_EQ(size, 99u);
+    }
+    size_t size = 0;
+    EXPECT_TRUE(MeasureUtf8(VUnicodeString(L"\xD83D\xDE00"), size));  // a proper pair
+    EXPECT_EQ(size, 4u);
+}
+
+TEST(Utf8TextTest, RefusesMalformedUtf8AndLeavesTheTextAlone) {
+    const char* cases[] = {
+        "\x80",              // continuation without a lead
+        "\xC3",              // truncated pair
+        "\xE2\x82",          // truncated triple
+        "\xC0\xAF",          // overlong "/"
+        "\xE0\x80\xAF",      // overlong "/"
+        "\xED\xA0\x80",      // encoded surrogate D800
+        "\xF4\x90\x80\x80",  // beyond U+10FFFF
+        "\xF8\x88\x80\x80\x80",
+        "ab\xFF"
+        "cd",
+        "\xC3\x28",  // bad continuation
+    };
+    for (const char* bytes : cases) {
+        VUnicodeString text(L"unchanged");
+        EXPECT_FALSE(Reads(bytes, text))
+            << EncodeHex(reinterpret_cast<const uint8_t*>(bytes), std::strlen(bytes));
+        EXPECT_EQ(text, L"unchanged");
+    }
+}
+
+TEST(HexDigitsTest, WritesTwoDigitsPerByteInTheCaseAsked) {
+    const uint8_t bytes[] = {0x00, 0x0f, 0xa5, 0xff};
+    VUnicodeString lower(L"02:");
+    AppendHexDigits(lower, bytes, sizeof bytes, false);
+    EXPECT_EQ(lower, L"02:000fa5ff");
+    VUnicodeString upper;
+    AppendHexDigits(upper, bytes, sizeof bytes, true);
+    EXPECT_EQ(upper, L"000FA5FF");
+}
+
+TEST(HexDigitsTest, ReadsEitherCaseAndRefusesOddCountsAndOtherCharacters) {
+    VBasicBuffer bytes;
+    ASSERT_TRUE(DecodeHexDigits(L"00fFa5", 6, bytes));
+    ASSERT_EQ(bytes.GetLength(), 3u);
+    EXPECT_EQ(std::memcmp(bytes.GetData(), "\x00\xff\xa5", 3), 0);
+    for (const wchar_t* bad : {L"abc", L"0g", L" 00", L"0x12", L"12-3", L"\xFF10"}) {
+        VBasicBuffer untouched(1);
+        EXPECT_FALSE(DecodeHexDigits(bad, wcslen(bad), untouched)) << bad;
+        EXPECT_EQ(untouched.GetTargetSize(), 1u);
+    }
+}

@@ -1,0 +1,179 @@
+// VEncryptedString: which form it seals in, how it opens each stored form
+// (the older fixed-key one included), and that failures change nothing.
+
+#include <gtest/gtest.h>
+
+#include "ConfigMessages.h"
+#include "CryptoTestVectors.h"
+#include "VBlowfishString.h"
+#include "VCipherBlowfish.h"
+#include "VEncryptedString.h"
+
+namespace {
+
+const VUnicodeString Name(L"Password V2");
+
+VRefPtr<IPassphraseProvider> Provider(const wchar_t* passphrase) {
+    return VRefPtr<IPassphraseProvider>::Adopt(
+        new VFixedPassphraseProvider(VUnicodeString(passphrase)));
+}
+
+VUnicodeString Opened(const VEncryptedString& value) {
+    VUnicodeString plain;
+    VReportMessageParams report;
+    EXPECT_TRUE(value.GetPlainText(plain, Name, report)) << std::hex << report.GetMessageCode();
+    return plain;
+}
+
+}  // namespace
+
+TEST(CipherBlowfishTest, AgreesWithThePublishedKnownAnswers) {
+    // Eric Young's Blowfish vectors (key, plain, cipher).
+    const char* vectors[][3] = {
+        {"0000000000000000", "0000000000000000", "4ef997456198dd78"},
+        {"ffffffffffffffff", "ffffffffffffffff", "51866fd5b85ecb8a"},
+        {"3000000000000000", "1000000000000001", "7d856f9a613063f2"},
+        {"0123456789abcdef", "1111111111111111", "61f9c3802281b096"},
+        {"fedcba9876543210", "0123456789abcdef", "0aceab0fc6a0a28d"},
+    };
+    for (const auto& [key, plain, cipher] : vectors) {
+        const Bytes keyBytes = DecodeHex(key);
+        const VCipherBlowfish blowfish(keyBytes.data(), keyBytes.size());
+        Bytes block = DecodeHex(plain);
+        ASSERT_TRUE(blowfish.Encipher(block.data(), block.size()));
+        EXPECT_EQ(EncodeHex(block), cipher);
+        ASSERT_TRUE(blowfish.Decipher(block.data(), block.size()));
+        EXPECT_EQ(EncodeHex(block), plain);
+    }
+    const Bytes key = DecodeHex("0123456789abcdef");
+    uint8_t partial[12] = {};
+    EXPECT_FALSE(VCipherBlowfish(key.data(), key.size()).Encipher(partial, sizeof partial));
+    EXPECT_EQ(EncodeHex(partial, sizeof partial), std::string(24, '0'));
+}
+
+TEST(BlowfishStringTest, ReadsWhatTheOlderFormWrote) {
+    for (const wchar_t* plain : {L"a", L"four", L"exactly8", L"p\x00E4ssw\x00F6rd \xD83D\xDD11"}) {
+        const VUnicodeString digits = VBlowfishString::Encode(VUnicodeString(plain));
+        // UTF-16 units padded to whole 8-byte blocks, two lower-case digits a byte.
+        EXPECT_EQ(digits.GetLength(), (wcslen(plain) * 2 + 7) / 8 * 16) << plain;
+        for (size_t i = 0; i < digits.GetLength(); ++i)
+            ASSERT_TRUE(std::wcschr(L"0123456789abcdef", digits[i]));
+        VUnicodeString opened;
+        VReportMessageParams report;
+        ASSERT_TRUE(VBlowfishString::Decode(digits, opened, Name, report)) << plain;
+        EXPECT_EQ(opened, plain);
+        EXPECT_TRUE(opened.IsSensitive());
+    }
+}
+
+TEST(BlowfishStringTest, RefusesDigitsThatCannotBeTheOlderForm) {
+    const VUnicodeString good = VBlowfishString::Encode(L"password");
+    const VUnicodeString cases[] = {
+        good.Left(good.GetLength() - 2),  // not whole blocks
+        good.Left(good.GetLength() - 1),  // odd digit count
+        good.Left(4) + L"x" + good.Mid(5),
+        VBlowfishString::Encode(VUnicodeString(L"a\0b", 3)),  // a zero unit inside the text
+    };
+    for (const VUnicodeString& digits : cases) {
+        VUnicodeString plain(L"unchanged");
+        VReportMessageParams report;
+        EXPECT_FALSE(VBlowfishString::Decode(digits, plain, Name, report))
+            << VString(digits).c_str();
+        EXPECT_EQ(plain, L"unchanged");
+        EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_PROTECTED_TEXT_INVALID));
+    }
+}
+
+TEST(EncryptedStringTest, SealsWithThePassphraseWhenThereIsOneElseWithTheLogon) {
+    VRefPtr<IPassphraseProvider> provider = Provider(L"phrase");
+    VEncryptedString withPhrase(VUnicodeString(), provider.Get());
+    VReportMessageParams report;
+    ASSERT_TRUE(withPhrase.SetPlainText(L"secret", Name, report));
+    EXPECT_TRUE(withPhrase.StartsWith(L"02:"));
+    EXPECT_EQ(withPhrase.GetForm(), VEncryptedString::Form::Passphrase);
+    EXPECT_EQ(Opened(withPhrase), L"secret");
+
+    // No provider, or one without a pass phrase: the system's protection.
+    VRefPtr<IPassphraseProvider> none = Provider(L"");
+    for (IPassphraseProvider* p : {static_cast<IPassphraseProvider*>(nullptr), none.Get()}) {
+        VEncryptedString value(VUnicodeString(), p);
+        ASSERT_TRUE(value.SetPlainText(L"secret", Name, report));
+        EXPECT_TRUE(value.StartsWith(L"CAPI:"));
+        EXPECT_EQ(value.GetForm(), VEncryptedString::Form::Capi);
+        EXPECT_EQ(Opened(value), L"secret");
+    }
+}
+
+TEST(EncryptedStringTest, OpensEveryStoredFormWhateverItsProviderSays) {
+    VRefPtr<IPassphraseProvider> provider = Provider(L"phrase");
+    VEncryptedString sealed(VUnicodeString(), provider.Get());
+    VReportMessageParams report;
+    ASSERT_TRUE(sealed.SetPlainText(L"from 02", Name, report));
+    VEncryptedString capi;
+    ASSERT_TRUE(capi.SetPlainText(L"from CAPI", Name, report));
+
+    const std::pair<VUnicodeString, const wchar_t*> stored[] = {
+        {sealed, L"from 02"},
+        {capi, L"from CAPI"},
+        {VBlowfishString::Encode(L"from the old form"), L"from the old form"},
+        {VUnicodeString(), L""},
+    };
+    for (const auto& [text, plain] : stored) {
+        const VEncryptedString value(text, provider.Get());
+        EXPECT_EQ(Opened(value), plain);
+    }
+    EXPECT_EQ(VEncryptedString(VBlowfishString::Encode(L"x")).GetForm(),
+              VEncryptedString::Form::Older);
+    EXPECT_EQ(VEncryptedString().GetForm(), VEncryptedString::Form::Empty);
+}
+
+TEST(EncryptedStringTest, FailuresLeaveBothTheValueAndThePlainTextAlone) {
+    VRefPtr<IPassphraseProvider> provider = Provider(L"phrase");
+    VEncryptedString value(VUnicodeString(), provider.Get());
+    VReportMessageParams report;
+    ASSERT_TRUE(value.SetPlainText(L"kept", Name, report));
+    const VUnicodeString before = value.GetProtectedText();
+
+    EXPECT_FALSE(value.SetPlainText(VUnicodeString(L"lone \xDFFF"), Name, report));
+    EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_TEXT_NOT_UNICODE));
+    EXPECT_EQ(value.GetProtectedText(), before);
+
+    // The same text under another pass phrase, or none at all, does not open.
+    VRefPtr<IPassphraseProvider> other = Provider(L"another");
+    const std::pair<IPassphraseProvider*, DWORD> attempts[] = {
+        {other.Get(), CONFIG_PROTECTED_TEXT_UNREADABLE},
+        {nullptr, CONFIG_PASSPHRASE_UNUSABLE},
+    };
+    for (const auto& [p, code] : attempts) {
+        VEncryptedString copy(before, p);
+        VUnicodeString plain(L"unchanged");
+        EXPECT_FALSE(copy.GetPlainText(plain, Name, report));
+        EXPECT_EQ(report.GetMessageCode(), code);
+        EXPECT_EQ(plain, L"unchanged");
+        EXPECT_EQ(copy.GetProtectedText(), before);
+    }
+
+    // A damaged system-protected text leaves the caller's plain text too.
+    VEncryptedString damaged(VUnicodeString(L"CAPI:ABC"));
+    VUnicodeString plain(L"unchanged");
+    EXPECT_FALSE(damaged.GetPlainText(plain, Name, report));
+    EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_PROTECTED_TEXT_DAMAGED));
+    EXPECT_EQ(plain, L"unchanged");
+}
+
+TEST(EncryptedStringTest, CopiesShareTheProviderAndReleaseIt) {
+    auto* raw = new VFixedPassphraseProvider(VUnicodeString(L"phrase"));
+    VRefPtr<IPassphraseProvider> provider = VRefPtr<IPassphraseProvider>::Adopt(raw);
+    {
+        VEncryptedString first(VUnicodeString(), raw);
+        VEncryptedString second = first;
+        EXPECT_EQ(second.GetPassphraseProvider(), raw);
+        // Our reference, the two strings', and the one AddRef itself adds.
+        EXPECT_EQ(raw->AddRef(), 4u);
+        raw->Release();
+        second.SetPassphraseProvider(nullptr);
+        EXPECT_EQ(second.GetPassphraseProvider(), nullptr);
+    }
+    EXPECT_EQ(raw->AddRef(), 2u);
+    raw->Release();
+}
