@@ -9,7 +9,9 @@
 // A block of another size, a negative margin or other units is refused.
 #pragma once
 
-#include <commdlg.h>
+#include <windows.h>
+
+#include <commdlg.h>  // after windows.h, which it needs
 
 #include "VProfile2.h"
 #include "VProfileBinary.h"
