@@ -1,0 +1,116 @@
+// The configuration pass phrase and the four functions that hand it and the
+// plain text of protected values to the rest of the program.
+
+#include <gtest/gtest.h>
+
+#include <type_traits>
+
+#include "ConfigPassphrase.h"
+#include "IniTestStore.h"
+
+// They are handed to SSH2::ClientUiInit as pointers of exactly these types.
+static_assert(std::is_same_v<decltype(&IsConfigPassphraseDisabled), bool (*)()>);
+static_assert(std::is_same_v<decltype(&GetConfigPassphrase), VUnicodeString (*)()>);
+static_assert(std::is_same_v<decltype(&UpdateProfileEncryptedString),
+                             bool (*)(VProfileEncryptedString&, const VUnicodeString&)>);
+static_assert(std::is_same_v<decltype(&GetProfileEncryptedPlaintextString),
+                             VUnicodeString (*)(const VProfileEncryptedString&)>);
+
+namespace {
+
+// Each test starts and ends without a pass phrase.
+class ConfigPassphraseTest : public testing::Test {
+protected:
+    void SetUp() override { SetConfigPassphrase(VUnicodeString()); }
+    void TearDown() override { SetConfigPassphrase(VUnicodeString()); }
+};
+
+}  // namespace
+
+TEST_F(ConfigPassphraseTest, IsOffUntilSetAndHandedOutInASensitiveCopy) {
+    EXPECT_TRUE(IsConfigPassphraseDisabled());
+    EXPECT_TRUE(GetConfigPassphrase().IsEmpty());
+
+    VUnicodeString given(L"my phrase");
+    SetConfigPassphrase(given);
+    given.Append(L" changed later");  // the library keeps its own copy
+    EXPECT_FALSE(IsConfigPassphraseDisabled());
+    const VUnicodeString held = GetConfigPassphrase();
+    EXPECT_EQ(held, L"my phrase");
+    EXPECT_TRUE(held.IsSensitive());
+
+    VUnicodeString passphrase(Str::Sensitive);
+    EXPECT_TRUE(GetConfigPassphraseProvider()->GetPassphrase(passphrase));
+    EXPECT_EQ(passphrase, L"my phrase");
+
+    SetConfigPassphrase(VUnicodeString());
+    EXPECT_TRUE(IsConfigPassphraseDisabled());
+    EXPECT_FALSE(GetConfigPassphraseProvider()->GetPassphrase(passphrase));
+    EXPECT_TRUE(passphrase.IsEmpty());
+    EXPECT_EQ(held, L"my phrase") << "a copy handed out earlier stays as it was";
+}
+
+TEST_F(ConfigPassphraseTest, UpdateSealsWithThePassphraseAndTheValueSavesAndLoadsIt) {
+    IniTestStore store;
+    SetConfigPassphrase(VUnicodeString(L"my phrase"));
+    {
+        VProfileEncryptedString value(L"Firewall Password V2");
+        ASSERT_TRUE(UpdateProfileEncryptedString(value, L"hunter2"));
+        EXPECT_TRUE(value.Get().StartsWith(L"02:"));
+        EXPECT_EQ(value.GetPassphraseProvider(), GetConfigPassphraseProvider());
+        EXPECT_TRUE(value.IsChanged());
+        EXPECT_EQ(GetProfileEncryptedPlaintextString(value), L"hunter2");
+        auto key = store.OpenKey();
+        ASSERT_TRUE(value.Save(*key, false));
+    }
+    EXPECT_NE(store.ValuesFile().find("Firewall Password V2"), std::string::npos);
+    EXPECT_EQ(store.ValuesFile().find("hunter2"), std::string::npos)
+        << "never stored as plain text";
+
+    VProfileEncryptedString loaded(L"Firewall Password V2");
+    auto key = store.OpenKey();
+    ASSERT_TRUE(loaded.LoadEncrypted(*key));
+    // Loaded without a provider of its own, it opens with the pass phrase in force.
+    EXPECT_EQ(GetProfileEncryptedPlaintextString(loaded), L"hunter2");
+    const VUnicodeString plain = GetProfileEncryptedPlaintextString(loaded);
+    EXPECT_TRUE(plain.IsSensitive());
+
+    SetConfigPassphrase(VUnicodeString(L"another phrase"));
+    EXPECT_TRUE(GetProfileEncryptedPlaintextString(loaded).IsEmpty());
+    SetConfigPassphrase(VUnicodeString());
+    EXPECT_TRUE(GetProfileEncryptedPlaintextString(loaded).IsEmpty());
+    SetConfigPassphrase(VUnicodeString(L"my phrase"));
+    EXPECT_EQ(GetProfileEncryptedPlaintextString(loaded), L"hunter2");
+}
+
+TEST_F(ConfigPassphraseTest, WithThePassphraseOffUpdateSealsWithTheLogon) {
+    VProfileEncryptedString value(L"Password V2");
+    ASSERT_TRUE(UpdateProfileEncryptedString(value, L"hunter2"));
+    EXPECT_TRUE(value.Get().StartsWith(L"CAPI:"));
+    EXPECT_EQ(GetProfileEncryptedPlaintextString(value), L"hunter2");
+    // Logon-protected texts open whatever pass phrase is set later.
+    SetConfigPassphrase(VUnicodeString(L"my phrase"));
+    EXPECT_EQ(GetProfileEncryptedPlaintextString(value), L"hunter2");
+}
+
+TEST_F(ConfigPassphraseTest, AValueWithItsOwnProviderOpensWithIt) {
+    VRefPtr<IPassphraseProvider> own = VRefPtr<IPassphraseProvider>::Adopt(
+        new VFixedPassphraseProvider(VUnicodeString(L"own phrase")));
+    VProfileEncryptedString value(L"Password V2", own.Get());
+    VReportMessageParams report;
+    ASSERT_TRUE(value.SetPlainText(L"secret", report));
+    SetConfigPassphrase(VUnicodeString(L"my phrase"));
+    EXPECT_EQ(GetProfileEncryptedPlaintextString(value), L"secret");
+}
+
+TEST_F(ConfigPassphraseTest, AnUpdateThatCannotSealChangesNothing) {
+    SetConfigPassphrase(VUnicodeString(L"my phrase"));
+    VProfileEncryptedString value(L"Password V2");
+    ASSERT_TRUE(UpdateProfileEncryptedString(value, L"kept"));
+    const VEncryptedString before = value.Get();
+    value.Commit();
+    EXPECT_FALSE(UpdateProfileEncryptedString(value, VUnicodeString(L"bad \xD800 text")));
+    EXPECT_EQ(value.Get(), before);
+    EXPECT_FALSE(value.IsChanged());
+    EXPECT_EQ(GetProfileEncryptedPlaintextString(value), L"kept");
+}
