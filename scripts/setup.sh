@@ -53,8 +53,12 @@ install_packages() {
         return
     fi
     log "installing ${missing[*]}"
-    "${SUDO[@]}" apt-get "${APT_WAIT[@]}" -q update </dev/null
-    "${SUDO[@]}" apt-get "${APT_WAIT[@]}" -q -y install "${missing[@]}" </dev/null
+    mkdir -p "$CACHE_ROOT"
+    local apt_log=$CACHE_ROOT/apt-install.log
+    { "${SUDO[@]}" apt-get "${APT_WAIT[@]}" -q update \
+        && "${SUDO[@]}" apt-get "${APT_WAIT[@]}" -q -y install "${missing[@]}"; } \
+        </dev/null >"$apt_log" 2>&1 \
+        || { tail -n 40 "$apt_log" >&2; log "apt-get failed; full log in $apt_log"; exit 1; }
 }
 
 # Writes deb-src entries mirroring the machine's Debian sources into folder $1,
