@@ -72,15 +72,14 @@ TEST_F(FormerNameTest, ATextFoundUnderItsFormerNameIsBlankedThereAtTheNextSave) 
         EXPECT_EQ(command.Get(), L"net use x:");
         EXPECT_TRUE(command.Save(*key, false));
     }
-    auto key = store_.OpenKey();
-    VUnicodeString text;
-    EXPECT_TRUE(key->GetString(L"Local Shell Command Pre-connect V2", text));
-    EXPECT_EQ(text, L"net use x:");
-    EXPECT_TRUE(key->GetString(L"Local Shell Command Pre-connect", text));
-    EXPECT_EQ(text, L"") << "blanked, as older versions expect";
+    EXPECT_EQ(store_.StoredText(L"Local Shell Command Pre-connect V2"),
+              VUnicodeString(L"net use x:"));
+    EXPECT_EQ(store_.StoredText(L"Local Shell Command Pre-connect"), VUnicodeString())
+        << "blanked, as older versions expect";
 
     // The blank former value no longer counts: with the present value gone,
     // the default is taken rather than the blank.
+    auto key = store_.OpenKey();
     EXPECT_TRUE(key->DeleteValue(L"Local Shell Command Pre-connect V2"));
     VProfileString again(L"Local Shell Command Pre-connect V2");
     EXPECT_FALSE(again.LoadWithFormerName(*key, L"Local Shell Command Pre-connect", L"default"));
@@ -101,12 +100,8 @@ TEST_F(FormerNameTest, TheOlderTabStateIsConvertedIntoTheNewerForm) {
         EXPECT_EQ(tabs.Get().groups[0].size, 200);
         EXPECT_TRUE(tabs.Save(*key, false));
     }
-    auto key = store_.OpenKey();
-    VUnicodeString text;
-    EXPECT_TRUE(key->GetString(L"Termwright Tab State V2", text));
-    EXPECT_EQ(text, L"1,-1,200;");
-    EXPECT_TRUE(key->GetString(L"Termwright Tab State", text));
-    EXPECT_EQ(text, L"");
+    EXPECT_EQ(store_.StoredText(L"Termwright Tab State V2"), VUnicodeString(L"1,-1,200;"));
+    EXPECT_EQ(store_.StoredText(L"Termwright Tab State"), VUnicodeString());
 }
 
 TEST_F(FormerNameTest, AFailedMoveIsTriedAgainAtTheNextSave) {
@@ -117,11 +112,8 @@ TEST_F(FormerNameTest, AFailedMoveIsTriedAgainAtTheNextSave) {
     EXPECT_FALSE(rows.Save(*store_.OpenKey(true), false));
     EXPECT_TRUE(rows.IsModified());
     EXPECT_TRUE(rows.Save(*store_.OpenKey(), false));
-    auto key = store_.OpenKey();
-    uint32_t number = 0;
-    EXPECT_TRUE(key->GetDword(L"Rows", number));
-    EXPECT_EQ(number, 40u);
-    EXPECT_FALSE(key->GetDword(L"Old Rows", number));
+    EXPECT_EQ(store_.StoredNumber(L"Rows"), 40u);
+    EXPECT_EQ(store_.StoredNumber(L"Old Rows"), std::nullopt);
 }
 
 }  // namespace

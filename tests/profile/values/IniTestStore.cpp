@@ -13,3 +13,15 @@ std::unique_ptr<VProfileKey> IniTestStore::OpenKey(bool readOnly) {
 std::string IniTestStore::ValuesFile() const {
     return ReadWholeFile(VIniFileKey::ValuesFilePath(factory_.GetRootFolder() + L"\\" + KeyName));
 }
+
+std::optional<uint32_t> IniTestStore::StoredNumber(const wchar_t* name) {
+    uint32_t number = 0;
+    if (!OpenKey()->GetDword(name, number)) return std::nullopt;
+    return number;
+}
+
+std::optional<VUnicodeString> IniTestStore::StoredText(const wchar_t* name) {
+    VUnicodeString text;
+    if (!OpenKey()->GetString(name, text)) return std::nullopt;
+    return text;
+}

