@@ -13,32 +13,10 @@
 #include <string>
 #include <vector>
 
+#include "BenchSupport.h"
 #include "VTextFile.h"
 
 namespace {
-
-double Now() {
-    LARGE_INTEGER frequency;
-    LARGE_INTEGER counter;
-    QueryPerformanceFrequency(&frequency);
-    QueryPerformanceCounter(&counter);
-    return static_cast<double>(counter.QuadPart) / static_cast<double>(frequency.QuadPart);
-}
-
-// Each case's best time in seconds over several rounds. Every round runs
-// every case once, so a load that comes and goes on the machine touches the
-// baseline and the cases alike.
-std::vector<double> BestTimes(const std::vector<std::function<void()>>& cases, int rounds = 15) {
-    std::vector<double> best(cases.size(), 1e30);
-    for (int round = 0; round < rounds; ++round) {
-        for (size_t i = 0; i < cases.size(); ++i) {
-            const double start = Now();
-            cases[i]();
-            best[i] = std::min(best[i], Now() - start);
-        }
-    }
-    return best;
-}
 
 // Lines shaped like a values file: headers of the four kinds, binary data
 // lines and multi-string lines, with some non-ASCII text.
@@ -79,24 +57,6 @@ std::string Encoded(const std::vector<std::wstring>& lines, UINT codePage) {
                                                          bytes.data(), static_cast<int>(bytes.size()), nullptr,
                                                          nullptr)));
     return bytes;
-}
-
-void WriteRaw(const std::wstring& path, const std::string& bytes) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    DWORD written = 0;
-    WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-    CloseHandle(file);
-}
-
-// The floor of reading: every byte read in 4096-byte blocks and converted at once.
-size_t ReadFloor(const std::wstring& path, std::vector<char>& bytes, std::vector<wchar_t>& text) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    size_t size = 0;
-    DWORD got = 0;
-    while (ReadFile(file, bytes.data() + size, 4096, &got, nullptr) && got > 0) size += got;
-    CloseHandle(file);
-    return static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, bytes.data() + 3, static_cast<int>(size - 3),
-                                                   text.data(), static_cast<int>(text.size())));
 }
 
 size_t ReadLines(const std::wstring& path, bool blockLocking) {
@@ -148,11 +108,9 @@ void Report(const char* what, double seconds, size_t bytes, size_t lines, double
 
 int wmain(int argc, wchar_t** argv) {
     const size_t count = argc > 1 ? std::wcstoul(argv[1], nullptr, 10) : 200000;
-    wchar_t temp[MAX_PATH];
-    GetTempPathW(MAX_PATH, temp);
-    const std::wstring utf8Path = std::wstring(temp) + L"text_file_bench_utf8.ini";
-    const std::wstring utf16Path = std::wstring(temp) + L"text_file_bench_utf16.ini";
-    const std::wstring outPath = std::wstring(temp) + L"text_file_bench_out.ini";
+    const std::wstring utf8Path = TempPath() + L"text_file_bench_utf8.ini";
+    const std::wstring utf16Path = TempPath() + L"text_file_bench_utf16.ini";
+    const std::wstring outPath = TempPath() + L"text_file_bench_out.ini";
 
     const std::vector<std::wstring> lines = ProfileLines(count);
     const std::string utf8 = "\xEF\xBB\xBF" + Encoded(lines, CP_UTF8);

@@ -10,6 +10,7 @@ namespace {
 
 constexpr size_t NumberFieldLength = 8;
 constexpr size_t BinaryBytesPerLine = 32;
+constexpr size_t BinaryReserveLimit = 64 * 1024;
 constexpr size_t HeaderFrameLength = 5;  // kind, ':', two quotes and '='
 constexpr size_t LineEndLength = 2;
 constexpr wchar_t LowerHexDigits[] = L"0123456789abcdef";
@@ -27,8 +28,6 @@ struct ByteTextTable {
 };
 constexpr ByteTextTable ByteTexts;
 
-Str::SensitiveState EitherSensitive(bool a, bool b) { return a || b ? Str::Sensitive : Str::NotSensitive; }
-
 // Fills a string whose final length is known beforehand, so that one entry
 // costs one allocation, however many lines it has.
 class EntryText {
@@ -42,12 +41,13 @@ public:
         cursor_ += count;
     }
     void Put(const VUnicodeString& text) { Put(text.c_str(), text.GetLength()); }
+    void Put(std::wstring_view text) { Put(text.data(), text.size()); }
     void PutLineEnd() { Put(L"\r\n", LineEndLength); }
 
     // The header line: as the pattern "K:\"%1\"=%2" formats it (%2 being a
     // number field "%2!08x!" for D, B and Z), composed here directly because
     // the system's formatter costs more than the write.
-    void PutHeader(wchar_t kind, const VUnicodeString& name) {
+    void PutHeader(wchar_t kind, std::wstring_view name) {
         Put(kind);
         Put(L":\"", 2);
         Put(name);
@@ -68,12 +68,12 @@ private:
     wchar_t* cursor_;
 };
 
-size_t HeaderLength(const VUnicodeString& name, size_t fieldLength) {
-    return HeaderFrameLength + name.GetLength() + fieldLength + LineEndLength;
+size_t HeaderLength(std::wstring_view name, size_t fieldLength) {
+    return HeaderFrameLength + name.size() + fieldLength + LineEndLength;
 }
 
-VUnicodeString FormatNumberEntry(wchar_t kind, const VUnicodeString& name, uint32_t value) {
-    EntryText text(HeaderLength(name, NumberFieldLength), name.GetSensitiveState());
+VUnicodeString FormatNumberEntry(wchar_t kind, std::wstring_view name, uint32_t value) {
+    EntryText text(HeaderLength(name, NumberFieldLength), Str::NotSensitive);
     text.PutHeader(kind, name);
     text.PutNumberField(value);
     text.PutLineEnd();
@@ -155,22 +155,21 @@ bool ParseBinaryLine(const wchar_t* line, size_t length, size_t missing, std::ve
 
 }  // namespace
 
-VUnicodeString FormatIniDwordEntry(const VUnicodeString& name, uint32_t value) {
+VUnicodeString FormatIniDwordEntry(std::wstring_view name, uint32_t value) {
     return FormatNumberEntry(L'D', name, value);
 }
 
-VUnicodeString FormatIniStringEntry(const VUnicodeString& name, const VUnicodeString& text) {
-    EntryText entry(HeaderLength(name, text.GetLength()), EitherSensitive(name.IsSensitive(), text.IsSensitive()));
+VUnicodeString FormatIniStringEntry(std::wstring_view name, const VUnicodeString& text) {
+    EntryText entry(HeaderLength(name, text.GetLength()), text.GetSensitiveState());
     entry.PutHeader(L'S', name);
     entry.Put(text);
     entry.PutLineEnd();
     return entry.Finish();
 }
 
-VUnicodeString FormatIniBinaryEntry(const VUnicodeString& name, const uint8_t* bytes, size_t length) {
+VUnicodeString FormatIniBinaryEntry(std::wstring_view name, const uint8_t* bytes, size_t length) {
     const size_t lines = (length + BinaryBytesPerLine - 1) / BinaryBytesPerLine;
-    EntryText entry(HeaderLength(name, NumberFieldLength) + 3 * length + LineEndLength * lines,
-                    name.GetSensitiveState());
+    EntryText entry(HeaderLength(name, NumberFieldLength) + 3 * length + LineEndLength * lines, Str::NotSensitive);
     entry.PutHeader(L'B', name);
     entry.PutNumberField(static_cast<uint32_t>(length));
     entry.PutLineEnd();
@@ -182,14 +181,14 @@ VUnicodeString FormatIniBinaryEntry(const VUnicodeString& name, const uint8_t* b
     return entry.Finish();
 }
 
-VUnicodeString FormatIniMultiStringEntry(const VUnicodeString& name, const VArray<VUnicodeString>& strings) {
+VUnicodeString FormatIniMultiStringEntry(std::wstring_view name, const VArray<VUnicodeString>& strings) {
     size_t length = HeaderLength(name, NumberFieldLength);
-    bool sensitive = name.IsSensitive();
+    bool sensitive = false;
     for (const VUnicodeString& string : strings) {
         length += 1 + string.GetLength() + LineEndLength;
         sensitive = sensitive || string.IsSensitive();
     }
-    EntryText entry(length, EitherSensitive(sensitive, false));
+    EntryText entry(length, sensitive ? Str::Sensitive : Str::NotSensitive);
     entry.PutHeader(L'Z', name);
     entry.PutNumberField(static_cast<uint32_t>(strings.GetCount()));
     entry.PutLineEnd();
@@ -201,18 +200,19 @@ VUnicodeString FormatIniMultiStringEntry(const VUnicodeString& name, const VArra
     return entry.Finish();
 }
 
-bool VIniFileEntryReader::Next(VUnicodeString& name, std::unique_ptr<VIniFileData>& value) {
-    if (!ended_ && !ReadEntry(name, value)) ended_ = true;
+bool VIniFileEntryReader::Next(std::wstring_view& name, std::unique_ptr<VIniFileData>& value) {
+    if (!ended_ && !ReadEntry(value)) ended_ = true;
+    name = name_;
     return !ended_;
 }
 
-bool VIniFileEntryReader::ReadEntry(VUnicodeString& name, std::unique_ptr<VIniFileData>& value) {
+bool VIniFileEntryReader::ReadEntry(std::unique_ptr<VIniFileData>& value) {
     EntryHeader header;
     if (!file_.ReadLine(line_) || !ParseHeader(line_.c_str(), line_.GetLength(), header)) return false;
     // Taken now: the header points into line_, which data lines overwrite.
-    name.Assign(header.name, header.nameLength);
+    name_.assign(header.name, header.nameLength);
     if (header.kind == L'S') {
-        value = std::make_unique<VIniFileDataString>(VUnicodeString(header.field, header.fieldLength));
+        value = std::make_unique<VIniFileDataString>(header.field, header.fieldLength);
         return true;
     }
     uint32_t number = 0;
@@ -233,9 +233,10 @@ bool VIniFileEntryReader::ReadEntry(VUnicodeString& name, std::unique_ptr<VIniFi
     return true;
 }
 
-// The count comes from the file and may be damaged, so the buffer grows with
-// what the lines hold rather than being sized from the count.
+// The count comes from the file and may be damaged: the buffer is sized from
+// it only up to a bound, and beyond that grows with what the lines hold.
 bool VIniFileEntryReader::ReadBinaryLines(uint32_t count, std::vector<uint8_t>& bytes) {
+    bytes.reserve(std::min<size_t>(count, BinaryReserveLimit));
     while (bytes.size() < count) {
         if (!file_.ReadLine(line_)) return false;
         if (!ParseBinaryLine(line_.c_str(), line_.GetLength(), count - bytes.size(), bytes)) return false;

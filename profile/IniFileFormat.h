@@ -16,6 +16,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "VContainers.h"
@@ -25,11 +27,11 @@
 class VTextFile;
 
 // The lines of one entry as the writer puts them in a file. The text is
-// sensitive when the name or the content is.
-VUnicodeString FormatIniDwordEntry(const VUnicodeString& name, uint32_t value);
-VUnicodeString FormatIniStringEntry(const VUnicodeString& name, const VUnicodeString& text);
-VUnicodeString FormatIniBinaryEntry(const VUnicodeString& name, const uint8_t* bytes, size_t length);
-VUnicodeString FormatIniMultiStringEntry(const VUnicodeString& name, const VArray<VUnicodeString>& strings);
+// sensitive when the content is (value names are never secret).
+VUnicodeString FormatIniDwordEntry(std::wstring_view name, uint32_t value);
+VUnicodeString FormatIniStringEntry(std::wstring_view name, const VUnicodeString& text);
+VUnicodeString FormatIniBinaryEntry(std::wstring_view name, const uint8_t* bytes, size_t length);
+VUnicodeString FormatIniMultiStringEntry(std::wstring_view name, const VArray<VUnicodeString>& strings);
 
 // Reads the entries of a values file opened for reading, in file order.
 class VIniFileEntryReader {
@@ -38,17 +40,19 @@ public:
     explicit VIniFileEntryReader(VTextFile& file) : file_(file) {}
 
     // The next entry: its name (possibly empty; the caller decides what an
-    // empty name means) and its value. False at the end of the file and at
-    // the first entry that breaks the format; once false, always false, since
-    // nothing after a damaged entry can be trusted to be where it seems.
-    bool Next(VUnicodeString& name, std::unique_ptr<VIniFileData>& value);
+    // empty name means), valid until the next call, and its value. False at
+    // the end of the file and at the first entry that breaks the format; once
+    // false, always false, since nothing after a damaged entry can be trusted
+    // to be where it seems.
+    bool Next(std::wstring_view& name, std::unique_ptr<VIniFileData>& value);
 
 private:
-    bool ReadEntry(VUnicodeString& name, std::unique_ptr<VIniFileData>& value);
+    bool ReadEntry(std::unique_ptr<VIniFileData>& value);
     bool ReadBinaryLines(uint32_t count, std::vector<uint8_t>& bytes);
     bool ReadStringLines(uint32_t count, VArray<VUnicodeString>& strings);
 
     VTextFile& file_;
     VUnicodeString line_;  // reused, so that reading makes no string per line
+    std::wstring name_;    // the same for names
     bool ended_ = false;
 };

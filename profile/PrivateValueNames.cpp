@@ -1,8 +1,5 @@
 #include "PrivateValueNames.h"
 
-#include <string_view>
-#include <unordered_map>
-
 namespace {
 
 constexpr const wchar_t* Names[PrivateValueNameCount] = {
@@ -30,17 +27,6 @@ constexpr const wchar_t* Names[PrivateValueNameCount] = {
     L"PGP Download Command V2",
 };
 
-// Every value read from a file is looked up here, so the lookup is a hash
-// probe rather than 22 comparisons.
-const std::unordered_map<std::wstring_view, int>& NameIndex() {
-    static const std::unordered_map<std::wstring_view, int> index = [] {
-        std::unordered_map<std::wstring_view, int> built;
-        for (size_t i = 0; i < PrivateValueNameCount; ++i) built.emplace(Names[i], static_cast<int>(i));
-        return built;
-    }();
-    return index;
-}
-
 }  // namespace
 
 const VArray<VUnicodeString>& GetPrivateValueNames() {
@@ -50,10 +36,4 @@ const VArray<VUnicodeString>& GetPrivateValueNames() {
         return built;
     }();
     return names;
-}
-
-int FindPrivateValueName(const wchar_t* name, size_t length) {
-    const auto& index = NameIndex();
-    const auto found = index.find(std::wstring_view(name, length));
-    return found == index.end() ? -1 : found->second;
 }

@@ -24,7 +24,7 @@ bool VIniFileDataDword::SetDword(uint32_t value) {
     return true;
 }
 
-bool VIniFileDataDword::WriteToFile(VTextFile& file, const VUnicodeString& name) const {
+bool VIniFileDataDword::WriteToFile(VTextFile& file, std::wstring_view name) const {
     return file.Write(FormatIniDwordEntry(name, value_));
 }
 
@@ -38,7 +38,7 @@ bool VIniFileDataString::SetString(const VUnicodeString& text) {
     return true;
 }
 
-bool VIniFileDataString::WriteToFile(VTextFile& file, const VUnicodeString& name) const {
+bool VIniFileDataString::WriteToFile(VTextFile& file, std::wstring_view name) const {
     return file.Write(FormatIniStringEntry(name, text_));
 }
 
@@ -61,7 +61,7 @@ bool VIniFileDataBinary::SetBinary(const void* bytes, size_t length) {
     return true;
 }
 
-bool VIniFileDataBinary::WriteToFile(VTextFile& file, const VUnicodeString& name) const {
+bool VIniFileDataBinary::WriteToFile(VTextFile& file, std::wstring_view name) const {
     return file.Write(FormatIniBinaryEntry(name, bytes_.data(), bytes_.size()));
 }
 
@@ -75,6 +75,6 @@ bool VIniFileDataStringSz::SetMultiString(const VArray<VUnicodeString>& strings)
     return true;
 }
 
-bool VIniFileDataStringSz::WriteToFile(VTextFile& file, const VUnicodeString& name) const {
+bool VIniFileDataStringSz::WriteToFile(VTextFile& file, std::wstring_view name) const {
     return file.Write(FormatIniMultiStringEntry(name, strings_));
 }

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "VContainers.h"
@@ -32,7 +33,7 @@ public:
     virtual VProfileValueKind GetKind() const = 0;
     // Appends the entry's lines under name; false (the thread's last error
     // telling why) when they could not be written.
-    virtual bool WriteToFile(VTextFile& file, const VUnicodeString& name) const = 0;
+    virtual bool WriteToFile(VTextFile& file, std::wstring_view name) const = 0;
 };
 
 class VIniFileDataDword : public VIniFileData {
@@ -41,7 +42,7 @@ public:
     bool GetDword(uint32_t& value) const override;
     bool SetDword(uint32_t value) override;
     VProfileValueKind GetKind() const override { return ProfileDword; }
-    bool WriteToFile(VTextFile& file, const VUnicodeString& name) const override;
+    bool WriteToFile(VTextFile& file, std::wstring_view name) const override;
 
 private:
     uint32_t value_;
@@ -50,10 +51,11 @@ private:
 class VIniFileDataString : public VIniFileData {
 public:
     explicit VIniFileDataString(VUnicodeString text) : text_(std::move(text)) {}
+    VIniFileDataString(const wchar_t* text, size_t length) : text_(text, length) {}
     bool GetString(VUnicodeString& text) const override;
     bool SetString(const VUnicodeString& text) override;
     VProfileValueKind GetKind() const override { return ProfileString; }
-    bool WriteToFile(VTextFile& file, const VUnicodeString& name) const override;
+    bool WriteToFile(VTextFile& file, std::wstring_view name) const override;
 
 private:
     VUnicodeString text_;
@@ -66,7 +68,7 @@ public:
     bool GetBinary(void* buffer, size_t& size) const override;
     bool SetBinary(const void* bytes, size_t length) override;
     VProfileValueKind GetKind() const override { return ProfileBinary; }
-    bool WriteToFile(VTextFile& file, const VUnicodeString& name) const override;
+    bool WriteToFile(VTextFile& file, std::wstring_view name) const override;
 
 private:
     std::vector<uint8_t> bytes_;
@@ -78,7 +80,7 @@ public:
     bool GetMultiString(VArray<VUnicodeString>& strings) const override;
     bool SetMultiString(const VArray<VUnicodeString>& strings) override;
     VProfileValueKind GetKind() const override { return ProfileMultiString; }
-    bool WriteToFile(VTextFile& file, const VUnicodeString& name) const override;
+    bool WriteToFile(VTextFile& file, std::wstring_view name) const override;
 
 private:
     VArray<VUnicodeString> strings_;

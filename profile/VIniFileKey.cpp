@@ -5,7 +5,6 @@
 
 #include "FileSystem.h"
 #include "IniFileFormat.h"
-#include "PrivateValueNames.h"
 #include "ProfileErrors.h"
 #include "VIniFileKeyIterator.h"
 #include "VTextFile.h"
@@ -21,6 +20,10 @@ constexpr uint64_t LockOffset = 0;
 constexpr uint64_t LockLength = 4;
 
 constexpr wchar_t IsSessionName[] = L"Is Session";
+// What an entry takes in a file, give or take: to size the table before reading.
+constexpr uint64_t TypicalEntryBytes = 40;
+
+std::wstring_view View(const VUnicodeString& text) { return std::wstring_view(text.c_str(), text.GetLength()); }
 
 bool IsSeparator(wchar_t character) { return character == L'\\' || character == L'/'; }
 
@@ -190,7 +193,6 @@ VIniFileValueTable& VIniFileKey::Table() {
 void VIniFileKey::LoadTable() {
     table_ = std::make_unique<VIniFileValueTable>();
     modified_ = false;
-    privateValueDeleted_ = false;
     ReadValuesFile(ValuesFilePath(folderPath_));
     // Read second, so that its values win over stray copies in the main file.
     if (!privateFolderPath_.IsEmpty()) ReadValuesFile(ValuesFilePath(privateFolderPath_));
@@ -207,12 +209,14 @@ void VIniFileKey::ReadValuesFile(const VUnicodeString& path) {
         RecordLastSystemError(error_);
         return;
     }
+    uint64_t size = 0;
+    if (file.GetSize(size)) table_->Reserve(static_cast<size_t>(size / TypicalEntryBytes));
     VIniFileEntryReader reader(file);
-    VUnicodeString name;
+    std::wstring_view name;
     std::unique_ptr<VIniFileData> value;
     while (reader.Next(name, value)) {
         // A name the writer could not have made cannot be stored or read back.
-        if (!name.IsEmpty()) table_->Store(name, std::move(value));
+        if (!name.empty()) table_->Store(name, std::move(value));
     }
     file.Unlock(LockOffset, LockLength);
 }
@@ -234,7 +238,7 @@ const VIniFileKey::FileInformation& VIniFileKey::GetFileInformation() {
 // ---- reads ----
 
 const VIniFileData* VIniFileKey::FindForRead(const VUnicodeString& name, VProfileValueKind kind) {
-    const VIniFileData* value = Table().Find(name);
+    const VIniFileData* value = Table().Find(View(name));
     if (value && value->GetKind() == kind) return value;
     RecordValueAbsent(error_, name);
     return nullptr;
@@ -271,7 +275,7 @@ bool VIniFileKey::GetDword(const VUnicodeString& name, uint32_t& value) {
 }
 
 bool VIniFileKey::GetSecurity(const VUnicodeString& name, VSecurityDescriptor& descriptor) {
-    const VIniFileData* value = Table().Find(name);
+    const VIniFileData* value = Table().Find(View(name));
     if (value && value->GetKind() == ProfileMultiString) {
         VArray<VUnicodeString> entries;
         value->GetMultiString(entries);
@@ -302,7 +306,7 @@ bool VIniFileKey::CheckText(const VUnicodeString& text) {
 }
 
 bool VIniFileKey::Store(const VUnicodeString& name, std::unique_ptr<VIniFileData> value) {
-    Table().Store(name, std::move(value));
+    Table().Store(View(name), std::move(value));
     modified_ = true;
     return true;
 }
@@ -338,9 +342,8 @@ bool VIniFileKey::SetSecurity(const VUnicodeString& name, const VSecurityDescrip
 
 bool VIniFileKey::DeleteValue(const VUnicodeString& name) {
     if (readOnly_) return Fail(ERROR_ACCESS_DENIED);
-    if (!Table().Remove(name)) return Fail(ERROR_FILE_NOT_FOUND);
+    if (!Table().Remove(View(name))) return Fail(ERROR_FILE_NOT_FOUND);
     modified_ = true;
-    if (IsPrivateValueName(name)) privateValueDeleted_ = true;
     return true;
 }
 
@@ -394,7 +397,7 @@ bool VIniFileKey::Save() {
         // Open but not locked or not cut: nothing may be written to it.
         if (mainFile.IsOpen()) return Fail(failure);
     }
-    const bool privateWanted = !privateFolderPath_.IsEmpty() && (table_->HasPrivateValue() || privateValueDeleted_);
+    const bool privateWanted = !privateFolderPath_.IsEmpty() && table_->NeedsPrivateFile();
     if (privateWanted && !OpenForSaving(privateFile, ValuesFilePath(privateFolderPath_)) && privateFile.IsOpen())
         return Fail(GetLastError());
     if (!mainFile.IsOpen() && !privateFile.IsOpen()) return Fail(failure);
@@ -428,7 +431,7 @@ bool VIniFileKey::Save() {
     // stays changed, so the next save tries again.
     if (!written || failure != ERROR_SUCCESS) return Fail(failure);
     modified_ = false;
-    privateValueDeleted_ = false;
+    table_->MarkSaved();
     return true;
 }
 

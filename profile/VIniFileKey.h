@@ -141,9 +141,6 @@ private:
     VUnicodeString privateFolderPath_;
     bool readOnly_;
     bool modified_ = false;
-    // A private value was deleted: the private file must be rewritten even
-    // when no private value is left, or the deleted value would come back.
-    bool privateValueDeleted_ = false;
     std::unique_ptr<VIniFileValueTable> table_;
     std::optional<FileInformation> fileInformation_;
     std::optional<VSecurityDescriptor> security_;

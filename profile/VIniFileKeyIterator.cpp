@@ -18,7 +18,7 @@ bool HasValuesFileExtension(const VUnicodeString& fileName) {
 VIniFileKey::Iterator::Iterator(VIniFileKey& key, bool values) : entries_(NameOrder{!values}) {
     if (values) {
         key.Table().ForEach([this](const VIniFileValueTable::Slot& slot) {
-            entries_.emplace(slot.name, slot.value->GetKind());
+            entries_.emplace(VUnicodeString(slot.name.data(), slot.name.size()), slot.value->GetKind());
         });
     } else {
         ListSubkeys(key);

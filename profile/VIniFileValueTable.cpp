@@ -1,43 +1,96 @@
 #include "VIniFileValueTable.h"
 
+#include <algorithm>
+#include <cwchar>
+
 #include "PrivateValueNames.h"
 
-VIniFileValueTable::VIniFileValueTable() {
-    private_.reserve(PrivateValueNameCount);
-    for (const VUnicodeString& name : GetPrivateValueNames()) private_.push_back(Slot{name, nullptr, true});
-}
+namespace {
 
-const VIniFileValueTable::Slot* VIniFileValueTable::FindSlot(const VUnicodeString& name) const {
-    const int privateIndex = FindPrivateValueName(name);
-    if (privateIndex >= 0) return &private_[static_cast<size_t>(privateIndex)];
-    const auto found = mainIndex_.find(std::wstring_view(name.c_str(), name.GetLength()));
-    return found == mainIndex_.end() ? nullptr : &main_[found->second];
-}
+constexpr size_t InitialIndexSize = 64;  // room for the private list and a few more
+constexpr size_t NameBlockCharacters = 8192;
 
-VIniFileData* VIniFileValueTable::Find(const VUnicodeString& name) const {
-    const Slot* slot = FindSlot(name);
-    return slot ? slot->value.get() : nullptr;
-}
+size_t HashOf(std::wstring_view name) { return std::hash<std::wstring_view>()(name); }
 
-void VIniFileValueTable::Store(const VUnicodeString& name, std::unique_ptr<VIniFileData> value) {
-    if (Slot* slot = FindSlot(name)) {
-        slot->value = std::move(value);
-        return;
+}  // namespace
+
+VIniFileValueTable::VIniFileValueTable() : index_(InitialIndexSize, NoSlot) {
+    slots_.reserve(PrivateValueNameCount);
+    // The private names live as long as the process: no copy is needed.
+    for (const VUnicodeString& name : GetPrivateValueNames()) {
+        const std::wstring_view view(name.c_str(), name.GetLength());
+        Append(view, HashOf(view), nullptr, true);
     }
-    main_.push_back(Slot{name, std::move(value), false});
-    const VUnicodeString& kept = main_.back().name;
-    mainIndex_.emplace(std::wstring_view(kept.c_str(), kept.GetLength()), static_cast<uint32_t>(main_.size() - 1));
 }
 
-bool VIniFileValueTable::Remove(const VUnicodeString& name) {
-    Slot* slot = FindSlot(name);
-    if (!slot || !slot->value) return false;
-    slot->value.reset();
+void VIniFileValueTable::Reserve(size_t count) {
+    slots_.reserve(slots_.size() + count);
+    size_t capacity = index_.size();
+    while (capacity < 2 * (slots_.size() + count)) capacity *= 2;
+    if (capacity != index_.size()) Rehash(capacity);
+}
+
+size_t VIniFileValueTable::Probe(std::wstring_view name, size_t hash) const {
+    const size_t mask = index_.size() - 1;
+    for (size_t position = hash & mask;; position = (position + 1) & mask) {
+        const uint32_t slot = index_[position];
+        if (slot == NoSlot || (slots_[slot].hash == hash && slots_[slot].name == name)) return position;
+    }
+}
+
+std::wstring_view VIniFileValueTable::KeepName(std::wstring_view name) {
+    if (name.size() > nameSpaceLeft_) {
+        const size_t size = std::max(NameBlockCharacters, name.size());
+        nameBlocks_.push_back(std::make_unique_for_overwrite<wchar_t[]>(size));
+        nameCursor_ = nameBlocks_.back().get();
+        nameSpaceLeft_ = size;
+    }
+    const std::wstring_view kept(nameCursor_, name.size());
+    std::wmemcpy(nameCursor_, name.data(), name.size());
+    nameCursor_ += name.size();
+    nameSpaceLeft_ -= name.size();
+    return kept;
+}
+
+void VIniFileValueTable::Append(std::wstring_view name, size_t hash, std::unique_ptr<VIniFileData> value,
+                                bool isPrivate) {
+    if (2 * (slots_.size() + 1) > index_.size()) Rehash(2 * index_.size());
+    index_[Probe(name, hash)] = static_cast<uint32_t>(slots_.size());
+    slots_.push_back(Slot{name, std::move(value), hash, isPrivate});
+}
+
+void VIniFileValueTable::Rehash(size_t capacity) {
+    index_.assign(capacity, NoSlot);
+    for (size_t slot = 0; slot < slots_.size(); ++slot)
+        index_[Probe(slots_[slot].name, slots_[slot].hash)] = static_cast<uint32_t>(slot);
+}
+
+VIniFileData* VIniFileValueTable::Find(std::wstring_view name) const {
+    const uint32_t slot = index_[Probe(name, HashOf(name))];
+    return slot == NoSlot ? nullptr : slots_[slot].value.get();
+}
+
+void VIniFileValueTable::Store(std::wstring_view name, std::unique_ptr<VIniFileData> value) {
+    const size_t hash = HashOf(name);
+    const uint32_t slot = index_[Probe(name, hash)];
+    if (slot != NoSlot) {
+        slots_[slot].value = std::move(value);
+    } else {
+        Append(KeepName(name), hash, std::move(value), false);
+    }
+}
+
+bool VIniFileValueTable::Remove(std::wstring_view name) {
+    const uint32_t slot = index_[Probe(name, HashOf(name))];
+    if (slot == NoSlot || !slots_[slot].value) return false;
+    slots_[slot].value.reset();
+    privateRemoved_ = privateRemoved_ || slots_[slot].isPrivate;
     return true;
 }
 
-bool VIniFileValueTable::HasPrivateValue() const {
-    for (const Slot& slot : private_)
-        if (slot.value) return true;
+bool VIniFileValueTable::NeedsPrivateFile() const {
+    if (privateRemoved_) return true;
+    for (size_t slot = 0; slot < PrivateValueNameCount; ++slot)
+        if (slots_[slot].value) return true;
     return false;
 }

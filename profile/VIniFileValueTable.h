@@ -4,11 +4,10 @@
 // main list - is the order in which the key writes and walks its values.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string_view>
-#include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "VIniFileData.h"
@@ -19,8 +18,9 @@ public:
     // One name and its value; an empty slot (a deleted value) keeps its place
     // in the table but is never written or listed.
     struct Slot {
-        VUnicodeString name;
+        std::wstring_view name;  // kept by the table
         std::unique_ptr<VIniFileData> value;
+        size_t hash;
         bool isPrivate;
     };
 
@@ -28,36 +28,53 @@ public:
     VIniFileValueTable(const VIniFileValueTable&) = delete;
     VIniFileValueTable& operator=(const VIniFileValueTable&) = delete;
 
-    // The value stored under name (compared exactly), or null.
-    VIniFileData* Find(const VUnicodeString& name) const;
-    // Replaces the value of name in its slot, whatever its kind; a name in
-    // neither list is appended to the main list.
-    void Store(const VUnicodeString& name, std::unique_ptr<VIniFileData> value);
-    // Empties the slot of name; false when it held no value.
-    bool Remove(const VUnicodeString& name);
+    // Makes room for about count more names, so that loading a large file
+    // does not grow the table step by step.
+    void Reserve(size_t count);
 
-    // Whether a slot of the private list holds a value.
-    bool HasPrivateValue() const;
+    // The value stored under name (compared exactly), or null.
+    VIniFileData* Find(std::wstring_view name) const;
+    // Replaces the value of name in its slot, whatever its kind; a name in
+    // neither list is appended to the main list (and copied).
+    void Store(std::wstring_view name, std::unique_ptr<VIniFileData> value);
+    // Empties the slot of name; false when it held no value.
+    bool Remove(std::wstring_view name);
+
+    // Whether the private file must be written: a private slot holds a value,
+    // or a private value was removed since the table was made (else the
+    // removed value would live on in the private file).
+    bool NeedsPrivateFile() const;
+    // The files now hold the table: removals need no more writing.
+    void MarkSaved() { privateRemoved_ = false; }
 
     // Calls visit(const Slot&) for each slot that holds a value, in table order.
     template <class Visit>
     void ForEach(Visit&& visit) const {
-        for (const Slot& slot : private_)
-            if (slot.value) visit(slot);
-        for (const Slot& slot : main_)
+        for (const Slot& slot : slots_)
             if (slot.value) visit(slot);
     }
 
 private:
-    const Slot* FindSlot(const VUnicodeString& name) const;
-    Slot* FindSlot(const VUnicodeString& name) {
-        return const_cast<Slot*>(static_cast<const VIniFileValueTable*>(this)->FindSlot(name));
-    }
+    static constexpr uint32_t NoSlot = UINT32_MAX;
 
-    std::vector<Slot> private_;
-    std::vector<Slot> main_;
-    // Positions in main_ by name. The views point into the slots' own names,
-    // whose characters stay put when main_ grows (a string holds a pointer to
-    // its block), and a slot's name never changes once it is made.
-    std::unordered_map<std::wstring_view, uint32_t> mainIndex_;
+    // The position in index_ that holds name's slot, or the free position
+    // where it would go.
+    size_t Probe(std::wstring_view name, size_t hash) const;
+    void Append(std::wstring_view name, size_t hash, std::unique_ptr<VIniFileData> value, bool isPrivate);
+    void Rehash(size_t capacity);
+    // A copy of name that lives as long as the table.
+    std::wstring_view KeepName(std::wstring_view name);
+
+    // The private list (the first PrivateValueNameCount slots), then the main list.
+    std::vector<Slot> slots_;
+    // Open addressing with linear probing: positions in slots_ by name, at
+    // most half full. Every value read from a file is looked up once, so a
+    // lookup is one hash and, mostly, one comparison.
+    std::vector<uint32_t> index_;
+    // The names of the main list, packed into large blocks: one allocation
+    // per name would cost more than reading the file (under Wine above all).
+    std::vector<std::unique_ptr<wchar_t[]>> nameBlocks_;
+    wchar_t* nameCursor_ = nullptr;
+    size_t nameSpaceLeft_ = 0;
+    bool privateRemoved_ = false;
 };

@@ -155,13 +155,13 @@ BuiltFile Build(const TestValues& values) {
     for (const auto& [name, value] : values) {
         VUnicodeString text;
         switch (value.kind) {
-        case ProfileDword: text = FormatIniDwordEntry(V(name), value.dword); break;
-        case ProfileString: text = FormatIniStringEntry(V(name), V(value.text)); break;
-        case ProfileBinary: text = FormatIniBinaryEntry(V(name), value.bytes.data(), value.bytes.size()); break;
+        case ProfileDword: text = FormatIniDwordEntry(name, value.dword); break;
+        case ProfileString: text = FormatIniStringEntry(name, V(value.text)); break;
+        case ProfileBinary: text = FormatIniBinaryEntry(name, value.bytes.data(), value.bytes.size()); break;
         default: {
             VArray<VUnicodeString> strings;
             for (const std::wstring& string : value.strings) strings.Add(V(string));
-            text = FormatIniMultiStringEntry(V(name), strings);
+            text = FormatIniMultiStringEntry(name, strings);
         }
         }
         BuiltFile::Entry entry{name, value, {}};
