@@ -200,36 +200,36 @@ VUnicodeString FormatIniMultiStringEntry(std::wstring_view name, const VArray<VU
     return entry.Finish();
 }
 
-bool VIniFileEntryReader::Next(std::wstring_view& name, std::unique_ptr<VIniFileData>& value) {
+bool VIniFileEntryReader::Next(std::wstring_view& name, VIniFileDataPtr& value) {
     if (!ended_ && !ReadEntry(value)) ended_ = true;
     name = name_;
     return !ended_;
 }
 
-bool VIniFileEntryReader::ReadEntry(std::unique_ptr<VIniFileData>& value) {
+bool VIniFileEntryReader::ReadEntry(VIniFileDataPtr& value) {
     EntryHeader header;
     if (!file_.ReadLine(line_) || !ParseHeader(line_.c_str(), line_.GetLength(), header)) return false;
     // Taken now: the header points into line_, which data lines overwrite.
     name_.assign(header.name, header.nameLength);
     if (header.kind == L'S') {
-        value = std::make_unique<VIniFileDataString>(header.field, header.fieldLength);
+        value = arena_.Make<VIniFileDataString>(header.field, header.fieldLength);
         return true;
     }
     uint32_t number = 0;
     if (!ParseNumberField(header.field, header.fieldLength, number)) return false;
     if (header.kind == L'D') {
-        value = std::make_unique<VIniFileDataDword>(number);
+        value = arena_.Make<VIniFileDataDword>(number);
         return true;
     }
     if (header.kind == L'B') {
         std::vector<uint8_t> bytes;
         if (!ReadBinaryLines(number, bytes)) return false;
-        value = std::make_unique<VIniFileDataBinary>(std::move(bytes));
+        value = arena_.Make<VIniFileDataBinary>(std::move(bytes));
         return true;
     }
     VArray<VUnicodeString> strings;
     if (!ReadStringLines(number, strings)) return false;
-    value = std::make_unique<VIniFileDataStringSz>(std::move(strings));
+    value = arena_.Make<VIniFileDataStringSz>(std::move(strings));
     return true;
 }
 

@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "VContainers.h"
+#include "VIniFileArena.h"
 #include "VIniFileData.h"
 #include "VString.h"
 
@@ -36,22 +37,24 @@ VUnicodeString FormatIniMultiStringEntry(std::wstring_view name, const VArray<VU
 // Reads the entries of a values file opened for reading, in file order.
 class VIniFileEntryReader {
 public:
-    // file is read from its current position and must outlive the reader.
-    explicit VIniFileEntryReader(VTextFile& file) : file_(file) {}
+    // file is read from its current position; values are made in arena.
+    // Both must outlive the reader.
+    VIniFileEntryReader(VTextFile& file, VIniFileArena& arena) : file_(file), arena_(arena) {}
 
     // The next entry: its name (possibly empty; the caller decides what an
     // empty name means), valid until the next call, and its value. False at
     // the end of the file and at the first entry that breaks the format; once
     // false, always false, since nothing after a damaged entry can be trusted
     // to be where it seems.
-    bool Next(std::wstring_view& name, std::unique_ptr<VIniFileData>& value);
+    bool Next(std::wstring_view& name, VIniFileDataPtr& value);
 
 private:
-    bool ReadEntry(std::unique_ptr<VIniFileData>& value);
+    bool ReadEntry(VIniFileDataPtr& value);
     bool ReadBinaryLines(uint32_t count, std::vector<uint8_t>& bytes);
     bool ReadStringLines(uint32_t count, VArray<VUnicodeString>& strings);
 
     VTextFile& file_;
+    VIniFileArena& arena_;
     VUnicodeString line_;  // reused, so that reading makes no string per line
     std::wstring name_;    // the same for names
     bool ended_ = false;

@@ -5,7 +5,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "VContainers.h"
@@ -85,3 +87,24 @@ public:
 private:
     VArray<VUnicodeString> strings_;
 };
+
+// Owns a value object wherever it lives: on the heap (values that callers
+// set) or in the arena of the table that read it from a file, which gives
+// its memory back all at once; then only the destructor is run here.
+struct VIniFileDataDeleter {
+    bool inArena = false;
+    void operator()(VIniFileData* data) const noexcept {
+        if (inArena) {
+            data->~VIniFileData();
+        } else {
+            delete data;
+        }
+    }
+};
+using VIniFileDataPtr = std::unique_ptr<VIniFileData, VIniFileDataDeleter>;
+
+// A value object on the heap.
+template <class T, class... Arguments>
+VIniFileDataPtr MakeIniFileData(Arguments&&... arguments) {
+    return VIniFileDataPtr(new T(std::forward<Arguments>(arguments)...));
+}

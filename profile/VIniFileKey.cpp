@@ -211,9 +211,9 @@ void VIniFileKey::ReadValuesFile(const VUnicodeString& path) {
     }
     uint64_t size = 0;
     if (file.GetSize(size)) table_->Reserve(static_cast<size_t>(size / TypicalEntryBytes));
-    VIniFileEntryReader reader(file);
+    VIniFileEntryReader reader(file, table_->GetArena());
     std::wstring_view name;
-    std::unique_ptr<VIniFileData> value;
+    VIniFileDataPtr value;
     while (reader.Next(name, value)) {
         // A name the writer could not have made cannot be stored or read back.
         if (!name.empty()) table_->Store(name, std::move(value));
@@ -305,7 +305,7 @@ bool VIniFileKey::CheckText(const VUnicodeString& text) {
     return true;
 }
 
-bool VIniFileKey::Store(const VUnicodeString& name, std::unique_ptr<VIniFileData> value) {
+bool VIniFileKey::Store(const VUnicodeString& name, VIniFileDataPtr value) {
     Table().Store(View(name), std::move(value));
     modified_ = true;
     return true;
@@ -315,29 +315,29 @@ bool VIniFileKey::SetMultiString(const VUnicodeString& name, const VArray<VUnico
     if (!CheckWrite(name)) return false;
     for (const VUnicodeString& string : strings)
         if (!CheckText(string)) return false;
-    return Store(name, std::make_unique<VIniFileDataStringSz>(strings));
+    return Store(name, MakeIniFileData<VIniFileDataStringSz>(strings));
 }
 
 bool VIniFileKey::SetBinary(const VUnicodeString& name, const void* bytes, size_t length) {
     if (!CheckWrite(name)) return false;
     if (!bytes && length != 0) return Fail(ERROR_INVALID_PARAMETER);
     if (length > UINT32_MAX) return Fail(ERROR_INVALID_DATA);  // the count field holds 32 bits
-    return Store(name, std::make_unique<VIniFileDataBinary>(bytes, length));
+    return Store(name, MakeIniFileData<VIniFileDataBinary>(bytes, length));
 }
 
 bool VIniFileKey::SetString(const VUnicodeString& name, const VUnicodeString& text) {
-    return CheckWrite(name) && CheckText(text) && Store(name, std::make_unique<VIniFileDataString>(text));
+    return CheckWrite(name) && CheckText(text) && Store(name, MakeIniFileData<VIniFileDataString>(text));
 }
 
 bool VIniFileKey::SetDword(const VUnicodeString& name, uint32_t value) {
-    return CheckWrite(name) && Store(name, std::make_unique<VIniFileDataDword>(value));
+    return CheckWrite(name) && Store(name, MakeIniFileData<VIniFileDataDword>(value));
 }
 
 bool VIniFileKey::SetSecurity(const VUnicodeString& name, const VSecurityDescriptor& descriptor) {
     if (!CheckWrite(name)) return false;
     VArray<VUnicodeString> entries;
     if (!descriptor.ToText(entries)) return Fail(GetLastError());
-    return Store(name, std::make_unique<VIniFileDataStringSz>(std::move(entries)));
+    return Store(name, MakeIniFileData<VIniFileDataStringSz>(std::move(entries)));
 }
 
 bool VIniFileKey::DeleteValue(const VUnicodeString& name) {

@@ -130,7 +130,7 @@ private:
     // Checks a write of name (and of its text, if any) before it is made.
     bool CheckWrite(const VUnicodeString& name);
     bool CheckText(const VUnicodeString& text);
-    bool Store(const VUnicodeString& name, std::unique_ptr<VIniFileData> value);
+    bool Store(const VUnicodeString& name, VIniFileDataPtr value);
     bool Fail(DWORD error);
 
     // Opens path for a save: created when absent (and its folder with it when

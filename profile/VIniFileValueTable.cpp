@@ -1,14 +1,11 @@
 #include "VIniFileValueTable.h"
 
-#include <algorithm>
-#include <cwchar>
 
 #include "PrivateValueNames.h"
 
 namespace {
 
 constexpr size_t InitialIndexSize = 64;  // room for the private list and a few more
-constexpr size_t NameBlockCharacters = 8192;
 
 size_t HashOf(std::wstring_view name) { return std::hash<std::wstring_view>()(name); }
 
@@ -38,21 +35,7 @@ size_t VIniFileValueTable::Probe(std::wstring_view name, size_t hash) const {
     }
 }
 
-std::wstring_view VIniFileValueTable::KeepName(std::wstring_view name) {
-    if (name.size() > nameSpaceLeft_) {
-        const size_t size = std::max(NameBlockCharacters, name.size());
-        nameBlocks_.push_back(std::make_unique_for_overwrite<wchar_t[]>(size));
-        nameCursor_ = nameBlocks_.back().get();
-        nameSpaceLeft_ = size;
-    }
-    const std::wstring_view kept(nameCursor_, name.size());
-    std::wmemcpy(nameCursor_, name.data(), name.size());
-    nameCursor_ += name.size();
-    nameSpaceLeft_ -= name.size();
-    return kept;
-}
-
-void VIniFileValueTable::Append(std::wstring_view name, size_t hash, std::unique_ptr<VIniFileData> value,
+void VIniFileValueTable::Append(std::wstring_view name, size_t hash, VIniFileDataPtr value,
                                 bool isPrivate) {
     if (2 * (slots_.size() + 1) > index_.size()) Rehash(2 * index_.size());
     index_[Probe(name, hash)] = static_cast<uint32_t>(slots_.size());
@@ -70,13 +53,13 @@ VIniFileData* VIniFileValueTable::Find(std::wstring_view name) const {
     return slot == NoSlot ? nullptr : slots_[slot].value.get();
 }
 
-void VIniFileValueTable::Store(std::wstring_view name, std::unique_ptr<VIniFileData> value) {
+void VIniFileValueTable::Store(std::wstring_view name, VIniFileDataPtr value) {
     const size_t hash = HashOf(name);
     const uint32_t slot = index_[Probe(name, hash)];
     if (slot != NoSlot) {
         slots_[slot].value = std::move(value);
     } else {
-        Append(KeepName(name), hash, std::move(value), false);
+        Append(arena_.Keep(name), hash, std::move(value), false);
     }
 }
 

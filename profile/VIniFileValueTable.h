@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "VIniFileArena.h"
 #include "VIniFileData.h"
 #include "VString.h"
 
@@ -19,7 +20,7 @@ public:
     // in the table but is never written or listed.
     struct Slot {
         std::wstring_view name;  // kept by the table
-        std::unique_ptr<VIniFileData> value;
+        VIniFileDataPtr value;
         size_t hash;
         bool isPrivate;
     };
@@ -32,11 +33,14 @@ public:
     // does not grow the table step by step.
     void Reserve(size_t count);
 
+    // Where values read from a file are made (VIniFileArena::Make).
+    VIniFileArena& GetArena() { return arena_; }
+
     // The value stored under name (compared exactly), or null.
     VIniFileData* Find(std::wstring_view name) const;
     // Replaces the value of name in its slot, whatever its kind; a name in
     // neither list is appended to the main list (and copied).
-    void Store(std::wstring_view name, std::unique_ptr<VIniFileData> value);
+    void Store(std::wstring_view name, VIniFileDataPtr value);
     // Empties the slot of name; false when it held no value.
     bool Remove(std::wstring_view name);
 
@@ -60,21 +64,17 @@ private:
     // The position in index_ that holds name's slot, or the free position
     // where it would go.
     size_t Probe(std::wstring_view name, size_t hash) const;
-    void Append(std::wstring_view name, size_t hash, std::unique_ptr<VIniFileData> value, bool isPrivate);
+    void Append(std::wstring_view name, size_t hash, VIniFileDataPtr value, bool isPrivate);
     void Rehash(size_t capacity);
-    // A copy of name that lives as long as the table.
-    std::wstring_view KeepName(std::wstring_view name);
 
+    // The names of the main list, and the values read from files. Declared
+    // first, so that it goes after the slots that point into it.
+    VIniFileArena arena_;
     // The private list (the first PrivateValueNameCount slots), then the main list.
     std::vector<Slot> slots_;
     // Open addressing with linear probing: positions in slots_ by name, at
     // most half full. Every value read from a file is looked up once, so a
     // lookup is one hash and, mostly, one comparison.
     std::vector<uint32_t> index_;
-    // The names of the main list, packed into large blocks: one allocation
-    // per name would cost more than reading the file (under Wine above all).
-    std::vector<std::unique_ptr<wchar_t[]>> nameBlocks_;
-    wchar_t* nameCursor_ = nullptr;
-    size_t nameSpaceLeft_ = 0;
     bool privateRemoved_ = false;
 };
