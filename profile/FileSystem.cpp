@@ -1,9 +1,11 @@
-// Folder chains for the profile file store.
+// Folder chains and tree removal for the profile file store.
 #include "FileSystem.h"
 
 #include <windows.h>
 
 #include <algorithm>
+
+#include "Win32Handle.h"
 
 namespace {
 
@@ -67,7 +69,31 @@ bool MakeChain(const VUnicodeString& path, size_t rootLength, SECURITY_ATTRIBUTE
     return MakeChain(path.Left(end), rootLength, attributes) && MakeFolder(path, attributes);
 }
 
+// Removes one entry, found with attributes.
+bool DeleteEntry(const VUnicodeString& path, DWORD attributes) {
+    if (!(attributes & FILE_ATTRIBUTE_DIRECTORY)) return DeleteFileW(path.c_str()) != 0;
+    if (attributes & FILE_ATTRIBUTE_REPARSE_POINT) return RemoveDirectoryW(path.c_str()) != 0;
+    WIN32_FIND_DATAW found;
+    const FindHandle search(FindFirstFileExW((path + L"\\*").c_str(), FindExInfoBasic, &found,
+                                             FindExSearchNameMatch, nullptr, 0));
+    if (search) {
+        bool removed = true;
+        do {
+            const VUnicodeString name(found.cFileName);
+            if (name == L"." || name == L"..") continue;
+            removed = DeleteEntry(path + L"\\" + name, found.dwFileAttributes);
+        } while (removed && FindNextFileW(search.Get(), &found));
+        if (!removed) return false;
+    }
+    return RemoveDirectoryW(path.c_str()) != 0;
+}
+
 }  // namespace
+
+bool DeleteTree(const VUnicodeString& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && DeleteEntry(path, attributes);
+}
 
 bool CreateFolderChain(const VUnicodeString& path, const VSecurityDescriptor* security) {
     const size_t rootLength = RootLength(path);

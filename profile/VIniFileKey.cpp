@@ -1,6 +1,7 @@
 #include "VIniFileKey.h"
 
-#include <cwctype>
+#include <cwchar>
+#include <string_view>
 #include <vector>
 
 #include "FileSystem.h"
@@ -8,7 +9,6 @@
 #include "ProfileErrors.h"
 #include "VIniFileKeyIterator.h"
 #include "VTextFile.h"
-#include "Win32Handle.h"
 
 namespace {
 
@@ -102,35 +102,6 @@ bool Exists(const VUnicodeString& path, bool& isFolder) {
     return true;
 }
 
-bool DeleteFolderTree(const VUnicodeString& folder);
-
-// Removes one entry found in a folder. A link to a folder is removed itself,
-// never followed. Read-only files are not forced: they fail the deletion, as
-// they would in the shell.
-bool DeleteFolderEntry(const VUnicodeString& path, DWORD attributes) {
-    if (!(attributes & FILE_ATTRIBUTE_DIRECTORY)) return DeleteFileW(path.c_str()) != 0;
-    if (attributes & FILE_ATTRIBUTE_REPARSE_POINT) return RemoveDirectoryW(path.c_str()) != 0;
-    return DeleteFolderTree(path);
-}
-
-// Removes a folder with everything in it.
-bool DeleteFolderTree(const VUnicodeString& folder) {
-    WIN32_FIND_DATAW found;
-    const VUnicodeString pattern = JoinPath(folder, VUnicodeString(L"*"));
-    const FindHandle search(
-        FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &found, FindExSearchNameMatch, nullptr, 0));
-    if (search) {
-        bool removed = true;
-        do {
-            const VUnicodeString name(found.cFileName);
-            if (name == L"." || name == L"..") continue;
-            removed = DeleteFolderEntry(JoinPath(folder, name), found.dwFileAttributes);
-        } while (removed && FindNextFileW(search.Get(), &found));
-        if (!removed) return false;
-    }
-    return RemoveDirectoryW(folder.c_str()) != 0;
-}
-
 // Removes what exists of one key's folder and values file. False with the
 // last error set on a failure; removedAny tells whether anything was there.
 bool DeleteKeyFiles(const VUnicodeString& folder, bool& removedAny) {
@@ -138,7 +109,7 @@ bool DeleteKeyFiles(const VUnicodeString& folder, bool& removedAny) {
         const DWORD attributes = GetFileAttributesW(path.c_str());
         if (attributes == INVALID_FILE_ATTRIBUTES) continue;
         removedAny = true;
-        if (!DeleteFolderEntry(path, attributes)) return false;
+        if (!DeleteTree(path)) return false;
     }
     return true;
 }
@@ -398,8 +369,13 @@ bool VIniFileKey::Save() {
         if (mainFile.IsOpen()) return Fail(failure);
     }
     const bool privateWanted = !privateFolderPath_.IsEmpty() && table_->NeedsPrivateFile();
-    if (privateWanted && !OpenForSaving(privateFile, ValuesFilePath(privateFolderPath_)) && privateFile.IsOpen())
-        return Fail(GetLastError());
+    if (privateWanted && !OpenForSaving(privateFile, ValuesFilePath(privateFolderPath_)) && privateFile.IsOpen()) {
+        // Open but not locked or not cut. The main file is cut already and
+        // must be written: the private values go there, as when the private
+        // file cannot be opened at all, and the save reports the failure.
+        failure = GetLastError();
+        privateFile.Close();
+    }
     if (!mainFile.IsOpen() && !privateFile.IsOpen()) return Fail(failure);
 
     bool written = true;

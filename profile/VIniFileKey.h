@@ -96,11 +96,12 @@ public:
     std::unique_ptr<VProfilePrivateKeyIterator> CreatePrivateKeyIterator(bool values) override;
 
     // Writes the table to the values files when it was changed since it was
-    // read: private values to the private file, the others to the main file;
-    // D, S and B entries first, then Z entries. False (with the error
-    // recorded) for a read-only key, or when a file that has values to take
-    // could not be opened, locked or written; the table then stays changed,
-    // so a later save tries again.
+    // read: private values to the private file (to the main file when that
+    // one cannot be opened), the others to the main file; D, S and B entries
+    // first, then Z entries. False (with the error recorded) for a read-only
+    // key, or when the main file cannot be opened, locked or written, or the
+    // private file cannot be locked or written; the table then stays
+    // changed, so a later save tries again.
     bool Save();
 
     const VUnicodeString& GetFolderPath() const { return folderPath_; }
