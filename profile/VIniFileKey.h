@@ -90,7 +90,9 @@ public:
     // the subkey does not exist. With create on a key that is not read-only,
     // the subkey's folder and private folder are made with their missing
     // parents; a failure there is recorded in the new key's error record and
-    // the key is still returned. The subkey inherits the read-only flag.
+    // the key is still returned. A read-only key creates nothing: it opens
+    // what exists, as without create. The subkey inherits the read-only flag
+    // and is given security (null: none) for what it creates later.
     std::unique_ptr<VProfilePrivateKey> OpenKey(const VUnicodeString& name, bool create,
                                                 const VSecurityDescriptor* security) override;
     std::unique_ptr<VProfilePrivateKeyIterator> CreatePrivateKeyIterator(bool values) override;
