@@ -33,3 +33,19 @@ bool VProfileCapiString::WriteValue(VProfileKey& key, const VUnicodeString& name
     if (!CapiForm::Encode(value, sealed, name, key.GetLastErrorParams())) return false;
     return VProfileSz::WriteValue(key, name, sealed);
 }
+
+bool VProfileCapiString::GetVariant(VARIANT& variant, VReportMessageParams& report) const {
+    VUnicodeString sealed;
+    return CapiForm::Encode(Get(), sealed, GetName(), report) &&
+           StoredToVariant(sealed, variant, report);
+}
+
+bool VProfileCapiString::SetVariant(const VARIANT& variant, VReportMessageParams& report) {
+    VUnicodeString sealed;
+    VUnicodeString plain(Str::Sensitive);
+    if (!StoredFromVariant(variant, sealed, report) ||
+        !CapiForm::Decode(sealed, plain, GetName(), report))
+        return false;
+    Set(plain);
+    return true;
+}

@@ -1,6 +1,7 @@
 // VProfileCapiString: a typed text value kept in a string value in the
 // "CAPI:" form, readable only by the same user on the same computer. In
-// memory it holds the plain text, in sensitive strings.
+// memory it holds the plain text, in sensitive strings; whatever leaves it
+// (the store, variants, serialisation sinks) carries the sealed form.
 #pragma once
 
 #include "VProfile2.h"
@@ -21,4 +22,10 @@ public:
     // nothing is written and the key's record gets CONFIG_PROTECT_FAILED.
     bool WriteValue(VProfileKey& key, const VUnicodeString& name,
                     const VUnicodeString& value) override;
+
+    // Slots 10 and 14 (and so 11 and 15, which go through them) exchange
+    // the sealed text as a BSTR, opening what comes in; they fail as slots
+    // 22 and 21 do, and a failed SetVariant leaves the value unchanged.
+    bool GetVariant(VARIANT& variant, VReportMessageParams& report) const override;
+    bool SetVariant(const VARIANT& variant, VReportMessageParams& report) override;
 };

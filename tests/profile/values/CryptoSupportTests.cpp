@@ -13,6 +13,7 @@
 
 #include "CryptoTestVectors.h"
 #include "HexDigits.h"
+#include "RegistrySandbox.h"
 #include "Utf8Text.h"
 #include "VBasicBuffer.h"
 #include "VCapiRandomSource.h"
@@ -75,6 +76,26 @@ TEST(CapiRandomSourceTest, AcquiresTheProviderAndGivesFreshBytes) {
     EXPECT_GT(std::count_if(seen.begin(), seen.end(), [](int n) { return n > 0; }), 240);
     EXPECT_LT(*std::max_element(seen.begin(), seen.end()), 45);  // about 16 expected
     EXPECT_TRUE(source->Fill(first.data(), 0));
+}
+
+TEST(CapiRandomSourceTest, WithoutAProviderEveryFillFailsWithTheAcquisitionError) {
+    // With an empty HKEY_LOCAL_MACHINE the system finds no provider type.
+    RegistrySandbox sandbox;
+    DWORD acquireError;
+    VRefPtr<VCapiRandomSource> source;
+    {
+        PredefinedKeyRedirect emptyMachine(HKEY_LOCAL_MACHINE, sandbox, L"Machine");
+        source = VRefPtr<VCapiRandomSource>::Adopt(new VCapiRandomSource());
+        acquireError = source->GetAcquireError();
+    }
+    ASSERT_NE(acquireError, static_cast<DWORD>(ERROR_SUCCESS));
+    uint8_t bytes[16] = {};
+    SetLastError(ERROR_SUCCESS);
+    EXPECT_FALSE(source->Fill(bytes, sizeof bytes));
+    EXPECT_EQ(GetLastError(), acquireError);
+    SetLastError(ERROR_SUCCESS);
+    EXPECT_FALSE(source->FillDirect(bytes, sizeof bytes));
+    EXPECT_EQ(GetLastError(), acquireError);
 }
 
 TEST(CapiRandomSourceTest, TheDefaultSourceIsOneSharedWorkingSource) {

@@ -1,0 +1,209 @@
+// The typed protected values against real INI-file keys: what reaches the
+// file, the save-once rule, defaults, former names, the pass-phrase provider
+// of the current and saved states, and that a text which cannot be opened
+// survives loading and saving.
+
+#include <gtest/gtest.h>
+
+#include "ConfigMessages.h"
+#include "IniTestStore.h"
+#include "VBlowfishString.h"
+#include "VProfileCapiString.h"
+#include "VProfileEncryptedString.h"
+#include "VVariant.h"
+
+namespace {
+
+const wchar_t ValueName[] = L"Firewall Password V2";
+
+class ProtectedValueTest : public ::testing::Test {
+protected:
+    VRefPtr<IPassphraseProvider> Provider(const wchar_t* passphrase) {
+        return VRefPtr<IPassphraseProvider>::Adopt(
+            new VFixedPassphraseProvider(VUnicodeString(passphrase)));
+    }
+
+    VUnicodeString Stored(const wchar_t* name) {
+        VUnicodeString text;
+        EXPECT_TRUE(store_.OpenKey()->GetString(name, text))
+            << VString(VUnicodeString(name)).c_str();
+        return text;
+    }
+
+    VUnicodeString PlainOf(const VProfileEncryptedString& value) {
+        VUnicodeString plain;
+        VReportMessageParams report;
+        EXPECT_TRUE(value.GetPlainText(plain, report)) << std::hex << report.GetMessageCode();
+        return plain;
+    }
+
+    IniTestStore store_;
+    VRefPtr<IPassphraseProvider> phrase_ = Provider(L"config phrase");
+};
+
+}  // namespace
+
+TEST_F(ProtectedValueTest, ASealedValueIsSavedOnceAndLoadsBack) {
+    VProfileEncryptedString value(ValueName, phrase_.Get());
+    VReportMessageParams report;
+    ASSERT_TRUE(value.SetPlainText(L"hunter2", report));
+    EXPECT_TRUE(value.IsChanged());
+    {
+        auto key = store_.OpenKey();
+        ASSERT_TRUE(value.Save(*key, false));
+        EXPECT_TRUE(key->WasWritten());
+        key->ClearWritten();
+        EXPECT_TRUE(value.Save(*key, false));
+        EXPECT_FALSE(key->WasWritten()) << "an unchanged value writes nothing";
+    }
+    EXPECT_TRUE(Stored(ValueName).StartsWith(L"02:"));
+    EXPECT_EQ(store_.ValuesFile().find("hunter2"), std::string::npos);
+
+    VProfileEncryptedString loaded(ValueName, phrase_.Get());
+    auto key = store_.OpenKey();
+    ASSERT_TRUE(loaded.LoadEncrypted(*key));
+    EXPECT_EQ(loaded.Get(), value.Get());
+    EXPECT_FALSE(loaded.IsChanged());
+    EXPECT_FALSE(loaded.IsModified());
+    EXPECT_EQ(PlainOf(loaded), L"hunter2");
+}
+
+TEST_F(ProtectedValueTest, AnAbsentValueTakesTheDefaultAndIsWrittenByTheNextSave) {
+    VProfileEncryptedString value(L"Unused", phrase_.Get());
+    auto key = store_.OpenKey();
+    EXPECT_FALSE(value.LoadEncrypted(*key));
+    EXPECT_FALSE(value.LoadWithDefault(*key, L"Config Passphrase", VUnicodeString()));
+    EXPECT_EQ(value.GetName(), L"Config Passphrase");
+    EXPECT_TRUE(value.Get().IsEmpty());
+    EXPECT_TRUE(value.IsModified());
+    EXPECT_TRUE(PlainOf(value).IsEmpty());
+    ASSERT_TRUE(value.Save(*key, false));
+    EXPECT_TRUE(key->WasWritten());
+    EXPECT_FALSE(value.IsModified());
+}
+
+TEST_F(ProtectedValueTest, ATextThatCannotBeOpenedIsKeptAsItIs) {
+    VProfileEncryptedString sealer(ValueName, phrase_.Get());
+    VReportMessageParams report;
+    ASSERT_TRUE(sealer.SetPlainText(L"hunter2", report));
+    ASSERT_TRUE(sealer.Save(*store_.OpenKey(), false));
+    const VUnicodeString stored = Stored(ValueName);
+
+    // Started without the pass phrase: the value loads, does not open, and a
+    // save (even a forced one) writes back exactly what was there.
+    VProfileEncryptedString value(ValueName);
+    {
+        auto key = store_.OpenKey();
+        ASSERT_TRUE(value.LoadOrDefault(*key, VUnicodeString()));
+        VUnicodeString plain(L"unchanged");
+        EXPECT_FALSE(value.GetPlainText(plain, report));
+        EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_PASSPHRASE_UNUSABLE));
+        EXPECT_EQ(plain, L"unchanged");
+        EXPECT_TRUE(value.Save(*key, true));
+    }
+    EXPECT_EQ(Stored(ValueName), stored);
+    // Given the pass phrase later, the same value opens.
+    value.SetPassphraseProvider(phrase_.Get());
+    EXPECT_EQ(PlainOf(value), L"hunter2");
+}
+
+TEST_F(ProtectedValueTest, TheProviderIsSetForTheCurrentAndTheSavedState) {
+    VProfileEncryptedString value(ValueName);
+    EXPECT_EQ(value.GetPassphraseProvider(), nullptr);
+    value.SetPassphraseProvider(phrase_.Get());
+    EXPECT_EQ(value.Get().GetPassphraseProvider(), phrase_.Get());
+    EXPECT_EQ(value.GetSaved().GetPassphraseProvider(), phrase_.Get());
+
+    VReportMessageParams report;
+    ASSERT_TRUE(value.SetPlainText(L"edited", report));
+    VRefPtr<IPassphraseProvider> other = Provider(L"other phrase");
+    value.SetPassphraseProvider(other.Get());
+    EXPECT_TRUE(value.IsChanged()) << "changing the provider keeps the edit";
+    value.Revert();
+    EXPECT_EQ(value.GetPassphraseProvider(), other.Get())
+        << "the saved state has the new provider too";
+    EXPECT_TRUE(value.Get().IsEmpty());
+}
+
+TEST_F(ProtectedValueTest, AnOlderPasswordMovesToItsNewNameSealedAnew) {
+    // An old profile holds the password in the older fixed-key form.
+    store_.OpenKey()->SetString(L"Firewall Password", VBlowfishString::Encode(L"old secret"));
+
+    VProfileEncryptedString value(ValueName, phrase_.Get());
+    {
+        auto key = store_.OpenKey();
+        ASSERT_TRUE(value.LoadWithFormerName(*key, L"Firewall Password", VEncryptedString()));
+        EXPECT_TRUE(value.IsModified());
+        const VUnicodeString plain = PlainOf(value);
+        EXPECT_EQ(plain, L"old secret");
+        VReportMessageParams report;
+        ASSERT_TRUE(value.SetPlainText(plain, report));
+        ASSERT_TRUE(value.Save(*key, false));
+    }
+    EXPECT_TRUE(Stored(ValueName).StartsWith(L"02:"));
+    EXPECT_TRUE(Stored(L"Firewall Password").IsEmpty()) << "the former name is blanked";
+    VProfileEncryptedString reloaded(ValueName, phrase_.Get());
+    ASSERT_TRUE(reloaded.LoadEncrypted(*store_.OpenKey()));
+    EXPECT_EQ(PlainOf(reloaded), L"old secret");
+}
+
+TEST_F(ProtectedValueTest, VariantsCarryTheProtectedTextNeverThePlainText) {
+    VProfileEncryptedString value(ValueName, phrase_.Get());
+    VReportMessageParams report;
+    ASSERT_TRUE(value.SetPlainText(L"hunter2", report));
+    VVariant variant;
+    ASSERT_TRUE(value.GetVariant(variant.Get(), report));
+    ASSERT_EQ(variant.GetType(), VT_BSTR);
+    EXPECT_EQ(VUnicodeString(V_BSTR(&variant.Get())), value.Get().GetProtectedText());
+
+    VProfileEncryptedString copy(ValueName, phrase_.Get());
+    ASSERT_TRUE(copy.SetVariant(variant.Get(), report));
+    EXPECT_EQ(PlainOf(copy), L"hunter2");
+}
+
+TEST_F(ProtectedValueTest, ACapiStringIsStoredProtectedAndHeldInSensitiveStrings) {
+    VProfileCapiString value(L"Proxy Password");
+    value.Set(L"p\x00E4ss");
+    EXPECT_TRUE(value.Get().IsSensitive());
+    ASSERT_TRUE(value.Save(*store_.OpenKey(), false));
+    const VUnicodeString stored = Stored(L"Proxy Password");
+    EXPECT_TRUE(stored.StartsWith(L"CAPI:"));
+
+    VProfileCapiString loaded(L"Proxy Password");
+    ASSERT_TRUE(loaded.Load(*store_.OpenKey()));
+    EXPECT_EQ(loaded.Get(), L"p\x00E4ss");
+    EXPECT_TRUE(loaded.Get().IsSensitive());
+    EXPECT_FALSE(loaded.IsChanged());
+
+    // Variants carry the sealed text too, and are opened when they come in.
+    VVariant variant;
+    VReportMessageParams report;
+    ASSERT_TRUE(loaded.GetVariant(variant.Get(), report));
+    ASSERT_EQ(variant.GetType(), VT_BSTR);
+    EXPECT_TRUE(VUnicodeString(V_BSTR(&variant.Get())).StartsWith(L"CAPI:"));
+    VProfileCapiString other(L"Proxy Password");
+    ASSERT_TRUE(other.SetVariant(variant.Get(), report));
+    EXPECT_EQ(other.Get(), L"p\x00E4ss");
+
+    // An empty text is stored as an empty string.
+    loaded.Set(VUnicodeString());
+    ASSERT_TRUE(loaded.Save(*store_.OpenKey(), false));
+    EXPECT_TRUE(Stored(L"Proxy Password").IsEmpty());
+}
+
+TEST_F(ProtectedValueTest, ADamagedCapiStringReadsAsEmptyAndStaysInTheStore) {
+    store_.OpenKey()->SetString(L"Proxy Password", L"CAPI:0102030");
+    VProfileCapiString value(L"Proxy Password", L"default");
+    {
+        auto key = store_.OpenKey();
+        EXPECT_FALSE(value.Load(*key));
+        EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(),
+                  static_cast<DWORD>(CONFIG_PROTECTED_TEXT_DAMAGED));
+        ASSERT_EQ(key->GetLastErrorParams().GetArguments().GetCount(), 1u);
+        EXPECT_EQ(key->GetLastErrorParams().GetArguments()[0], L"Proxy Password");
+        EXPECT_EQ(value.Get(), L"default") << "the load is refused, so the value keeps what it had";
+        EXPECT_TRUE(value.Save(*key, false));
+    }
+    EXPECT_EQ(Stored(L"Proxy Password"), L"CAPI:0102030")
+        << "an unchanged value does not overwrite it";
+}
