@@ -30,9 +30,10 @@ enum VProfileValueKind : uint32_t {
     ProfileBinary = 2,       // bytes with a 32-bit length
     ProfileMultiString = 3,  // ordered list of wide strings
     ProfileSubkey = 4,       // iterators only; any code of 4 and above names a subkey
+    ProfileNoKind = 0xFFFFFFFF,  // iterators only: a value of a type no kind stands for
 };
 
-inline bool IsSubkeyKind(uint32_t kind) { return kind >= ProfileSubkey; }
+inline bool IsSubkeyKind(uint32_t kind) { return kind >= ProfileSubkey && kind != ProfileNoKind; }
 
 class VProfilePrivateKeyIterator {
 public:

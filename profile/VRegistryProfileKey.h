@@ -16,7 +16,7 @@ class VRegistryProfileKey final : public VProfilePrivateKey {
 public:
     // The kind code with which the value iterator lists a value whose registry
     // type has no kind of its own (REG_EXPAND_SZ, REG_QWORD, ...): -1 as 32 bits.
-    static constexpr uint32_t NoKind = 0xFFFFFFFF;
+    static constexpr uint32_t NoKind = ProfileNoKind;
 
     // Opens path under parent (a hive or an open key). Unless readOnly, the key
     // is opened with read and write access, and created (with its missing
