@@ -17,11 +17,6 @@ namespace {
 constexpr DWORD ReadWrite = GENERIC_READ | GENERIC_WRITE;
 constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-bool IsFolder(const VUnicodeString& path) {
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
-}
-
 // The rights that the access list of path grants the user (allow entries
 // naming the user's SID; the tests' descriptors deny nothing). Windows keeps
 // the descriptor given at creation; Wine turns it into the file's Unix mode
@@ -80,44 +75,36 @@ protected:
     TempFolder folder_;
 };
 
-TEST_F(FileTest, OpenFailureLeavesTheFileClosedWithTheSystemError) {
+TEST_F(FileTest, OpenPassesTheShareModeAndAFailureLeavesTheFileClosed) {
     VFile file;
     const VUnicodeString missing = folder_ / L"missing.ini";
     EXPECT_FALSE(file.Open(missing, GENERIC_READ, OPEN_EXISTING));
-    EXPECT_EQ(ERROR_FILE_NOT_FOUND, GetLastError());
+    EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), GetLastError());
     EXPECT_FALSE(file.IsOpen());
     EXPECT_EQ(missing, file.GetFileName());
 
-    EXPECT_FALSE(file.Open(folder_ / L"no\\such\\folder.ini", GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS));
-    EXPECT_EQ(ERROR_PATH_NOT_FOUND, GetLastError());
-}
-
-TEST_F(FileTest, ShareModeDecidesWhetherASecondOpenIsAdmitted) {
     const VUnicodeString name = folder_ / L"shared.ini";
-    VFile first;
-    first.SetShareMode(0);
-    ASSERT_TRUE(first.Open(name, ReadWrite, CREATE_ALWAYS));
+    file.SetShareMode(0);
+    ASSERT_TRUE(file.Open(name, ReadWrite, CREATE_ALWAYS));
     VFile second;
     second.SetShareMode(ShareAll);
     EXPECT_FALSE(second.Open(name, GENERIC_READ, OPEN_EXISTING));
-    EXPECT_EQ(ERROR_SHARING_VIOLATION, GetLastError());
-
-    first.SetShareMode(ShareAll);
-    ASSERT_TRUE(first.Open(name, ReadWrite, OPEN_EXISTING));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_SHARING_VIOLATION), GetLastError());
+    file.SetShareMode(ShareAll);
+    ASSERT_TRUE(file.Open(name, ReadWrite, OPEN_EXISTING)) << "closes the file held before";
     EXPECT_TRUE(second.Open(name, ReadWrite, OPEN_EXISTING));
-    // Delete sharing lets the file be deleted while both hold it open.
-    EXPECT_TRUE(DeleteFileW(name.c_str()));
+
+    SetLastError(ERROR_LOCK_VIOLATION);
+    file.Close();
+    EXPECT_EQ(static_cast<DWORD>(ERROR_LOCK_VIOLATION), GetLastError()) << "closing keeps the last error";
 }
 
 TEST_F(FileTest, SeekTruncateAndRawInputOutput) {
     VFile file;
     ASSERT_TRUE(file.Open(folder_ / L"data.bin", ReadWrite, CREATE_NEW));
     ASSERT_TRUE(file.WriteBytes("0123456789", 10));
-    uint64_t size = 0;
-    ASSERT_TRUE(file.GetSize(size));
-    EXPECT_EQ(10u, size);
-
     ASSERT_TRUE(file.Truncate(4));
+    uint64_t size = 0;
     ASSERT_TRUE(file.GetSize(size));
     EXPECT_EQ(4u, size);
     uint64_t position = 99;
@@ -132,18 +119,6 @@ TEST_F(FileTest, SeekTruncateAndRawInputOutput) {
     EXPECT_EQ("123", std::string(buffer, got));
     ASSERT_TRUE(file.ReadBytes(buffer, sizeof buffer, got));
     EXPECT_EQ(0u, got) << "the end of the file reads as no bytes";
-
-    EXPECT_FALSE(file.Seek(-10, FILE_BEGIN));
-    EXPECT_EQ(ERROR_NEGATIVE_SEEK, GetLastError());
-}
-
-TEST_F(FileTest, ClosingKeepsTheLastError) {
-    VFile file;
-    ASSERT_TRUE(file.Open(folder_ / L"close.bin", ReadWrite, CREATE_NEW));
-    SetLastError(ERROR_LOCK_VIOLATION);
-    file.Close();
-    EXPECT_FALSE(file.IsOpen());
-    EXPECT_EQ(ERROR_LOCK_VIOLATION, GetLastError());
 }
 
 TEST_F(FileTest, TemporaryNamesCountInUpperCaseHexadecimal) {
@@ -160,57 +135,42 @@ TEST_F(FileTest, TemporaryNamesCountInUpperCaseHexadecimal) {
     ASSERT_TRUE(again.OpenUniqueTemporary(prefix));
     EXPECT_EQ(prefix + L"3.tmp", again.GetFileName());
     EXPECT_TRUE(again.WriteBytes("x", 1)) << "opened for writing";
+
+    // Any error but an existing name ends the attempt at once.
+    EXPECT_FALSE(again.OpenUniqueTemporary(folder_ / L"absent\\ini"));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_PATH_NOT_FOUND), GetLastError());
+    EXPECT_FALSE(again.IsOpen());
 }
 
-TEST_F(FileTest, TemporaryNamesStopAtAnyErrorButAnExistingFile) {
-    VFile file;
-    EXPECT_FALSE(file.OpenUniqueTemporary(folder_ / L"absent\\ini"));
-    EXPECT_EQ(ERROR_PATH_NOT_FOUND, GetLastError());
-    EXPECT_FALSE(file.IsOpen());
-    EXPECT_FALSE(file.OpenUniqueTemporary(folder_ / L"wild*card"));
-    EXPECT_EQ(ERROR_INVALID_NAME, GetLastError());
-}
+TEST_F(FileTest, FolderChainCreatesEveryMissingParentAndRefusesAFileInTheWay) {
+    for (const wchar_t* path : {L"a\\b/c\\d", L"a\\b/c\\d", L"a\\b\\", L"x\\y\\\\"}) {
+        EXPECT_TRUE(CreateFolderChain(folder_ / path)) << path;
+    }
+    for (const wchar_t* made : {L"a\\b\\c\\d", L"x\\y"})
+        EXPECT_TRUE(GetFileAttributesW((folder_ / made).c_str()) & FILE_ATTRIBUTE_DIRECTORY) << made;
+    EXPECT_TRUE(CreateFolderChain(VUnicodeString(L"C:\\"))) << "a root is never created";
 
-TEST_F(FileTest, FolderChainCreatesEveryMissingParent) {
-    const VUnicodeString deep = folder_ / L"a\\b/c\\d";
-    ASSERT_TRUE(CreateFolderChain(deep));
-    EXPECT_TRUE(IsFolder(folder_ / L"a\\b\\c\\d"));
-    EXPECT_TRUE(CreateFolderChain(deep)) << "an existing folder is no error";
-    EXPECT_TRUE(CreateFolderChain(folder_ / L"a\\b\\"));
-    EXPECT_TRUE(CreateFolderChain(folder_ / L"x\\y\\\\"));
-    EXPECT_TRUE(IsFolder(folder_ / L"x\\y"));
-    EXPECT_TRUE(CreateFolderChain(VUnicodeString(L"C:\\")));
-}
-
-TEST_F(FileTest, FolderChainRefusesAFileInTheWay) {
     ASSERT_TRUE(WriteWholeFile(folder_ / L"plain", "x"));
     EXPECT_FALSE(CreateFolderChain(folder_ / L"plain"));
-    EXPECT_EQ(ERROR_ALREADY_EXISTS, GetLastError());
+    EXPECT_EQ(static_cast<DWORD>(ERROR_ALREADY_EXISTS), GetLastError());
     EXPECT_FALSE(CreateFolderChain(folder_ / L"plain\\below"));
-    EXPECT_NE(static_cast<DWORD>(ERROR_SUCCESS), GetLastError());
     EXPECT_EQ("x", ReadWholeFile(folder_ / L"plain")) << "the file is left as it was";
-    EXPECT_FALSE(CreateFolderChain(VUnicodeString(L"Q:\\no\\such\\drive")));
 }
 
-TEST_F(FileTest, FolderChainAppliesTheDescriptorToWhatItCreates) {
+// The folders a chain creates and the file Open creates get the descriptor;
+// what existed before, or is made without one, keeps the default.
+TEST_F(FileTest, CreationAppliesTheHeldDescriptor) {
     VUnicodeString user;
     ASSERT_TRUE(GetCurrentUserSidString(user));
     VSecurityDescriptor readOnly;
     ASSERT_TRUE(readOnly.FromText({VUnicodeString(L"allow,0x001200a9,") + user}));
     ASSERT_TRUE(CreateFolderChain(folder_ / L"open"));
     ASSERT_TRUE(CreateFolderChain(folder_ / L"open\\closed\\inner", &readOnly));
-
-    EXPECT_TRUE(UserRights(folder_ / L"open", user) & FILE_ADD_FILE) << "made before, without the descriptor";
+    EXPECT_TRUE(UserRights(folder_ / L"open", user) & FILE_ADD_FILE);
     EXPECT_FALSE(UserRights(folder_ / L"open\\closed", user) & FILE_ADD_FILE);
     EXPECT_TRUE(UserRights(folder_ / L"open\\closed", user) & FILE_LIST_DIRECTORY);
     EXPECT_FALSE(UserRights(folder_ / L"open\\closed\\inner", user) & FILE_ADD_FILE);
-}
 
-TEST_F(FileTest, OpenAppliesTheHeldDescriptorWhenItCreatesTheFile) {
-    VUnicodeString user;
-    ASSERT_TRUE(GetCurrentUserSidString(user));
-    VSecurityDescriptor readOnly;
-    ASSERT_TRUE(readOnly.FromText({VUnicodeString(L"allow,0x00120089,") + user}));
     VFile file;
     file.SetSecurityDescriptor(&readOnly);
     readOnly.Clear();  // the file keeps its own copy
@@ -218,55 +178,44 @@ TEST_F(FileTest, OpenAppliesTheHeldDescriptorWhenItCreatesTheFile) {
     EXPECT_TRUE(file.WriteBytes("x", 1)) << "the creating handle has the access it asked for";
     EXPECT_FALSE(UserRights(folder_ / L"secure.ini", user) & FILE_WRITE_DATA);
     EXPECT_TRUE(UserRights(folder_ / L"secure.ini", user) & FILE_READ_DATA);
-
     file.SetSecurityDescriptor(nullptr);
     ASSERT_TRUE(file.Open(folder_ / L"plain.ini", ReadWrite, CREATE_NEW));
     EXPECT_TRUE(UserRights(folder_ / L"plain.ini", user) & FILE_WRITE_DATA);
 }
 
-// A file held open with every kind of sharing, as the file store holds it.
-class FileLockTest : public FileTest {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(WriteWholeFile(name_, "header and more"));
-        file_.SetShareMode(ShareAll);
-        ASSERT_TRUE(file_.Open(name_, ReadWrite, OPEN_EXISTING));
+// Locks taken through VFile, as another process sees them: 0 granted, 1 refused.
+TEST_F(FileTest, LocksAreSeenByAnotherProcess) {
+    const VUnicodeString name = folder_ / L"locked.ini";
+    ASSERT_TRUE(WriteWholeFile(name, "header and more"));
+    VFile file;
+    file.SetShareMode(ShareAll);  // as the file store holds it
+    ASSERT_TRUE(file.Open(name, ReadWrite, OPEN_EXISTING));
+
+    constexpr uint64_t Distant = 0x100000000ull;  // the high halves must be kept
+    const struct {
+        uint64_t offset, length;
+        bool exclusive;
+        struct Probe {
+            uint64_t offset, length;
+            bool exclusive;
+            int expected;
+        } probes[3];
+    } cases[] = {
+        {0, 4, false, {{0, 4, false, 0}, {0, 4, true, 1}, {4, 4, true, 0}}},
+        {0, 4, true, {{0, 4, false, 1}, {2, 1, true, 1}, {4, 4, true, 0}}},
+        {Distant, 4, true, {{Distant, 4, false, 1}, {0, 4, true, 0}, {Distant + 4, 1, true, 0}}},
+        {0, Distant + 8, true, {{Distant + 4, 2, false, 1}, {0, 1, false, 1}, {Distant + 8, 1, true, 0}}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(::testing::Message() << "held " << c.offset << "+" << c.length << (c.exclusive ? " exclusive" : " shared"));
+        ASSERT_TRUE(file.Lock(c.offset, c.length, c.exclusive));
+        for (const auto& probe : c.probes)
+            EXPECT_EQ(probe.expected, ProbeLock(name, probe.offset, probe.length, probe.exclusive))
+                << "probe " << probe.offset << "+" << probe.length;
+        ASSERT_TRUE(file.Unlock(c.offset, c.length));
+        EXPECT_EQ(0, ProbeLock(name, c.offset, c.length, true)) << "released";
     }
-
-    const VUnicodeString name_ = folder_ / L"locked.ini";
-    VFile file_;
-};
-
-TEST_F(FileLockTest, ASharedLockAdmitsOtherReadersButNoWriter) {
-    ASSERT_TRUE(file_.Lock(0, 4, false));
-    EXPECT_EQ(0, ProbeLock(name_, 0, 4, false));
-    EXPECT_EQ(1, ProbeLock(name_, 0, 4, true));
-    EXPECT_EQ(0, ProbeLock(name_, 4, 4, true)) << "the bytes after the range are free";
-    ASSERT_TRUE(file_.Unlock(0, 4));
-    EXPECT_EQ(0, ProbeLock(name_, 0, 4, true));
-}
-
-TEST_F(FileLockTest, AnExclusiveLockAdmitsNobody) {
-    ASSERT_TRUE(file_.Lock(0, 4, true));
-    EXPECT_EQ(1, ProbeLock(name_, 0, 4, false));
-    EXPECT_EQ(1, ProbeLock(name_, 2, 1, true));
-    ASSERT_TRUE(file_.Unlock(0, 4));
-    EXPECT_EQ(0, ProbeLock(name_, 0, 4, false));
-
-    // Windows answers ERROR_NOT_LOCKED, Wine ERROR_LOCK_VIOLATION.
-    EXPECT_FALSE(file_.Unlock(0, 4)) << "nothing is locked any more";
-}
-
-TEST_F(FileLockTest, LockOffsetsAndLengthsUseAll64Bits) {
-    const uint64_t distant = 0x100000000ull;
-    ASSERT_TRUE(file_.Lock(distant, 4, true));
-    EXPECT_EQ(1, ProbeLock(name_, distant, 4, false));
-    EXPECT_EQ(0, ProbeLock(name_, 0, 4, true)) << "the high half of the offset was kept";
-    ASSERT_TRUE(file_.Unlock(distant, 4));
-
-    ASSERT_TRUE(file_.Lock(0, distant + 8, true));
-    EXPECT_EQ(1, ProbeLock(name_, distant + 4, 2, false)) << "the high half of the length was kept";
-    ASSERT_TRUE(file_.Unlock(0, distant + 8));
+    EXPECT_FALSE(file.Unlock(0, 4)) << "nothing is locked any more";
 }
 
 }  // namespace

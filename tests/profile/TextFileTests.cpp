@@ -14,10 +14,21 @@
 
 namespace {
 
+using Lines = std::vector<std::wstring>;
 constexpr DWORD ReadWrite = GENERIC_READ | GENERIC_WRITE;
+constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr size_t Block = VTextFile::BlockSize;
+const std::string Utf8Mark = "\xEF\xBB\xBF";
 
-std::vector<std::wstring> Lines(std::initializer_list<const wchar_t*> lines) { return {lines.begin(), lines.end()}; }
+std::wstring Widen(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
+
+// 8-bit text as the system's own converter reads it in the ANSI code page.
+std::wstring Ansi(const std::string& bytes) {
+    std::wstring text(bytes.size(), L'\0');
+    text.resize(MultiByteToWideChar(CP_ACP, 0, bytes.data(), static_cast<int>(bytes.size()), text.data(),
+                                    static_cast<int>(text.size())));
+    return text;
+}
 
 class TextFileTest : public ::testing::Test {
 protected:
@@ -29,12 +40,12 @@ protected:
 
     // Every line of a file with the given bytes; error receives the last
     // error of the read that ended it.
-    std::vector<std::wstring> ReadAll(const std::string& bytes, VTextEncoding* encoding = nullptr,
-                                      DWORD* error = nullptr, bool blockLocking = true) {
+    Lines ReadAll(const std::string& bytes, VTextEncoding* encoding = nullptr, DWORD* error = nullptr,
+                  bool blockLocking = true) {
         VTextFile file;
         file.SetBlockLocking(blockLocking);
         EXPECT_TRUE(file.Open(Make(bytes), GENERIC_READ, OPEN_EXISTING));
-        std::vector<std::wstring> lines;
+        Lines lines;
         VUnicodeString line;
         while (file.ReadLine(line)) lines.emplace_back(line.c_str(), line.GetLength());
         if (error) *error = GetLastError();
@@ -42,7 +53,7 @@ protected:
         return lines;
     }
 
-    // The bytes that writing text in encoding produces after a truncation.
+    // The bytes that writing text in encoding produces.
     std::string Written(VTextEncoding encoding, const std::wstring& text, bool* ok = nullptr) {
         const VUnicodeString name = folder_ / (L"w" + std::to_wstring(count_++) + L".txt").c_str();
         {
@@ -59,41 +70,49 @@ protected:
     int count_ = 0;
 };
 
-TEST_F(TextFileTest, TheMarkDecidesTheEncodingAndIsNotPartOfTheFirstLine) {
-    VTextEncoding encoding;
-    EXPECT_EQ(Lines({L"a\u00e9", L"b"}), ReadAll("\xEF\xBB\xBF" "a\xC3\xA9\r\nb", &encoding));
-    EXPECT_EQ(TextEncodingUtf8, encoding);
-    EXPECT_EQ(Lines({L"a\u00e9", L"b"}), ReadAll(std::string("\xFF\xFE" "a\0\xE9\0\n\0b\0", 10), &encoding));
-    EXPECT_EQ(TextEncodingUtf16LE, encoding);
-    EXPECT_EQ(Lines({L"a\u00e9", L"b"}), ReadAll(std::string("\xFE\xFF\0a\0\xE9\0\r\0b", 10), &encoding));
-    EXPECT_EQ(TextEncodingUtf16BE, encoding);
-    EXPECT_EQ(Lines({L"abc"}), ReadAll("abc", &encoding));
-    EXPECT_EQ(TextEncodingAnsi, encoding);
-}
-
-TEST_F(TextFileTest, HalfAMarkIsAnsiTextFromTheFirstByte) {
-    VTextEncoding encoding;
-    const std::vector<std::wstring> lines = ReadAll("\xEF\xBBx", &encoding);
-    EXPECT_EQ(TextEncodingAnsi, encoding);
-    ASSERT_EQ(1u, lines.size());
-    EXPECT_EQ(3u, lines[0].size());
-    EXPECT_EQ(L'x', lines[0][2]);
-}
-
-TEST_F(TextFileTest, AFileOfOnlyAMarkHasNoLines) {
-    VTextEncoding encoding;
-    DWORD error = 0;
-    EXPECT_TRUE(ReadAll("\xFE\xFF", &encoding, &error).empty());
-    EXPECT_EQ(TextEncodingUtf16BE, encoding);
-    EXPECT_EQ(static_cast<DWORD>(ERROR_HANDLE_EOF), error);
-    EXPECT_TRUE(ReadAll("", &encoding, &error).empty());
-    EXPECT_EQ(TextEncodingAnsi, encoding);
-    EXPECT_EQ(static_cast<DWORD>(ERROR_HANDLE_EOF), error);
+// Marks, line ends and untranslatable bytes within one block.
+TEST_F(TextFileTest, ReadsLinesByTheMarkAndStopsAtBadBytes) {
+    constexpr DWORD Eof = ERROR_HANDLE_EOF;
+    constexpr DWORD Bad = ERROR_NO_UNICODE_TRANSLATION;
+    const struct {
+        std::string bytes;
+        Lines lines;
+        VTextEncoding encoding;
+        DWORD error;
+    } cases[] = {
+        {Utf8Mark + "a\xC3\xA9\r\nb", {L"a\u00e9", L"b"}, TextEncodingUtf8, Eof},
+        {std::string("\xFF\xFE" "a\0\xE9\0\n\0b\0", 10), {L"a\u00e9", L"b"}, TextEncodingUtf16LE, Eof},
+        {std::string("\xFE\xFF\0a\0\xE9\0\r\0b", 10), {L"a\u00e9", L"b"}, TextEncodingUtf16BE, Eof},
+        {"abc", {L"abc"}, TextEncodingAnsi, Eof},
+        {"\xEF\xBBx", {Ansi("\xEF\xBBx")}, TextEncodingAnsi, Eof},  // half a mark is text
+        {"\xFE\xFF", {}, TextEncodingUtf16BE, Eof},
+        {"", {}, TextEncodingAnsi, Eof},
+        // Line ends: CR, LF, CR LF; a final end adds no empty line, once.
+        {"a\rb\nc\r\nd\r\r\ne", {L"a", L"b", L"c", L"d", L"", L"e"}, TextEncodingAnsi, Eof},
+        {"\n\r\n\rx\r\n", {L"", L"", L"", L"x"}, TextEncodingAnsi, Eof},
+        {"x\n\n", {L"x", L""}, TextEncodingAnsi, Eof},
+        {"x\n\r", {L"x", L""}, TextEncodingAnsi, Eof},
+        {"one\r\nlast\r", {L"one", L"last"}, TextEncodingAnsi, Eof},
+        // Untranslatable bytes: the part of the line before them is delivered.
+        {Utf8Mark + "ok\r\nab\xFF" "cd\r\nmore", {L"ok", L"ab"}, TextEncodingUtf8, Bad},
+        {Utf8Mark + "s\xED\xA0\x80t", {L"s"}, TextEncodingUtf8, Bad},  // an encoded surrogate
+        {Utf8Mark + "x\ny\xE2\x82", {L"x", L"y"}, TextEncodingUtf8, Bad},  // cut off by the end
+        {Utf8Mark + "x\n\xC0\xAF", {L"x"}, TextEncodingUtf8, Bad},  // an empty partial line is not delivered
+        {std::string("\xFF\xFE" "a\0b\0c", 7), {L"ab"}, TextEncodingUtf16LE, Bad},  // half a unit
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(::testing::PrintToString(c.bytes));
+        VTextEncoding encoding = TextEncodingUnknown;
+        DWORD error = 0;
+        EXPECT_EQ(c.lines, ReadAll(c.bytes, &encoding, &error));
+        EXPECT_EQ(c.encoding, encoding);
+        EXPECT_EQ(c.error, error);
+    }
 }
 
 TEST_F(TextFileTest, AKnownEncodingStillSkipsItsOwnMark) {
     VTextFile file;
-    ASSERT_TRUE(file.Open(Make("\xEF\xBB\xBFtext"), GENERIC_READ, OPEN_EXISTING));
+    ASSERT_TRUE(file.Open(Make(Utf8Mark + "text"), GENERIC_READ, OPEN_EXISTING));
     file.SetEncoding(TextEncodingUtf8);
     VUnicodeString line;
     ASSERT_TRUE(file.ReadLine(line));
@@ -102,15 +121,13 @@ TEST_F(TextFileTest, AKnownEncodingStillSkipsItsOwnMark) {
 
 TEST_F(TextFileTest, LinesKeptByTheCallerAreNotOverwrittenByTheNextRead) {
     VTextFile file;
-    ASSERT_TRUE(file.Open(Make("long first line\nnext\n\nsensitive"), GENERIC_READ, OPEN_EXISTING));
+    ASSERT_TRUE(file.Open(Make("long first line\nnext\nsensitive"), GENERIC_READ, OPEN_EXISTING));
     VUnicodeString line;
     ASSERT_TRUE(file.ReadLine(line));
     const VUnicodeString kept = line;
     ASSERT_TRUE(file.ReadLine(line));
     EXPECT_EQ(VUnicodeString(L"long first line"), kept);
     EXPECT_EQ(VUnicodeString(L"next"), line);
-    ASSERT_TRUE(file.ReadLine(line));
-    EXPECT_TRUE(line.IsEmpty());
 
     VUnicodeString secret(Str::Sensitive);
     ASSERT_TRUE(file.ReadLine(secret));
@@ -118,105 +135,60 @@ TEST_F(TextFileTest, LinesKeptByTheCallerAreNotOverwrittenByTheNextRead) {
     EXPECT_TRUE(secret.IsSensitive()) << "the caller's string keeps its mark";
 }
 
-TEST_F(TextFileTest, LinesEndAtCrAtLfAndAtCrLf) {
-    EXPECT_EQ(Lines({L"a", L"b", L"c", L"d", L"", L"e"}), ReadAll("a\rb\nc\r\nd\r\r\ne"));
-    EXPECT_EQ(Lines({L"", L"", L"", L"x"}), ReadAll("\n\r\n\rx\r\n"));
-    EXPECT_EQ(Lines({L"x", L""}), ReadAll("x\n\n"));
-    EXPECT_EQ(Lines({L"x", L""}), ReadAll("x\n\r"));
-}
-
-TEST_F(TextFileTest, AFinalCarriageReturnEndsTheLastLineOnce) {
-    DWORD error = 0;
-    EXPECT_EQ(Lines({L"one", L"last"}), ReadAll("one\r\nlast\r", nullptr, &error));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_HANDLE_EOF), error);
-    EXPECT_EQ(Lines({L"last"}), ReadAll("last"));
-}
-
-TEST_F(TextFileTest, CrLfSplitByTheBlockEdgeEndsOneLine) {
-    for (bool locking : {true, false}) {
-        const std::string first(Block - 1, 'a');
-        EXPECT_EQ(std::vector<std::wstring>({std::wstring(Block - 1, L'a'), L"b"}),
-                  ReadAll(first + "\r\nb", nullptr, nullptr, locking));
-        // The CR is the last byte of the first block and the file ends there.
-        EXPECT_EQ(std::vector<std::wstring>({std::wstring(Block - 1, L'a')}), ReadAll(first + "\r"));
-        // A line of exactly one block, its LF first in the next.
-        EXPECT_EQ(std::vector<std::wstring>({std::wstring(Block, L'a'), L""}),
-                  ReadAll(std::string(Block, 'a') + "\n\n"));
-    }
-}
-
-TEST_F(TextFileTest, Utf8SequencesSplitByTheBlockEdgeStayWhole) {
-    const std::string mark = "\xEF\xBB\xBF";
-    const std::string grin = "\xF0\x9F\x98\x80";  // U+1F600, a surrogate pair in UTF-16
-    const std::string euro = "\xE2\x82\xAC";
-    for (size_t before = 1; before <= 3; ++before) {
-        const size_t filler = Block - mark.size() - before;
-        const std::vector<std::wstring> lines = ReadAll(mark + std::string(filler, 'x') + grin + euro + "\nz");
-        ASSERT_EQ(2u, lines.size()) << before;
-        EXPECT_EQ(std::wstring(filler, L'x') + L"\U0001F600\u20AC", lines[0]) << before;
-        EXPECT_EQ(L"z", lines[1]);
-    }
-}
-
-TEST_F(TextFileTest, Utf16PairsSplitByTheBlockEdgeStayWhole) {
-    // Mark, then units up to the last one of the block: the pair straddles the edge.
-    std::string bytes = "\xFF\xFE";
+// Line ends, characters and bad bytes that the edge between two blocks splits.
+TEST_F(TextFileTest, BlockEdgesSplitNothing) {
+    const std::string a(Block - 1, 'a');
+    const std::wstring wa(Block - 1, L'a');
+    std::string longLine;
+    for (size_t i = 0; i < 3 * Block + 17; ++i) longLine += static_cast<char>('a' + i % 26);
+    std::string utf16 = "\xFF\xFE";  // up to the last unit of the block, then a pair across the edge
     const size_t units = (Block - 2) / 2 - 1;
-    for (size_t i = 0; i < units; ++i) bytes += std::string("y\0", 2);
-    bytes += std::string("\x3D\xD8\x00\xDE\r\0\n\0", 8);
-    const std::vector<std::wstring> lines = ReadAll(bytes);
-    ASSERT_EQ(1u, lines.size());
-    EXPECT_EQ(std::wstring(units, L'y') + L"\U0001F600", lines[0]);
-}
+    for (size_t i = 0; i < units; ++i) utf16 += std::string("y\0", 2);
+    utf16 += std::string("\x3D\xD8\x00\xDE\r\0\n\0", 8);
+    const std::string q(Block + 100, 'q');
 
-TEST_F(TextFileTest, ALineLongerThanSeveralBlocksIsAssembledWhole) {
-    std::string text;
-    std::wstring expected;
-    for (size_t i = 0; i < 3 * Block + 17; ++i) {
-        text += static_cast<char>('a' + i % 26);
-        expected += static_cast<wchar_t>(L'a' + i % 26);
+    struct Case {
+        const char* what;
+        std::string bytes;
+        Lines lines;
+        DWORD error;
+    };
+    std::vector<Case> cases = {
+        {"CR LF split", a + "\r\nb", {wa, L"b"}, ERROR_HANDLE_EOF},
+        {"CR last byte of the file", a + "\r", {wa}, ERROR_HANDLE_EOF},
+        {"LF first in the next block", std::string(Block, 'a') + "\n\n", {std::wstring(Block, L'a'), L""},
+         ERROR_HANDLE_EOF},
+        {"line of several blocks", "first\n" + longLine + "\r\nlast", {L"first", Widen(longLine), L"last"},
+         ERROR_HANDLE_EOF},
+        {"UTF-16 pair split", utf16, {std::wstring(units, L'y') + L"\U0001F600"}, ERROR_HANDLE_EOF},
+        {"bad bytes in a later block", Utf8Mark + "head\n" + q + "tail\xF8rest\nnever",
+         {L"head", Widen(q) + L"tail"}, ERROR_NO_UNICODE_TRANSLATION},
+    };
+    // A 4-byte and a 3-byte UTF-8 sequence, cut after each of their first bytes.
+    for (size_t before = 1; before <= 3; ++before) {
+        const size_t filler = Block - Utf8Mark.size() - before;
+        cases.push_back({"UTF-8 sequence split",
+                         Utf8Mark + std::string(filler, 'x') + "\xF0\x9F\x98\x80\xE2\x82\xAC\nz",
+                         {std::wstring(filler, L'x') + L"\U0001F600\u20AC", L"z"}, ERROR_HANDLE_EOF});
     }
-    EXPECT_EQ(std::vector<std::wstring>({L"first", expected, L"last"}), ReadAll("first\n" + text + "\r\nlast"));
+    for (bool locking : {true, false}) {
+        for (const Case& c : cases) {
+            SCOPED_TRACE(std::string(c.what) + (locking ? ", block locking" : ""));
+            DWORD error = 0;
+            EXPECT_EQ(c.lines, ReadAll(c.bytes, nullptr, &error, locking));
+            EXPECT_EQ(c.error, error);
+        }
+    }
 }
 
-TEST_F(TextFileTest, UntranslatableBytesStopReadingAfterThePartialLine) {
-    DWORD error = 0;
-    EXPECT_EQ(Lines({L"ok", L"ab"}), ReadAll("\xEF\xBB\xBFok\r\nab\xFF" "cd\r\nmore", nullptr, &error));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_NO_UNICODE_TRANSLATION), error);
-
-    // An encoded surrogate, and a sequence cut off by the end of the file.
-    EXPECT_EQ(Lines({L"s"}), ReadAll("\xEF\xBB\xBFs\xED\xA0\x80t", nullptr, &error));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_NO_UNICODE_TRANSLATION), error);
-    EXPECT_EQ(Lines({L"x", L"y"}), ReadAll("\xEF\xBB\xBFx\ny\xE2\x82", nullptr, &error));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_NO_UNICODE_TRANSLATION), error);
-
-    // Bad bytes at the start of a line: the empty partial line is not delivered.
-    EXPECT_EQ(Lines({L"x"}), ReadAll("\xEF\xBB\xBFx\n\xC0\xAF", nullptr, &error));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_NO_UNICODE_TRANSLATION), error);
-
-    // Half a UTF-16 unit at the end.
-    EXPECT_EQ(Lines({L"ab"}), ReadAll(std::string("\xFF\xFE" "a\0b\0c", 7), nullptr, &error));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_NO_UNICODE_TRANSLATION), error);
-}
-
-TEST_F(TextFileTest, UntranslatableBytesInALaterBlockKeepEverythingBefore) {
-    const std::string line(Block + 100, 'q');
-    DWORD error = 0;
-    const std::vector<std::wstring> lines =
-        ReadAll("\xEF\xBB\xBFhead\n" + line + "tail\xF8rest\nnever", nullptr, &error);
-    EXPECT_EQ(std::vector<std::wstring>({L"head", std::wstring(line.begin(), line.end()) + L"tail"}), lines);
-    EXPECT_EQ(static_cast<DWORD>(ERROR_NO_UNICODE_TRANSLATION), error);
-}
-
-TEST_F(TextFileTest, ReadingStaysEndedAfterAFalse) {
+TEST_F(TextFileTest, ReadingStaysEndedAfterAFalseUntilASeek) {
     VTextFile file;
-    ASSERT_TRUE(file.Open(Make("\xEF\xBB\xBF" "a\xFF\nb"), GENERIC_READ, OPEN_EXISTING));
+    ASSERT_TRUE(file.Open(Make(Utf8Mark + "a\xFF\nb"), GENERIC_READ, OPEN_EXISTING));
     VUnicodeString line;
     EXPECT_TRUE(file.ReadLine(line));
     EXPECT_FALSE(file.ReadLine(line));
     EXPECT_FALSE(file.ReadLine(line));
     EXPECT_EQ(static_cast<DWORD>(ERROR_NO_UNICODE_TRANSLATION), GetLastError());
-    // Seeking back starts over.
     ASSERT_TRUE(file.Seek(0, FILE_BEGIN));
     ASSERT_TRUE(file.ReadLine(line));
     EXPECT_EQ(VUnicodeString(L"a"), line);
@@ -227,15 +199,13 @@ TEST_F(TextFileTest, WritingGivesTheExactBytesOfEachEncoding) {
     EXPECT_EQ("A\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\r\n", Written(TextEncodingUtf8, text));
     EXPECT_EQ(std::string("A\0\xE9\0\xAC\x20\x3D\xD8\x00\xDE\r\0\n\0", 14), Written(TextEncodingUtf16LE, text));
     EXPECT_EQ(std::string("\0A\0\xE9\x20\xAC\xD8\x3D\xDE\x00\0\r\0\n", 14), Written(TextEncodingUtf16BE, text));
-}
 
-TEST_F(TextFileTest, AnsiWritingUsesTheSystemCodePageAndRefusesWhatItLacks) {
-    if (GetACP() != 1252) GTEST_SKIP() << "the expected bytes are those of code page 1252";
+    if (GetACP() != 1252) GTEST_SKIP() << "the expected ANSI bytes are those of code page 1252";
     EXPECT_EQ("A\xE9\x80\r\n", Written(TextEncodingAnsi, L"A\u00e9\u20ac\r\n"));
+    EXPECT_EQ(Lines({L"A\u00e9\u20ac"}), ReadAll("A\xE9\x80\r\n"));
     bool ok = true;
     EXPECT_EQ("", Written(TextEncodingAnsi, L"keep a\u0101 out", &ok)) << "no best-fit 'a' for a-macron";
     EXPECT_FALSE(ok);
-    EXPECT_EQ(Lines({L"A\u00e9\u20ac"}), ReadAll("A\xE9\x80\r\n"));
 }
 
 TEST_F(TextFileTest, WritingFailsForWhatTheEncodingCannotHold) {
@@ -252,38 +222,34 @@ TEST_F(TextFileTest, WritingFailsForWhatTheEncodingCannotHold) {
     ASSERT_TRUE(file.Flush());
     EXPECT_EQ("kept", ReadWholeFile(folder_ / L"refused.txt")) << "the refused text left nothing behind";
 
-    // UTF-16 carries a lone surrogate as it is.
     file.SetEncoding(TextEncodingUtf16LE);
-    EXPECT_TRUE(file.Write(lone, 3));
+    EXPECT_TRUE(file.Write(lone, 3)) << "UTF-16 carries a lone surrogate as it is";
 }
 
 TEST_F(TextFileTest, TruncateCutsAndWritesTheMarkOfTheEncoding) {
     const VUnicodeString name = Make("old contents that must go");
     VTextFile file;
     ASSERT_TRUE(file.Open(name, ReadWrite, OPEN_EXISTING));
-    file.SetEncoding(TextEncodingUtf8);
-    ASSERT_TRUE(file.Truncate(0));
-    EXPECT_EQ("\xEF\xBB\xBF", ReadWholeFile(name));
-    ASSERT_TRUE(file.Write(VUnicodeString(L"x\r\n")));
-    ASSERT_TRUE(file.Flush());
-    EXPECT_EQ("\xEF\xBB\xBFx\r\n", ReadWholeFile(name));
-
-    file.SetEncoding(TextEncodingUtf16BE);
-    ASSERT_TRUE(file.Truncate(0));
-    EXPECT_EQ("\xFE\xFF", ReadWholeFile(name));
-    file.SetEncoding(TextEncodingAnsi);
-    ASSERT_TRUE(file.Truncate(0));
-    EXPECT_EQ("", ReadWholeFile(name));
-    file.SetEncoding(TextEncodingUnknown);
-    ASSERT_TRUE(file.Truncate(0));
-    EXPECT_EQ("\xFF\xFE", ReadWholeFile(name)) << "UTF-16 LE when no encoding was set";
+    const struct {
+        VTextEncoding encoding;
+        std::string mark;
+    } cases[] = {
+        {TextEncodingUtf8, Utf8Mark}, {TextEncodingUtf16BE, "\xFE\xFF"}, {TextEncodingAnsi, ""},
+        {TextEncodingUnknown, "\xFF\xFE"},  // UTF-16 LE when no encoding was set
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.encoding);
+        file.SetEncoding(c.encoding);
+        ASSERT_TRUE(file.Truncate(0));
+        EXPECT_EQ(c.mark, ReadWholeFile(name));
+    }
     EXPECT_EQ(TextEncodingUtf16LE, file.GetEncoding());
 }
 
 TEST_F(TextFileTest, TextWrittenUnderALockIsInTheFileWhenTheLockIsReleased) {
     const VUnicodeString name = folder_ / L"locked.ini";
     VTextFile file;
-    file.SetShareMode(FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
+    file.SetShareMode(ShareAll);
     file.SetBlockLocking(false);
     ASSERT_TRUE(file.Open(name, ReadWrite, CREATE_NEW));
     file.SetEncoding(TextEncodingUtf8);
@@ -291,18 +257,18 @@ TEST_F(TextFileTest, TextWrittenUnderALockIsInTheFileWhenTheLockIsReleased) {
     ASSERT_TRUE(file.Truncate(0));
     ASSERT_TRUE(file.Write(VUnicodeString(L"D:\"Port\"=00000016\r\n")));
     ASSERT_TRUE(file.Unlock(0, 4));
-    EXPECT_EQ("\xEF\xBB\xBF" "D:\"Port\"=00000016\r\n", ReadWholeFile(name));
+    EXPECT_EQ(Utf8Mark + "D:\"Port\"=00000016\r\n", ReadWholeFile(name));
 }
 
 TEST_F(TextFileTest, BlockLockingMakesAReaderWaitForAWriterOfTheBlock) {
     const VUnicodeString name = Make("first\r\nsecond\r\n");
     VFile writer;
-    writer.SetShareMode(FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
+    writer.SetShareMode(ShareAll);
     ASSERT_TRUE(writer.Open(name, ReadWrite, OPEN_EXISTING));
     ASSERT_TRUE(writer.Lock(10, 1, true));
 
     VTextFile reader;
-    reader.SetShareMode(FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
+    reader.SetShareMode(ShareAll);
     ASSERT_TRUE(reader.Open(name, GENERIC_READ, OPEN_EXISTING));
     std::atomic<bool> done{false};
     VUnicodeString line;
@@ -323,7 +289,7 @@ TEST_F(TextFileTest, RandomTextSurvivesWritingAndReadingInEveryEncoding) {
     std::mt19937 random(20240611);
     const wchar_t alphabet[] = L"az09 =\"\t\u00e9\u00ff\u0100\u20ac\u4e2d\ufffd";
     for (VTextEncoding encoding : {TextEncodingUtf8, TextEncodingUtf16LE, TextEncodingUtf16BE}) {
-        std::vector<std::wstring> lines(1500);
+        Lines lines(1500);
         for (std::wstring& line : lines) {
             const size_t length = random() % 3 == 0 ? random() % 5 : random() % 120;
             for (size_t i = 0; i < length; ++i) {
@@ -350,7 +316,7 @@ TEST_F(TextFileTest, RandomTextSurvivesWritingAndReadingInEveryEncoding) {
         VTextFile file;
         file.SetBlockLocking(encoding != TextEncodingUtf8);
         ASSERT_TRUE(file.Open(name, GENERIC_READ, OPEN_EXISTING));
-        std::vector<std::wstring> read;
+        Lines read;
         VUnicodeString line;
         while (file.ReadLine(line)) read.emplace_back(line.c_str(), line.GetLength());
         EXPECT_EQ(static_cast<DWORD>(ERROR_HANDLE_EOF), GetLastError());
