@@ -14,15 +14,13 @@ namespace {
 
 class RegistrySettingsTest : public ::testing::Test {
 protected:
-    // Creates hive\path (already redirected into the sandbox).
-    static void CreateKey(HKEY hive, const wchar_t* path) {
+    // Creates hive\path (already redirected into the sandbox), with a value when name is given.
+    static void Create(HKEY hive, const wchar_t* path, const wchar_t* name = nullptr, uint32_t value = 0) {
         VRegistryKey key;
         ASSERT_TRUE(key.Create(hive, path, KEY_ALL_ACCESS, nullptr));
-    }
-    static void SetDword(HKEY hive, const wchar_t* path, const wchar_t* name, uint32_t value) {
-        VRegistryKey key;
-        ASSERT_TRUE(key.Create(hive, path, KEY_ALL_ACCESS, nullptr));
-        ASSERT_TRUE(key.SetDword(name, value));
+        if (name) {
+            ASSERT_TRUE(key.SetDword(name, value));
+        }
     }
     static void SetString(HKEY hive, const wchar_t* path, const wchar_t* name, const wchar_t* text) {
         VRegistryKey key;
@@ -49,15 +47,15 @@ void ExpectBase(HKEY hive, const wchar_t* path) {
 TEST_F(RegistrySettingsTest, TheFirstOfTheFourBasePlacesThatExistsWins) {
     ExpectBase(HKEY_CURRENT_USER, Family);  // none exists
     EXPECT_FALSE(RawKeyExists(HKEY_CURRENT_USER, Family));  // and looking created nothing
-
-    CreateKey(HKEY_LOCAL_MACHINE, OlderFamily);
-    ExpectBase(HKEY_LOCAL_MACHINE, OlderFamily);
-    CreateKey(HKEY_CURRENT_USER, OlderFamily);
-    ExpectBase(HKEY_CURRENT_USER, OlderFamily);
-    CreateKey(HKEY_LOCAL_MACHINE, Family);
-    ExpectBase(HKEY_LOCAL_MACHINE, Family);
-    CreateKey(HKEY_CURRENT_USER, Family);
-    ExpectBase(HKEY_CURRENT_USER, Family);
+    // Created from the last place to the first, each new one takes over.
+    const RegistryPlace places[] = {{HKEY_LOCAL_MACHINE, OlderFamily},
+                                    {HKEY_CURRENT_USER, OlderFamily},
+                                    {HKEY_LOCAL_MACHINE, Family},
+                                    {HKEY_CURRENT_USER, Family}};
+    for (const RegistryPlace& place : places) {
+        Create(place.hive, place.path.c_str());
+        ExpectBase(place.hive, place.path.c_str());
+    }
 }
 
 TEST_F(RegistrySettingsTest, APolicyIsTakenFromTheFirstPlaceThatHasIt) {
@@ -65,20 +63,20 @@ TEST_F(RegistrySettingsTest, APolicyIsTakenFromTheFirstPlaceThatHasIt) {
     EXPECT_FALSE(GetPolicyDword(L"Limit", value));
     EXPECT_EQ(value, 99u);
 
-    SetDword(HKEY_LOCAL_MACHINE, Global, L"Limit", 3);
-    ASSERT_TRUE(GetPolicyDword(L"Limit", value));
-    EXPECT_EQ(value, 3u);
-    SetDword(HKEY_CURRENT_USER, Policies, L"Limit", 2);
-    ASSERT_TRUE(GetPolicyDword(L"Limit", value));
-    EXPECT_EQ(value, 2u);
-    SetDword(HKEY_LOCAL_MACHINE, Policies, L"Limit", 1);
-    ASSERT_TRUE(GetPolicyDword(L"Limit", value));
-    EXPECT_EQ(value, 1u);
+    // Set from the last place to the first, each new one takes over.
+    const RegistryPlace places[] = {
+        {HKEY_LOCAL_MACHINE, Global}, {HKEY_CURRENT_USER, Policies}, {HKEY_LOCAL_MACHINE, Policies}};
+    uint32_t set = 0;
+    for (const RegistryPlace& place : places) {
+        Create(place.hive, place.path.c_str(), L"Limit", ++set);
+        ASSERT_TRUE(GetPolicyDword(L"Limit", value));
+        EXPECT_EQ(value, set);
+    }
 }
 
 TEST_F(RegistrySettingsTest, APolicyOfAnotherTypeDoesNotHideTheNextPlace) {
     SetString(HKEY_LOCAL_MACHINE, Policies, L"Limit", L"1");
-    SetDword(HKEY_CURRENT_USER, Policies, L"Limit", 2);
+    Create(HKEY_CURRENT_USER, Policies, L"Limit", 2);
     uint32_t value = 0;
     ASSERT_TRUE(GetPolicyDword(L"Limit", value));
     EXPECT_EQ(value, 2u);
@@ -90,9 +88,9 @@ TEST_F(RegistrySettingsTest, APolicyOfAnotherTypeDoesNotHideTheNextPlace) {
 TEST_F(RegistrySettingsTest, AnApplicationSettingFallsBackThroughItsPlacesToTheDefault) {
     const wchar_t own[] = L"SOFTWARE\\Quillon\\Filewright\\Transfer";
     EXPECT_EQ(GetApplicationSettingDword(L"Retries", L"Filewright", L"Transfer", 5), 5u);
-    SetDword(HKEY_LOCAL_MACHINE, own, L"Retries", 7);
+    Create(HKEY_LOCAL_MACHINE, own, L"Retries", 7);
     EXPECT_EQ(GetApplicationSettingDword(L"Retries", L"Filewright", L"Transfer", 5), 7u);
-    SetDword(HKEY_CURRENT_USER, Policies, L"Retries", 9);
+    Create(HKEY_CURRENT_USER, Policies, L"Retries", 9);
     EXPECT_EQ(GetApplicationSettingDword(L"Retries", L"Filewright", L"Transfer", 5), 9u);
     // The application's own key is under HKEY_LOCAL_MACHINE only.
     SetString(HKEY_CURRENT_USER, own, L"Folder", L"user");
@@ -112,7 +110,7 @@ TEST_F(RegistrySettingsTest, OnlyTheTerminalClientLooksInTheOlderLocation) {
 // Start-up's use: the factory for the family's hive is the current one until
 // an INI-file factory is set, and stores made without a factory use it.
 TEST_F(RegistrySettingsTest, StoresUseTheRegistryUntilAnIniFileFactoryIsSet) {
-    CreateKey(HKEY_LOCAL_MACHINE, Family);  // a machine-wide installation only
+    Create(HKEY_LOCAL_MACHINE, Family);  // a machine-wide installation only
     VRegistryStoreFactory registry(nullptr, Family);
     EXPECT_EQ(registry.GetHive(), HKEY_LOCAL_MACHINE);
     SetRegistryStoreFactory(&registry);

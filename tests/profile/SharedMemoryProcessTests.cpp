@@ -11,7 +11,6 @@
 
 #include "SharedMemoryProbe.h"
 #include "SharedMemoryTestNames.h"
-#include "VSharedMemoryCache.h"
 
 namespace {
 
@@ -82,13 +81,6 @@ std::wstring Arguments(std::initializer_list<std::wstring> parts) {
     return joined;
 }
 
-VRefPtr<VSharedMemoryCache> OpenCache(const VUnicodeString& name, size_t size, DWORD& outcome) {
-    SetLastError(0xDEAD);
-    auto cache = VRefPtr<VSharedMemoryCache>::Adopt(new VSharedMemoryCache(name, size));
-    outcome = GetLastError();
-    return cache;
-}
-
 TEST(SharedMemoryProcessTest, ASecondProcessSharesTheBlockWithoutClearingIt) {
     const VUnicodeString name = UniqueObjectName(L"cache");
     DWORD outcome = 0;
@@ -141,6 +133,7 @@ TEST(SharedMemoryProcessTest, ALargerSecondCreatorIsRefusedEitherWay) {
     auto larger = OpenCache(name, 256 * 1024, outcome);
     EXPECT_EQ(outcome, static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
     EXPECT_EQ(larger->GetData(), nullptr);
+    EXPECT_FALSE(larger->Lock());
     auto fitting = OpenCache(name, 64, outcome);
     ASSERT_EQ(outcome, 0u);
     EXPECT_EQ(fitting->GetHolderCount(), 2u);  // the refused one never counted
