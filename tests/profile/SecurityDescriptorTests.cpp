@@ -2,8 +2,9 @@
 // per-user descriptor of the shared-memory objects.
 #include <gtest/gtest.h>
 
-#include <aclapi.h>
-#include <sddl.h>
+#include <windows.h>
+
+#include <sddl.h>  // after windows.h
 
 #include <cstddef>
 #include <cstring>
