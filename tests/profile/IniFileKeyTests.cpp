@@ -1,9 +1,10 @@
-// VIniFileKey and its store: lazy loading, typed reads, "Is Session",
-// security descriptors kept as values, subkeys, iterators, and what the key
-// answers to bad input.
+// VIniFileKey beyond the behaviour that every back end shares: lazy loading,
+// "Is Session", security descriptors kept as values, private files of
+// subkeys, what the key refuses and what a save that cannot be done leaves.
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 #include <string>
 
 #include "ConfigMessages.h"
@@ -29,6 +30,8 @@ bool IsFile(const VUnicodeString& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
+DWORD LastCode(VProfilePrivateKey& key) { return key.GetLastErrorParams().GetMessageCode(); }
+
 class IniFileKey : public ::testing::Test {
 protected:
     std::unique_ptr<VIniFileKey> Key(bool readOnly = false) {
@@ -41,22 +44,15 @@ protected:
     const VUnicodeString privateFolder_ = folder_ / L"Personal";
 };
 
-// ---- loading and saving ----
-
-TEST_F(IniFileKey, NothingIsReadBeforeTheFirstValueIsTouched) {
+TEST_F(IniFileKey, FilesAreReadOnceOnFirstUseAndAgainOnlyOnReload) {
     const auto key = Key();
     ASSERT_TRUE(WriteWholeFile(ValuesFile(), Bom + "D:\"n\"=00000005\r\n"));
-    uint32_t value = 0;
-    EXPECT_TRUE(key->GetDword(W(L"n"), value));
-    EXPECT_EQ(5u, value);
-    // Read once: a later change on disk is not seen ...
+    EXPECT_EQ((TestValues{{L"n", TestValue::Dword(5)}}), ReadAllValues(*key));
     ASSERT_TRUE(WriteWholeFile(ValuesFile(), Bom + "D:\"n\"=00000006\r\n"));
-    EXPECT_TRUE(key->GetDword(W(L"n"), value));
-    EXPECT_EQ(5u, value);
-    // ... until the key is reloaded.
-    EXPECT_TRUE(key->Reload());
-    EXPECT_TRUE(key->GetDword(W(L"n"), value));
-    EXPECT_EQ(6u, value);
+    ASSERT_TRUE(key->SetDword(W(L"dropped"), 2));
+    EXPECT_EQ((TestValues{{L"n", TestValue::Dword(5)}, {L"dropped", TestValue::Dword(2)}}), ReadAllValues(*key));
+    EXPECT_TRUE(key->Reload()) << "drops unsaved changes";
+    EXPECT_EQ((TestValues{{L"n", TestValue::Dword(6)}}), ReadAllValues(*key));
 }
 
 TEST_F(IniFileKey, AKeyThatWasOnlyReadLeavesItsFilesAlone) {
@@ -65,27 +61,13 @@ TEST_F(IniFileKey, AKeyThatWasOnlyReadLeavesItsFilesAlone) {
     ASSERT_TRUE(WriteWholeFile(ValuesFile(), bytes));
     {
         const auto key = Key();
-        uint32_t value = 0;
-        EXPECT_TRUE(key->GetDword(W(L"n"), value));
-        EXPECT_FALSE(key->GetDword(W(L"m"), value));
+        EXPECT_EQ((TestValues{{L"n", TestValue::Dword(5)}}), ReadAllValues(*key));
         EXPECT_TRUE(key->Flush());
     }
     EXPECT_EQ(bytes, ReadWholeFile(ValuesFile()));
 }
 
-TEST_F(IniFileKey, ReloadDropsUnsavedChanges) {
-    {
-        const auto key = Key();
-        ASSERT_TRUE(key->SetDword(W(L"kept"), 1));
-    }
-    const auto key = Key();
-    ASSERT_TRUE(key->SetDword(W(L"dropped"), 2));
-    ASSERT_TRUE(key->DeleteValue(W(L"kept")));
-    EXPECT_TRUE(key->Reload());
-    EXPECT_EQ((TestValues{{L"kept", TestValue::Dword(1)}}), ReadAllValues(*key));
-}
-
-TEST_F(IniFileKey, SavingCreatesTheMissingFoldersOfItsFiles) {
+TEST_F(IniFileKey, SavingCreatesOnlyTheFoldersHoldingItsFiles) {
     const VUnicodeString deepFolder = folder_ / L"a\\b\\c";
     {
         VIniFileKey key(deepFolder, folder_ / L"p\\q\\c", false, nullptr);
@@ -95,7 +77,7 @@ TEST_F(IniFileKey, SavingCreatesTheMissingFoldersOfItsFiles) {
     }
     EXPECT_EQ(Bom + "D:\"n\"=00000001\r\n", ReadWholeFile(folder_ / L"a\\b\\c.ini"));
     EXPECT_EQ(Bom + "S:\"Password\"=x\r\n", ReadWholeFile(folder_ / L"p\\q\\c.ini"));
-    EXPECT_FALSE(IsFolder(deepFolder)) << "only the folder holding the file is needed";
+    EXPECT_FALSE(IsFolder(deepFolder));
 }
 
 TEST_F(IniFileKey, APrivateFolderEqualToTheFolderIsNoPrivateFolder) {
@@ -108,8 +90,6 @@ TEST_F(IniFileKey, APrivateFolderEqualToTheFolderIsNoPrivateFolder) {
     EXPECT_EQ(Bom + "S:\"Password\"=x\r\n", ReadWholeFile(ValuesFile()));
 }
 
-// ---- typed reads ----
-
 TEST_F(IniFileKey, ABinaryReadIntoTooSmallABufferTellsTheSizeNeeded) {
     const auto key = Key();
     const uint8_t bytes[] = {1, 2, 3, 4, 5};
@@ -117,14 +97,8 @@ TEST_F(IniFileKey, ABinaryReadIntoTooSmallABufferTellsTheSizeNeeded) {
     uint8_t small[4] = {};
     size_t size = sizeof small;
     EXPECT_FALSE(key->GetBinary(W(L"b"), small, size));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_MORE_DATA), key->GetLastErrorParams().GetMessageCode());
+    EXPECT_EQ(static_cast<DWORD>(ERROR_MORE_DATA), LastCode(*key));
     EXPECT_EQ(sizeof bytes, size);
-
-    uint8_t large[8] = {};
-    size = sizeof large;
-    EXPECT_TRUE(key->GetBinary(W(L"b"), large, size));
-    EXPECT_EQ(sizeof bytes, size);
-    EXPECT_EQ(0, std::memcmp(bytes, large, sizeof bytes));
 }
 
 TEST_F(IniFileKey, IsSessionIsOneWheneverTheValuesFileExists) {
@@ -145,54 +119,39 @@ TEST_F(IniFileKey, IsSessionIsOneWheneverTheValuesFileExists) {
 
     ASSERT_TRUE(DeleteFileW(ValuesFile().c_str()));
     ASSERT_TRUE(CreateDirectoryW(ValuesFile().c_str(), nullptr));
-    const auto folderKey = Key(true);
-    EXPECT_FALSE(folderKey->GetDword(W(L"Is Session"), value)) << "a folder is no values file";
+    EXPECT_FALSE(Key(true)->GetDword(W(L"Is Session"), value)) << "a folder is no values file";
 }
 
-// ---- security descriptors ----
-
-TEST_F(IniFileKey, ASecurityDescriptorIsKeptAsItsTextForm) {
+TEST_F(IniFileKey, ASecurityDescriptorIsKeptAsTextAndAlsoReadFromBinary) {
     VSecurityDescriptor written;
     ASSERT_TRUE(written.FromText({W(L"allow,0x001f01ff,S-1-5-32-544"), W(L"deny,0x00000002,S-1-1-0")}));
     {
         const auto key = Key();
         ASSERT_TRUE(key->SetSecurity(W(L"Security"), written));
     }
-    const std::string file = ReadWholeFile(ValuesFile());
     EXPECT_EQ(Bom + "Z:\"Security\"=00000002\r\n allow,0x001f01ff,S-1-5-32-544\r\n deny,0x00000002,S-1-1-0\r\n",
-              file);
-    const auto key = Key(true);
+              ReadWholeFile(ValuesFile()));
+    const auto key = Key();
     VSecurityDescriptor read;
     ASSERT_TRUE(key->GetSecurity(W(L"Security"), read));
     ASSERT_EQ(written.GetLength(), read.GetLength());
     EXPECT_EQ(0, std::memcmp(written.Get(), read.Get(), written.GetLength()));
-}
 
-TEST_F(IniFileKey, ASecurityDescriptorIsAlsoReadFromAValidBinaryValue) {
-    VSecurityDescriptor descriptor;
-    ASSERT_TRUE(descriptor.FromText({W(L"allow,0x00000001,S-1-5-18")}));
-    const auto key = Key();
-    ASSERT_TRUE(key->SetBinary(W(L"Good"), descriptor.Get(), descriptor.GetLength()));
-    VSecurityDescriptor read;
-    ASSERT_TRUE(key->GetSecurity(W(L"Good"), read));
-    VArray<VUnicodeString> text;
-    ASSERT_TRUE(read.ToText(text));
-    EXPECT_EQ((VArray<VUnicodeString>{W(L"allow,0x00000001,S-1-5-18")}), text);
+    ASSERT_TRUE(key->SetBinary(W(L"Binary"), written.Get(), written.GetLength()));
+    ASSERT_TRUE(key->GetSecurity(W(L"Binary"), read));
+    EXPECT_EQ(0, std::memcmp(written.Get(), read.Get(), written.GetLength()));
 
-    const uint8_t garbage[] = {9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9};
-    ASSERT_TRUE(key->SetBinary(W(L"Bad"), garbage, sizeof garbage));
-    EXPECT_FALSE(key->GetSecurity(W(L"Bad"), read));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_SECURITY_DESCR), key->GetLastErrorParams().GetMessageCode());
-
+    const uint8_t garbage[20] = {9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9};
+    ASSERT_TRUE(key->SetBinary(W(L"BadBinary"), garbage, sizeof garbage));
     ASSERT_TRUE(key->SetMultiString(W(L"BadText"), {W(L"permit,0x1,S-1-5-18")}));
-    EXPECT_FALSE(key->GetSecurity(W(L"BadText"), read));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_DATA), key->GetLastErrorParams().GetMessageCode());
-
-    EXPECT_FALSE(key->GetSecurity(W(L"Missing"), read));
-    EXPECT_EQ(static_cast<DWORD>(CONFIG_VALUE_ABSENT), key->GetLastErrorParams().GetMessageCode());
+    const std::pair<const wchar_t*, DWORD> refused[] = {{L"BadBinary", ERROR_INVALID_SECURITY_DESCR},
+                                                        {L"BadText", ERROR_INVALID_DATA},
+                                                        {L"Missing", CONFIG_VALUE_ABSENT}};
+    for (const auto& [name, code] : refused) {
+        EXPECT_FALSE(key->GetSecurity(W(name), read)) << name;
+        EXPECT_EQ(code, LastCode(*key)) << name;
+    }
 }
-
-// ---- writability and bad input ----
 
 TEST_F(IniFileKey, IsWritableFollowsTheKeyAndItsFile) {
     EXPECT_TRUE(Key()->IsWritable()) << "no file yet";
@@ -204,125 +163,77 @@ TEST_F(IniFileKey, IsWritableFollowsTheKeyAndItsFile) {
     ASSERT_TRUE(SetFileAttributesW(ValuesFile().c_str(), FILE_ATTRIBUTE_NORMAL));
 }
 
-TEST_F(IniFileKey, AReadOnlyValuesFileFailsTheSaveAndStaysAsItWas) {
+// A save that cannot be done fails with a reason, leaves what stands in the
+// way as it was, and keeps the change for a later save.
+TEST_F(IniFileKey, ASaveThatCannotBeDoneFailsAndDamagesNothing) {
     const std::string bytes = Bom + "D:\"n\"=00000001\r\n";
-    ASSERT_TRUE(WriteWholeFile(ValuesFile(), bytes));
-    ASSERT_TRUE(SetFileAttributesW(ValuesFile().c_str(), FILE_ATTRIBUTE_READONLY));
-    {
-        const auto key = Key();
-        ASSERT_TRUE(key->SetDword(W(L"n"), 2));
-        EXPECT_FALSE(key->Flush());
-        EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), key->GetLastErrorParams().GetMessageCode());
-        EXPECT_EQ(bytes, ReadWholeFile(ValuesFile()));
-        // The change is still held, and saved once the file can be written.
-        uint32_t value = 0;
-        EXPECT_TRUE(key->GetDword(W(L"n"), value));
-        EXPECT_EQ(2u, value);
-        ASSERT_TRUE(SetFileAttributesW(ValuesFile().c_str(), FILE_ATTRIBUTE_NORMAL));
-        EXPECT_TRUE(key->Flush());
+    struct Case {
+        const char* what;
+        VUnicodeString keyFolder;
+        VUnicodeString obstacle;  // stays untouched
+        std::function<bool()> arrange;
+        std::function<void()> clear;
+    };
+    const VUnicodeString parent = folder_ / L"Parent";
+    const Case cases[] = {
+        {"read-only values file", keyFolder_, ValuesFile(),
+         [&] { return WriteWholeFile(ValuesFile(), bytes) && SetFileAttributesW(ValuesFile().c_str(), FILE_ATTRIBUTE_READONLY); },
+         [&] { SetFileAttributesW(ValuesFile().c_str(), FILE_ATTRIBUTE_NORMAL); }},
+        {"folder where the values file should be", folder_ / L"Other", folder_ / L"Other.ini",
+         [&] { return CreateDirectoryW((folder_ / L"Other.ini").c_str(), nullptr) != FALSE; },
+         [&] { RemoveDirectoryW((folder_ / L"Other.ini").c_str()); }},
+        {"file where the parent folder should be", parent + L"\\Key", parent,
+         [&] { return WriteWholeFile(parent, bytes); }, [&] { DeleteFileW(parent.c_str()); }},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.what);
+        ASSERT_TRUE(test.arrange());
+        VIniFileKey key(test.keyFolder, VUnicodeString(), false, nullptr);
+        ASSERT_TRUE(key.SetDword(W(L"n"), 2));
+        EXPECT_FALSE(key.Flush());
+        EXPECT_NE(0u, LastCode(key));
+        if (IsFile(test.obstacle)) EXPECT_EQ(bytes, ReadWholeFile(test.obstacle));
+        else EXPECT_TRUE(IsFolder(test.obstacle));
+        test.clear();
+        EXPECT_TRUE(key.Flush()) << "the change is still held";
+        EXPECT_EQ(Bom + "D:\"n\"=00000002\r\n", ReadWholeFile(VIniFileKey::ValuesFilePath(test.keyFolder)));
     }
-    EXPECT_EQ(Bom + "D:\"n\"=00000002\r\n", ReadWholeFile(ValuesFile()));
 }
 
-TEST_F(IniFileKey, AFolderWhereTheValuesFileShouldBeFailsTheSave) {
-    ASSERT_TRUE(CreateDirectoryW(ValuesFile().c_str(), nullptr));
-    const auto key = Key();
-    EXPECT_FALSE(key->IsWritable());
-    ASSERT_TRUE(key->SetDword(W(L"n"), 1));
-    EXPECT_FALSE(key->Flush());
-    EXPECT_NE(0u, key->GetLastErrorParams().GetMessageCode());
-    EXPECT_TRUE(IsFolder(ValuesFile()));
-}
-
-TEST_F(IniFileKey, AFileWhereTheParentFolderShouldBeFailsTheSave) {
-    ASSERT_TRUE(WriteWholeFile(folder_ / L"Parent", "a file"));
-    VIniFileKey key(folder_ / L"Parent\\Key", VUnicodeString(), false, nullptr);
-    ASSERT_TRUE(key.SetDword(W(L"n"), 1));
-    EXPECT_FALSE(key.Flush());
-    EXPECT_NE(0u, key.GetLastErrorParams().GetMessageCode());
-    EXPECT_EQ("a file", ReadWholeFile(folder_ / L"Parent"));
-}
-
-TEST_F(IniFileKey, NamesTheFormatCannotHoldAreRefusedAndChangeNothing) {
+TEST_F(IniFileKey, InputTheFormatCannotHoldIsRefusedAndChangesNothing) {
     const auto key = Key();
     ASSERT_TRUE(key->SetDword(W(L"kept"), 1));
-    const wchar_t* badNames[] = {L"", L"a\"b", L"line\rbreak", L"line\nbreak"};
-    for (const wchar_t* name : badNames) {
-        SCOPED_TRACE(testing::PrintToString(std::wstring(name)));
-        EXPECT_FALSE(key->SetDword(W(name), 1));
-        EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_NAME), key->GetLastErrorParams().GetMessageCode());
-        EXPECT_FALSE(key->SetString(W(name), W(L"x")));
-        EXPECT_FALSE(key->SetBinary(W(name), "x", 1));
-        EXPECT_FALSE(key->SetMultiString(W(name), {}));
-    }
-    EXPECT_FALSE(key->SetString(W(L"s"), W(L"two\r\nlines")));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_DATA), key->GetLastErrorParams().GetMessageCode());
-    EXPECT_FALSE(key->SetMultiString(W(L"z"), {W(L"fine"), W(L"not\nfine")}));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_DATA), key->GetLastErrorParams().GetMessageCode());
     const wchar_t loneSurrogate[] = {L'a', static_cast<wchar_t>(0xD800), L'b', 0};
-    EXPECT_FALSE(key->SetString(W(L"s"), W(loneSurrogate)));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_NO_UNICODE_TRANSLATION), key->GetLastErrorParams().GetMessageCode());
-    EXPECT_FALSE(key->DeleteValue(W(L"never stored")));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), key->GetLastErrorParams().GetMessageCode());
-
-    EXPECT_EQ((TestValues{{L"kept", TestValue::Dword(1)}}), ReadAllValues(*key));
+    struct Case {
+        const char* what;
+        std::function<bool()> call;
+        DWORD code;
+    };
+    const auto badName = [&](const wchar_t* name) {
+        return key->SetDword(W(name), 1) || key->SetString(W(name), W(L"x")) || key->SetBinary(W(name), "x", 1) ||
+               key->SetMultiString(W(name), {});
+    };
+    const Case cases[] = {
+        {"empty name", [&] { return badName(L""); }, ERROR_INVALID_NAME},
+        {"quote in name", [&] { return badName(L"a\"b"); }, ERROR_INVALID_NAME},
+        {"CR in name", [&] { return badName(L"line\rbreak"); }, ERROR_INVALID_NAME},
+        {"LF in name", [&] { return badName(L"line\nbreak"); }, ERROR_INVALID_NAME},
+        {"line break in a string", [&] { return key->SetString(W(L"s"), W(L"two\r\nlines")); }, ERROR_INVALID_DATA},
+        {"line break in a multi-string",
+         [&] { return key->SetMultiString(W(L"z"), {W(L"fine"), W(L"not\nfine")}); }, ERROR_INVALID_DATA},
+        {"lone surrogate", [&] { return key->SetString(W(L"s"), W(loneSurrogate)); }, ERROR_NO_UNICODE_TRANSLATION},
+        {"deleting what is absent", [&] { return key->DeleteValue(W(L"never stored")); }, ERROR_FILE_NOT_FOUND},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.what);
+        EXPECT_FALSE(test.call());
+        EXPECT_EQ(test.code, LastCode(*key));
+    }
+    const auto readOnly = Key(true);
+    EXPECT_FALSE(readOnly->SetDword(W(L"n"), 1));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), LastCode(*readOnly));
     EXPECT_TRUE(key->Flush());
     EXPECT_EQ(Bom + "D:\"kept\"=00000001\r\n", ReadWholeFile(ValuesFile()));
-}
-
-TEST_F(IniFileKey, AReadOnlyKeyRefusesChangesAndWritesNothing) {
-    const auto key = Key(true);
-    EXPECT_FALSE(key->SetDword(W(L"n"), 1));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), key->GetLastErrorParams().GetMessageCode());
-    EXPECT_FALSE(key->DeleteValue(W(L"n")));
-    EXPECT_FALSE(key->DeleteKey(W(L"sub")));
-    EXPECT_EQ(nullptr, key->OpenKey(W(L"sub"), true, nullptr)) << "opens only what exists";
-    EXPECT_FALSE(IsFolder(keyFolder_ + L"\\sub"));
-    EXPECT_TRUE(key->Flush()) << "nothing to save";
-}
-
-// ---- subkeys ----
-
-TEST_F(IniFileKey, OpeningWithoutCreateNeedsAnExistingSubkey) {
-    const auto key = Key();
-    EXPECT_EQ(nullptr, key->OpenKey(W(L"Sessions"), false, nullptr));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), key->GetLastErrorParams().GetMessageCode());
-    EXPECT_FALSE(key->KeyExists(W(L"Sessions")));
-
-    // A values file alone makes a subkey, ...
-    ASSERT_TRUE(CreateDirectoryW(keyFolder_.c_str(), nullptr));
-    ASSERT_TRUE(WriteWholeFile(keyFolder_ + L"\\Sessions.ini", Bom + "D:\"n\"=00000003\r\n"));
-    EXPECT_TRUE(key->KeyExists(W(L"Sessions")));
-    const auto sessions = key->OpenKey(W(L"Sessions"), false, nullptr);
-    ASSERT_NE(nullptr, sessions);
-    EXPECT_EQ((TestValues{{L"n", TestValue::Dword(3)}}), ReadAllValues(*sessions));
-    // ... and so does a folder alone, but not a values file that is a folder.
-    ASSERT_TRUE(CreateDirectoryW((keyFolder_ + L"\\Folder").c_str(), nullptr));
-    EXPECT_TRUE(key->KeyExists(W(L"Folder")));
-    ASSERT_TRUE(CreateDirectoryW((keyFolder_ + L"\\Odd.ini").c_str(), nullptr));
-    EXPECT_FALSE(key->KeyExists(W(L"Odd")));
-}
-
-TEST_F(IniFileKey, CreatingASubkeyMakesItsFoldersAndMissingParents) {
-    const auto key = Key();
-    const auto session = key->OpenKey(W(L"Sessions\\Work\\Default"), true, nullptr);
-    ASSERT_NE(nullptr, session);
-    EXPECT_TRUE(IsFolder(keyFolder_ + L"\\Sessions\\Work\\Default"));
-    EXPECT_TRUE(IsFolder(privateFolder_ + L"\\Sessions\\Work\\Default"));
-    EXPECT_TRUE(key->KeyExists(W(L"Sessions\\Work")));
-    ASSERT_TRUE(session->SetString(W(L"Host"), W(L"h")));
-    ASSERT_TRUE(session->SetString(W(L"Password"), W(L"p")));
-    ASSERT_TRUE(session->Flush());
-    EXPECT_EQ(Bom + "S:\"Host\"=h\r\n", ReadWholeFile(keyFolder_ + L"\\Sessions\\Work\\Default.ini"));
-    EXPECT_EQ(Bom + "S:\"Password\"=p\r\n", ReadWholeFile(privateFolder_ + L"\\Sessions\\Work\\Default.ini"));
-}
-
-TEST_F(IniFileKey, ASubkeyThatCannotBeCreatedIsReturnedWithTheReason) {
-    ASSERT_TRUE(WriteWholeFile(keyFolder_, "a file where the key's folder should be"));
-    const auto key = Key();
-    const auto sub = key->OpenKey(W(L"Sub"), true, nullptr);
-    ASSERT_NE(nullptr, sub);
-    EXPECT_NE(0u, sub->GetLastErrorParams().GetMessageCode());
 }
 
 TEST_F(IniFileKey, SubkeyNamesThatAreNoPlainPathAreRefused) {
@@ -333,7 +244,7 @@ TEST_F(IniFileKey, SubkeyNamesThatAreNoPlainPathAreRefused) {
     for (const wchar_t* name : badNames) {
         SCOPED_TRACE(testing::PrintToString(std::wstring(name)));
         EXPECT_EQ(nullptr, key->OpenKey(W(name), true, nullptr));
-        EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_NAME), key->GetLastErrorParams().GetMessageCode());
+        EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_NAME), LastCode(*key));
         EXPECT_FALSE(key->KeyExists(W(name)));
         EXPECT_FALSE(key->DeleteKey(W(name)));
     }
@@ -343,27 +254,57 @@ TEST_F(IniFileKey, SubkeyNamesThatAreNoPlainPathAreRefused) {
     for (const wchar_t* name : goodNames) EXPECT_TRUE(VIniFileKey::IsValidSubkeyName(W(name))) << name;
 }
 
-TEST_F(IniFileKey, DeletingASubkeyRemovesEverythingBelowIt) {
+// A subkey is a values file, a folder, or both; never a values file that is a folder.
+TEST_F(IniFileKey, SubkeysAreFoldersAndValuesFiles) {
+    const auto key = Key();
+    ASSERT_TRUE(key->SetDword(W(L"a value"), 1));
+    for (const wchar_t* folder : {L"Both", L"FolderOnly", L"Odd.ini"})
+        ASSERT_NE(nullptr, key->OpenKey(W(folder), true, nullptr));
+    ASSERT_TRUE(WriteWholeFile(keyFolder_ + L"\\Both.ini", Bom));
+    ASSERT_TRUE(WriteWholeFile(keyFolder_ + L"\\fileOnly.INI", Bom + "D:\"n\"=00000003\r\n"));
+    ASSERT_TRUE(WriteWholeFile(keyFolder_ + L"\\notes.txt", "not a key"));
+    ASSERT_TRUE(WriteWholeFile(keyFolder_ + L"\\.ini", "no name"));
+
+    std::vector<std::wstring> listed;
+    const auto iterator = key->CreatePrivateKeyIterator(false);
+    VUnicodeString name;
+    uint32_t kind = 0;
+    while (iterator->Next(name, kind)) listed.emplace_back(name.c_str(), name.GetLength());
+    EXPECT_EQ((std::vector<std::wstring>{L"Both", L"fileOnly", L"FolderOnly", L"Odd.ini"}), listed);
+    EXPECT_TRUE(key->KeyExists(W(L"fileOnly")));
+    EXPECT_FALSE(key->KeyExists(W(L"Odd")));
+    const auto fileOnly = key->OpenKey(W(L"fileOnly"), false, nullptr);
+    ASSERT_NE(nullptr, fileOnly);
+    EXPECT_EQ((TestValues{{L"n", TestValue::Dword(3)}}), ReadAllValues(*fileOnly));
+}
+
+TEST_F(IniFileKey, AFolderThatCannotBeListedListsNothingAndSaysWhy) {
+    ASSERT_TRUE(WriteWholeFile(keyFolder_, "a file, not a folder"));
+    const auto key = Key();
+    VUnicodeString name;
+    EXPECT_FALSE(key->CreatePrivateKeyIterator(false)->Next(name));
+    EXPECT_NE(0u, LastCode(*key));
+    const auto sub = key->OpenKey(W(L"Sub"), true, nullptr);
+    ASSERT_NE(nullptr, sub) << "a subkey that cannot be created comes with the reason";
+    EXPECT_NE(0u, LastCode(*sub));
+}
+
+TEST_F(IniFileKey, ASubkeyKeepsItsPrivateValuesUnderThePrivateFolderAndLosesThemWithIt) {
     const auto key = Key();
     {
         const auto session = key->OpenKey(W(L"Sessions\\Work\\Default"), true, nullptr);
-        ASSERT_TRUE(session->SetString(W(L"Password"), W(L"p")));
+        ASSERT_NE(nullptr, session);
         ASSERT_TRUE(session->SetString(W(L"Host"), W(L"h")));
+        ASSERT_TRUE(session->SetString(W(L"Password"), W(L"p")));
     }
-    {
-        const auto work = key->OpenKey(W(L"Sessions\\Work"), false, nullptr);
-        ASSERT_TRUE(work->SetDword(W(L"Is Expanded"), 1));
-    }
-    ASSERT_TRUE(IsFile(keyFolder_ + L"\\Sessions\\Work.ini"));
+    EXPECT_EQ(Bom + "S:\"Host\"=h\r\n", ReadWholeFile(keyFolder_ + L"\\Sessions\\Work\\Default.ini"));
+    EXPECT_EQ(Bom + "S:\"Password\"=p\r\n", ReadWholeFile(privateFolder_ + L"\\Sessions\\Work\\Default.ini"));
     EXPECT_TRUE(key->DeleteKey(W(L"Sessions\\Work")));
-    EXPECT_FALSE(key->KeyExists(W(L"Sessions\\Work")));
-    EXPECT_FALSE(IsFile(keyFolder_ + L"\\Sessions\\Work.ini"));
     EXPECT_FALSE(IsFolder(keyFolder_ + L"\\Sessions\\Work"));
     EXPECT_FALSE(IsFolder(privateFolder_ + L"\\Sessions\\Work"));
     EXPECT_TRUE(IsFolder(keyFolder_ + L"\\Sessions"));
-
     EXPECT_FALSE(key->DeleteKey(W(L"Sessions\\Work")));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), key->GetLastErrorParams().GetMessageCode());
+    EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), LastCode(*key));
 }
 
 TEST_F(IniFileKey, ASubkeyHoldingAReadOnlyFileIsNotForcedAway) {
@@ -375,67 +316,10 @@ TEST_F(IniFileKey, ASubkeyHoldingAReadOnlyFileIsNotForcedAway) {
     const VUnicodeString locked = keyFolder_ + L"\\Sub\\Inner.ini";
     ASSERT_TRUE(SetFileAttributesW(locked.c_str(), FILE_ATTRIBUTE_READONLY));
     EXPECT_FALSE(key->DeleteKey(W(L"Sub")));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), key->GetLastErrorParams().GetMessageCode());
+    EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), LastCode(*key));
     EXPECT_TRUE(IsFile(locked));
     ASSERT_TRUE(SetFileAttributesW(locked.c_str(), FILE_ATTRIBUTE_NORMAL));
 }
-
-// ---- iterators ----
-
-std::vector<std::pair<std::wstring, uint32_t>> List(VProfilePrivateKey& key, bool values) {
-    std::vector<std::pair<std::wstring, uint32_t>> entries;
-    const auto iterator = key.CreatePrivateKeyIterator(values);
-    VUnicodeString name;
-    uint32_t kind = 0;
-    while (iterator->Next(name, kind)) entries.emplace_back(name.c_str(), kind);
-    return entries;
-}
-
-TEST_F(IniFileKey, TheValueIteratorListsStoredValuesByNameWithTheirKinds) {
-    const auto key = Key();
-    ASSERT_TRUE(key->SetMultiString(W(L"zeta"), {}));
-    ASSERT_TRUE(key->SetDword(W(L"Beta"), 1));
-    ASSERT_TRUE(key->SetString(W(L"Password"), W(L"p")));
-    ASSERT_TRUE(key->SetBinary(W(L"alpha"), "", 0));
-    ASSERT_TRUE(key->SetString(W(L"gone"), W(L"g")));
-    ASSERT_TRUE(key->DeleteValue(W(L"gone")));
-    ASSERT_TRUE(key->SetDword(W(L"Beta"), 2));
-    const std::vector<std::pair<std::wstring, uint32_t>> expected{
-        {L"Beta", ProfileDword}, {L"Password", ProfileString}, {L"alpha", ProfileBinary}, {L"zeta", ProfileMultiString}};
-    EXPECT_EQ(expected, List(*key, true));
-    EXPECT_TRUE(List(*key, false).empty()) << "values are no subkeys";
-}
-
-TEST_F(IniFileKey, TheSubkeyIteratorListsFoldersAndValuesFilesOnce) {
-    const auto key = Key();
-    ASSERT_TRUE(key->SetDword(W(L"a value"), 1));
-    for (const wchar_t* folder : {L"Both", L"FolderOnly", L"Odd.ini"})
-        ASSERT_NE(nullptr, key->OpenKey(W(folder), true, nullptr));
-    ASSERT_TRUE(WriteWholeFile(keyFolder_ + L"\\Both.ini", Bom));
-    ASSERT_TRUE(WriteWholeFile(keyFolder_ + L"\\fileOnly.INI", Bom));
-    ASSERT_TRUE(WriteWholeFile(keyFolder_ + L"\\notes.txt", "not a key"));
-    ASSERT_TRUE(WriteWholeFile(keyFolder_ + L"\\.ini", "no name"));
-    const std::vector<std::pair<std::wstring, uint32_t>> expected{
-        {L"Both", ProfileSubkey}, {L"fileOnly", ProfileSubkey}, {L"FolderOnly", ProfileSubkey},
-        {L"Odd.ini", ProfileSubkey}};
-    const auto listed = List(*key, false);
-    EXPECT_EQ(expected, listed);
-    for (const auto& [name, kind] : listed) EXPECT_TRUE(IsSubkeyKind(kind));
-
-    VUnicodeString name;
-    const auto iterator = key->CreatePrivateKeyIterator(false);
-    EXPECT_TRUE(iterator->Next(name));
-    EXPECT_EQ(W(L"Both"), name);
-}
-
-TEST_F(IniFileKey, AFolderThatCannotBeListedListsNothingAndSaysWhy) {
-    ASSERT_TRUE(WriteWholeFile(keyFolder_, "a file, not a folder"));
-    const auto key = Key();
-    EXPECT_TRUE(List(*key, false).empty());
-    EXPECT_NE(0u, key->GetLastErrorParams().GetMessageCode());
-}
-
-// ---- the store ----
 
 TEST_F(IniFileKey, TheProcessWideFactoryServesStoresOnTheConfigurationFolder) {
     VIniFileStoreFactory factory(keyFolder_, privateFolder_);
@@ -447,20 +331,6 @@ TEST_F(IniFileKey, TheProcessWideFactoryServesStoresOnTheConfigurationFolder) {
         ASSERT_TRUE(session.IsOpen());
         EXPECT_TRUE(session.SetString(W(L"Host"), W(L"example.org")));
         EXPECT_TRUE(session.SetString(W(L"Username"), W(L"me")));
-    }
-    {
-        VProfileStore store(true);
-        VProfileKey session(store.GetRootKey(), W(L"Sessions\\Default"), false);
-        ASSERT_TRUE(session.IsOpen());
-        uint32_t isSession = 0;
-        EXPECT_TRUE(session.GetDword(W(L"Is Session"), isSession));
-        EXPECT_EQ(1u, isSession);
-        VUnicodeString text;
-        EXPECT_TRUE(session.GetString(W(L"Username"), text));
-        EXPECT_EQ(W(L"me"), text);
-        EXPECT_FALSE(session.SetString(W(L"Host"), W(L"other"))) << "a read-only store";
-        VProfileKey missing(store.GetRootKey(), W(L"Sessions\\Missing"), true);
-        EXPECT_FALSE(missing.IsOpen());
     }
     SetIniFileStoreFactory(nullptr);
     EXPECT_EQ(Bom + "S:\"Host\"=example.org\r\n", ReadWholeFile(keyFolder_ + L"\\Sessions\\Default.ini"));

@@ -1,74 +1,15 @@
 #include "IniTestValues.h"
 
-#include <iomanip>
+#include <gtest/gtest.h>
 
 #include "VIniFileKeyIterator.h"
-
-namespace {
-
-std::string Narrow(const std::wstring& text) {
-    std::string narrow;
-    for (wchar_t character : text) {
-        if (character >= 32 && character < 127) {
-            narrow += static_cast<char>(character);
-        } else {
-            char escaped[12];
-            std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(character));
-            narrow += escaped;
-        }
-    }
-    return narrow;
-}
-
-VArray<VUnicodeString> ToArray(const std::vector<std::wstring>& strings) {
-    VArray<VUnicodeString> array;
-    for (const std::wstring& string : strings) array.Add(VUnicodeString(string.c_str(), string.size()));
-    return array;
-}
-
-}  // namespace
-
-TestValue TestValue::Dword(uint32_t value) {
-    TestValue result;
-    result.dword = value;
-    return result;
-}
-
-TestValue TestValue::String(std::wstring text) {
-    TestValue result;
-    result.kind = ProfileString;
-    result.text = std::move(text);
-    return result;
-}
-
-TestValue TestValue::Binary(std::vector<uint8_t> bytes) {
-    TestValue result;
-    result.kind = ProfileBinary;
-    result.bytes = std::move(bytes);
-    return result;
-}
-
-TestValue TestValue::MultiString(std::vector<std::wstring> strings) {
-    TestValue result;
-    result.kind = ProfileMultiString;
-    result.strings = std::move(strings);
-    return result;
-}
 
 void PrintTo(const TestValue& value, std::ostream* out) {
     switch (value.kind) {
     case ProfileDword: *out << "D " << value.dword; break;
-    case ProfileString: *out << "S \"" << Narrow(value.text) << '"'; break;
-    case ProfileBinary:
-        *out << "B[" << value.bytes.size() << "]";
-        for (uint8_t byte : value.bytes) *out << ' ' << std::hex << std::setw(2) << std::setfill('0') << +byte;
-        *out << std::dec;
-        break;
-    case ProfileMultiString:
-        *out << "Z{";
-        for (const std::wstring& string : value.strings) *out << '"' << Narrow(string) << "\",";
-        *out << '}';
-        break;
+    case ProfileString: *out << "S " << testing::PrintToString(value.text); break;
+    case ProfileBinary: *out << "B " << testing::PrintToString(value.bytes); break;
+    case ProfileMultiString: *out << "Z " << testing::PrintToString(value.strings); break;
     default: *out << "kind " << value.kind;
     }
 }
@@ -121,7 +62,11 @@ bool StoreValue(VProfilePrivateKey& key, const std::wstring& name, const TestVal
     case ProfileDword: return key.SetDword(valueName, value.dword);
     case ProfileString: return key.SetString(valueName, VUnicodeString(value.text.c_str(), value.text.size()));
     case ProfileBinary: return key.SetBinary(valueName, value.bytes.data(), value.bytes.size());
-    case ProfileMultiString: return key.SetMultiString(valueName, ToArray(value.strings));
+    case ProfileMultiString: {
+        VArray<VUnicodeString> strings;
+        for (const std::wstring& string : value.strings) strings.Add(VUnicodeString(string.c_str(), string.size()));
+        return key.SetMultiString(valueName, strings);
+    }
     default: return false;
     }
 }

@@ -17,10 +17,12 @@ struct TestValue {
     std::vector<uint8_t> bytes;
     std::vector<std::wstring> strings;
 
-    static TestValue Dword(uint32_t value);
-    static TestValue String(std::wstring text);
-    static TestValue Binary(std::vector<uint8_t> bytes);
-    static TestValue MultiString(std::vector<std::wstring> strings);
+    static TestValue Dword(uint32_t value) { return {ProfileDword, value, {}, {}, {}}; }
+    static TestValue String(std::wstring text) { return {ProfileString, 0, std::move(text), {}, {}}; }
+    static TestValue Binary(std::vector<uint8_t> bytes) { return {ProfileBinary, 0, {}, std::move(bytes), {}}; }
+    static TestValue MultiString(std::vector<std::wstring> strings) {
+        return {ProfileMultiString, 0, {}, {}, std::move(strings)};
+    }
 
     bool operator==(const TestValue& other) const = default;
 };
