@@ -205,17 +205,6 @@ TEST(SecurityDescriptorTest, BytesFromOutsideAreCheckedAgainstTheirLength) {
     EXPECT_EQ(ToSddl(source, DACL_SECURITY_INFORMATION), ToSddl(descriptor, DACL_SECURITY_INFORMATION));
 }
 
-TEST(SecurityDescriptorTest, AttributesAreNeverInheritableAndEmptyMeansDefault) {
-    VSecurityDescriptor descriptor;
-    EXPECT_EQ(nullptr, descriptor.GetSecurityAttributes().lpSecurityDescriptor);
-    EXPECT_EQ(nullptr, VSecurityDescriptor::SecurityAttributesFor(nullptr).lpSecurityDescriptor);
-    ASSERT_TRUE(descriptor.FromText(T({L"allow,0x1,S-1-1-0"})));
-    const SECURITY_ATTRIBUTES attributes = VSecurityDescriptor::SecurityAttributesFor(&descriptor);
-    EXPECT_EQ(sizeof attributes, attributes.nLength);
-    EXPECT_EQ(descriptor.Get(), attributes.lpSecurityDescriptor);
-    EXPECT_FALSE(attributes.bInheritHandle);
-}
-
 TEST(SecurityDescriptorTest, PerUserAccessGrantsTheTokenUserEverything) {
     VUnicodeString sid;
     ASSERT_TRUE(GetCurrentUserSidString(sid));
