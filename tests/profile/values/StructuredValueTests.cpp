@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
 
 #include "ColorScheme.h"
 #include "ConfigMessages.h"
@@ -20,17 +21,35 @@ namespace {
 
 class StructuredValueTest : public ::testing::Test {
 protected:
+    StructuredValueTest() {
+        placed_.flags = WPF_RESTORETOMAXIMIZED;
+        placed_.showCmd = SW_SHOWMINIMIZED;
+        placed_.ptMaxPosition = {-8, -8};
+        placed_.rcNormalPosition = {100, 50, 900, 650};
+        font_.lfItalic = TRUE;
+        colors_.colors[0] = RGB(1, 2, 3);
+        colors_.colors[15] = RGB(250, 128, 0);
+        scheme_.background = RGB(0, 0, 64);
+        scheme_.ansi[9] = RGB(255, 85, 85);
+        margins_.margins = {2000, 1500, 2000, 1500};
+        margins_.units = PSD_INHUNDREDTHSOFMILLIMETERS;
+        tabs_.groups.Add(VPaneState{true, 1, 0});
+        tabs_.groups.Add(VPaneState{false, -1, 300});
+        EXPECT_TRUE(VListViewState::Parse(L"1,0;200,80,120;0,2,1", listView_));
+    }
+
     // Saves value (forced), then loads it into a fresh value of the same kind
     // that starts from its default.
     template <class Value>
-    typename Value::Value RoundTrip(const Value& value) {
+    void ExpectRoundTrip(const Value& value) {
+        SCOPED_TRACE(VString(value.GetName()).c_str());
         {
             Value copy(value);
             EXPECT_TRUE(copy.Save(*store_.OpenKey(), true));
         }
         Value loaded(value.GetName());
         EXPECT_TRUE(loaded.Load(*store_.OpenKey()));
-        return loaded.Get();
+        EXPECT_EQ(loaded.Get(), value.Get());
     }
 
     VBinaryBlock StoredBlock(const wchar_t* name) {
@@ -39,10 +58,14 @@ protected:
         return block;
     }
 
-    // Stores block under the value's name and expects the load to refuse it,
-    // leaving the value as it was.
-    template <class Value>
-    void ExpectRefused(Value& value, const VBinaryBlock& block) {
+    // Stores the value's own block changed by damage and expects the load to
+    // refuse it, leaving the value as it was.
+    template <class Value, class Damage>
+    void ExpectRefused(Value value, Damage damage) {
+        SCOPED_TRACE(VString(value.GetName()).c_str());
+        VBinaryBlock block;
+        ASSERT_TRUE(VProfileValueTraits<typename Value::Value>::ToStored(value.Get(), block));
+        damage(block);
         const typename Value::Value before = value.Get();
         auto key = store_.OpenKey();
         ASSERT_TRUE(
@@ -53,159 +76,112 @@ protected:
         EXPECT_TRUE(value.Get() == before);
     }
 
-    template <class Value>
-    static VBinaryBlock BlockOf(const Value& value) {
-        VBinaryBlock block;
-        EXPECT_TRUE(VProfileValueTraits<typename Value::Value>::ToStored(value.Get(), block));
-        return block;
-    }
-
     static uint32_t Dword(const VBinaryBlock& block, size_t offset) {
         uint32_t value = 0;
         std::memcpy(&value, block.data() + offset, sizeof value);
         return value;
     }
 
+    VWindowPlacement placed_;
+    VLogFont font_{L"Lucida Console", -13, FW_BOLD};
+    CustomColors colors_;
+    ColorScheme scheme_;
+    VMarginData margins_;
+    VTabStateList tabs_;
+    VListViewState listView_;
     IniTestStore store_;
 };
 
-TEST_F(StructuredValueTest, AWindowPlacementIsTheSystemsStructure) {
-    VWindowPlacement placed;
-    placed.flags = WPF_RESTORETOMAXIMIZED;
-    placed.showCmd = SW_SHOWMINIMIZED;
-    placed.ptMaxPosition = {-8, -8};
-    placed.rcNormalPosition = {100, 50, 900, 650};
-    const VProfileWindowPlacement placement(L"Window Placement", placed);
-    EXPECT_EQ(RoundTrip(placement), placed);
+TEST_F(StructuredValueTest, EveryKindRoundTripsAndIsStoredAsTheSystemsLayout) {
+    const auto kinds = std::make_tuple(
+        VProfileWindowPlacement(L"Window Placement", placed_),
+        VProfileLogFont(L"Normal Font v2", font_), VProfileCustomColors(L"Custom Colors", colors_),
+        VProfileColorScheme(L"Color Scheme", scheme_),
+        VProfileMarginData(L"Page Margins", margins_),
+        VProfileExplorerFrameState(L"Remote ExplorerFrame State", VPaneState{true, 1000, 200}),
+        VProfileTabStateList(L"Termwright Tab State V2", tabs_),
+        VProfileListViewState(L"Traywell Agent Keys ListView State", listView_));
+    std::apply([this](const auto&... value) { (ExpectRoundTrip(value), ...); }, kinds);
 
-    const VBinaryBlock block = StoredBlock(L"Window Placement");
-    ASSERT_EQ(block.size(), sizeof(WINDOWPLACEMENT));
-    EXPECT_EQ(Dword(block, 0), sizeof(WINDOWPLACEMENT));
-    EXPECT_EQ(Dword(block, 8), static_cast<uint32_t>(SW_SHOWMINIMIZED));
-    EXPECT_EQ(Dword(block, 28), 100u);
-    EXPECT_EQ(Dword(block, 40), 650u);
-
-    VProfileWindowPlacement damaged(L"Window Placement", placed);
-    VBinaryBlock wrong = block;
-    wrong[0] = 40;  // the length field
-    ExpectRefused(damaged, wrong);
-    wrong = block;
-    wrong[8] = SW_MAX + 1;
-    ExpectRefused(damaged, wrong);
-    wrong = block;
-    wrong.pop_back();
-    ExpectRefused(damaged, wrong);
+    const struct {
+        const wchar_t* name;
+        size_t size;
+        std::initializer_list<std::pair<size_t, uint32_t>> dwords;  // offset, value
+    } layouts[] = {
+        {L"Window Placement", sizeof(WINDOWPLACEMENT),
+         {{0, sizeof(WINDOWPLACEMENT)}, {8, SW_SHOWMINIMIZED}, {28, 100}, {40, 650}}},
+        {L"Normal Font v2", sizeof(LOGFONTW), {{0, static_cast<uint32_t>(-13)}, {16, FW_BOLD}}},
+        {L"Custom Colors", 64, {{0, 0x00030201}, {60, 0x000080FA}}},
+        {L"Color Scheme", 84, {{0, 84}, {8, RGB(0, 0, 64)}, {20 + 9 * 4, RGB(255, 85, 85)}}},
+        {L"Page Margins", 20, {{4, 1500}, {16, PSD_INHUNDREDTHSOFMILLIMETERS}}},
+    };
+    for (const auto& layout : layouts) {
+        SCOPED_TRACE(VString(VUnicodeString(layout.name)).c_str());
+        const VBinaryBlock block = StoredBlock(layout.name);
+        ASSERT_EQ(block.size(), layout.size);
+        for (const auto& [offset, value] : layout.dwords) EXPECT_EQ(Dword(block, offset), value);
+    }
+    const VBinaryBlock font = StoredBlock(L"Normal Font v2");
+    EXPECT_EQ(font[20], TRUE);
+    EXPECT_EQ(std::memcmp(font.data() + 28, L"Lucida Console", 15 * sizeof(wchar_t)), 0);
+    EXPECT_EQ(store_.StoredText(L"Remote ExplorerFrame State"), VUnicodeString(L"1,1000,200"));
+    EXPECT_EQ(store_.StoredText(L"Termwright Tab State V2"), VUnicodeString(L"1,1,0;0,-1,300;"));
+    EXPECT_EQ(store_.StoredText(L"Traywell Agent Keys ListView State"),
+              VUnicodeString(L"1,0;200,80,120;0,2,1"));
 }
 
-TEST_F(StructuredValueTest, AFontIsTheSystemsLogFontWithAFaceNameEndingInZeros) {
-    VLogFont font(L"Lucida Console", -13, FW_BOLD);
-    font.lfItalic = TRUE;
-    const VProfileLogFont normalFont(L"Normal Font v2", font);
-    EXPECT_EQ(RoundTrip(normalFont), font);
+TEST_F(StructuredValueTest, DamagedBlocksAreRefused) {
+    const VProfileWindowPlacement placement(L"Window Placement", placed_);
+    ExpectRefused(placement, [](VBinaryBlock& b) { b[0] = 40; });  // the length field
+    ExpectRefused(placement, [](VBinaryBlock& b) { b[8] = SW_MAX + 1; });
+    ExpectRefused(placement, [](VBinaryBlock& b) { b.pop_back(); });
 
-    const VBinaryBlock block = StoredBlock(L"Normal Font v2");
-    ASSERT_EQ(block.size(), sizeof(LOGFONTW));
-    EXPECT_EQ(static_cast<int32_t>(Dword(block, 0)), -13);
-    EXPECT_EQ(Dword(block, 16), static_cast<uint32_t>(FW_BOLD));
-    EXPECT_EQ(block[20], TRUE);
-    EXPECT_EQ(std::memcmp(block.data() + 28, L"Lucida Console", 15 * sizeof(wchar_t)), 0);
+    const VProfileLogFont font(L"Normal Font v2", font_);
+    ExpectRefused(font, [](VBinaryBlock& b) {  // no terminator in the face name
+        for (size_t offset = 28; offset < b.size(); offset += 2) b[offset] = 'A';
+    });
+    ExpectRefused(font, [](VBinaryBlock& b) { b.resize(b.size() - 2); });
 
-    // Whatever follows the face name's terminator is neither compared nor stored.
-    VLogFont untidy = font;
+    // A palette index, not an RGB value; the top byte of the foreground.
+    ExpectRefused(VProfileCustomColors(L"Custom Colors", colors_),
+                  [](VBinaryBlock& b) { b[63] = 0x01; });
+    const VProfileColorScheme scheme(L"Color Scheme", scheme_);
+    ExpectRefused(scheme, [](VBinaryBlock& b) { b[0] = 80; });
+    ExpectRefused(scheme, [](VBinaryBlock& b) { b[7] = 0xFF; });
+
+    const VProfileMarginData margins(L"Page Margins", margins_);
+    ExpectRefused(margins, [](VBinaryBlock& b) { b[16] = 2; });     // other units
+    ExpectRefused(margins, [](VBinaryBlock& b) { b[3] = 0x80; });  // negative
+}
+
+TEST_F(StructuredValueTest, AFaceNameEndsAtItsTerminatorAndIsCutToThirtyOneUnits) {
+    VLogFont untidy = font_;
     untidy.lfFaceName[20] = L'x';
-    EXPECT_EQ(untidy, font);
-    EXPECT_EQ(BlockOf(VProfileLogFont(L"f", untidy)), block);
-
-    VProfileLogFont damaged(L"Normal Font v2", font);
-    VBinaryBlock unterminated = block;
-    for (size_t offset = 28; offset < block.size(); offset += 2) unterminated[offset] = 'A';
-    ExpectRefused(damaged, unterminated);
-    ExpectRefused(damaged, VBinaryBlock(block.begin(), block.end() - 2));
+    EXPECT_EQ(untidy, font_);
+    VBinaryBlock tidyBlock, untidyBlock;
+    ASSERT_TRUE(VProfileValueTraits<VLogFont>::ToStored(font_, tidyBlock));
+    ASSERT_TRUE(VProfileValueTraits<VLogFont>::ToStored(untidy, untidyBlock));
+    EXPECT_EQ(untidyBlock, tidyBlock) << "what follows the terminator is not stored";
 
     VLogFont longName(L"A face name that is longer than thirty-one units", 10);
     EXPECT_EQ(wcslen(longName.lfFaceName), 31u);
 }
 
-TEST_F(StructuredValueTest, ColoursAreColorRefsAndRefuseAnythingElse) {
-    CustomColors colors;
-    colors.colors[0] = RGB(1, 2, 3);
-    colors.colors[15] = RGB(250, 128, 0);
-    const VProfileCustomColors custom(L"Custom Colors", colors);
-    EXPECT_EQ(RoundTrip(custom), colors);
-    const VBinaryBlock block = StoredBlock(L"Custom Colors");
-    ASSERT_EQ(block.size(), 64u);
-    EXPECT_EQ(Dword(block, 0), 0x00030201u);
-    EXPECT_EQ(Dword(block, 60), 0x000080FAu);
-
-    VProfileCustomColors damaged(L"Custom Colors", colors);
-    VBinaryBlock notRgb = block;
-    notRgb[63] = 0x01;  // a palette index, not an RGB value
-    ExpectRefused(damaged, notRgb);
-
-    ColorScheme scheme;
-    scheme.background = RGB(0, 0, 64);
-    scheme.ansi[9] = RGB(255, 85, 85);
-    const VProfileColorScheme colorScheme(L"Color Scheme", scheme);
-    EXPECT_EQ(RoundTrip(colorScheme), scheme);
-    const VBinaryBlock schemeBlock = StoredBlock(L"Color Scheme");
-    ASSERT_EQ(schemeBlock.size(), 84u);
-    EXPECT_EQ(Dword(schemeBlock, 0), 84u);
-    EXPECT_EQ(Dword(schemeBlock, 8), static_cast<uint32_t>(RGB(0, 0, 64)));
-    EXPECT_EQ(Dword(schemeBlock, 20 + 9 * 4), static_cast<uint32_t>(RGB(255, 85, 85)));
-
-    VProfileColorScheme damagedScheme(L"Color Scheme", scheme);
-    VBinaryBlock wrongSize = schemeBlock;
-    wrongSize[0] = 80;
-    ExpectRefused(damagedScheme, wrongSize);
-    VBinaryBlock badColour = schemeBlock;
-    badColour[7] = 0xFF;  // top byte of the foreground
-    ExpectRefused(damagedScheme, badColour);
-}
-
-TEST_F(StructuredValueTest, MarginsAreTheRectOfPageSetUpWithItsUnits) {
-    VMarginData margins;
-    margins.margins = {2000, 1500, 2000, 1500};
-    margins.units = PSD_INHUNDREDTHSOFMILLIMETERS;
-    const VProfileMarginData pageMargins(L"Page Margins", margins);
-    EXPECT_EQ(RoundTrip(pageMargins), margins);
-    const VBinaryBlock block = StoredBlock(L"Page Margins");
-    ASSERT_EQ(block.size(), 20u);
-    EXPECT_EQ(Dword(block, 4), 1500u);
-    EXPECT_EQ(Dword(block, 16), static_cast<uint32_t>(PSD_INHUNDREDTHSOFMILLIMETERS));
-
-    VProfileMarginData damaged(L"Page Margins", margins);
-    VBinaryBlock otherUnits = block;
-    otherUnits[16] = 2;
-    ExpectRefused(damaged, otherUnits);
-    VBinaryBlock negative = block;
-    negative[3] = 0x80;
-    ExpectRefused(damaged, negative);
-}
-
-TEST_F(StructuredValueTest, TheDefaultStateTextsOfTheOptionsParse) {
-    for (const wchar_t* text : {L"1,-1,200", L"1,1000,200", L"1,0,-1"}) {
+TEST_F(StructuredValueTest, StateTextsParseAsWrittenAndMalformedOnesAreRefused) {
+    for (const wchar_t* text : {L"1,-1,200", L"1,1000,200", L"1,0,-1", L"0,1000,200"}) {
         VPaneState state;
         ASSERT_TRUE(VPaneState::Parse(text, state)) << VString(VUnicodeString(text)).c_str();
         EXPECT_EQ(state.Format(), text);
     }
-    VPaneState state;
-    ASSERT_TRUE(VPaneState::Parse(L"0,1000,200", state));
-    EXPECT_FALSE(state.shown);
-    EXPECT_EQ(state.position, 1000);
-    EXPECT_EQ(state.size, 200);
+    for (const wchar_t* text : {L"1,1,0;", L"1,1,0;0,-1,-1;", L""}) {
+        VTabStateList tabs;
+        ASSERT_TRUE(VTabStateList::Parse(text, tabs)) << VString(VUnicodeString(text)).c_str();
+        EXPECT_EQ(tabs.Format(), text);
+    }
+    VListViewState empty;
+    ASSERT_TRUE(VListViewState::Parse(L"", empty));
+    EXPECT_TRUE(empty.IsEmpty());
 
-    VTabStateList tabs;
-    ASSERT_TRUE(VTabStateList::Parse(L"1,1,0;", tabs));
-    ASSERT_EQ(tabs.groups.GetCount(), 1u);
-    EXPECT_EQ(tabs.Format(), L"1,1,0;");
-    ASSERT_TRUE(VTabStateList::Parse(L"1,1,0;0,-1,-1;", tabs));
-    EXPECT_EQ(tabs.groups.GetCount(), 2u);
-    EXPECT_EQ(tabs.Format(), L"1,1,0;0,-1,-1;");
-    ASSERT_TRUE(VTabStateList::Parse(L"", tabs));
-    EXPECT_TRUE(tabs.groups.IsEmpty());
-}
-
-TEST_F(StructuredValueTest, MalformedStateTextsAreRefused) {
     const VPaneState before{false, 7, 8};
     for (const wchar_t* text : {L"", L"1,2", L"1,2,3,4", L"2,0,0", L"1,-2,0", L"1,0,-2", L"1, 0,0",
                                 L"1,0,x", L"1,,0", L"1,0,99999999999", L"1;0;0"}) {
@@ -219,45 +195,14 @@ TEST_F(StructuredValueTest, MalformedStateTextsAreRefused) {
         EXPECT_FALSE(VTabStateList::Parse(text, tabs)) << VString(VUnicodeString(text)).c_str();
         EXPECT_EQ(tabs.groups.GetCount(), 1u);
     }
-}
-
-TEST_F(StructuredValueTest, AListViewStateKeepsWidthsOrderAndSorting) {
-    VListViewState state;
-    ASSERT_TRUE(VListViewState::Parse(L"1,0;200,80,120;0,2,1", state));
-    EXPECT_EQ(state.sortColumn, 1);
-    EXPECT_FALSE(state.sortAscending);
-    EXPECT_EQ(state.widths, (VArray<int>{200, 80, 120}));
-    EXPECT_EQ(state.order, (VArray<int>{0, 2, 1}));
-
-    const VProfileListViewState agentKeys(L"Traywell Agent Keys ListView State", state);
-    EXPECT_EQ(RoundTrip(agentKeys), state);
-    EXPECT_EQ(store_.StoredText(L"Traywell Agent Keys ListView State"),
-              VUnicodeString(L"1,0;200,80,120;0,2,1"));
-
-    ASSERT_TRUE(VListViewState::Parse(L"", state));
-    EXPECT_TRUE(state.IsEmpty());
-    EXPECT_EQ(state.Format(), L"");
-
-    const VListViewState before = VListViewState();
     for (const wchar_t* text :
          {L"1,0;200,80;0,0", L"1,0;200,80;0,2", L"1,0;200,80;0", L"2,1;200,80;0,1",
           L"-2,1;200,80;0,1", L"0,2;200,80;0,1", L"0,1;-5,80;0,1", L"0,1;;", L"0,1;200;0;",
           L"0;200;0", L"0,1,2;200;0"}) {
-        VListViewState refused = before;
+        VListViewState refused;
         EXPECT_FALSE(VListViewState::Parse(text, refused)) << VString(VUnicodeString(text)).c_str();
-        EXPECT_EQ(refused, before);
+        EXPECT_TRUE(refused.IsEmpty());
     }
-}
-
-TEST_F(StructuredValueTest, StateValuesRoundTripThroughTheirTexts) {
-    const VProfileExplorerFrameState frame(L"Remote ExplorerFrame State",
-                                           VPaneState{true, 1000, 200});
-    EXPECT_EQ(RoundTrip(frame), (VPaneState{true, 1000, 200}));
-    VTabStateList tabs;
-    tabs.groups.Add(VPaneState{true, 1, 0});
-    tabs.groups.Add(VPaneState{false, -1, 300});
-    const VProfileTabStateList termTabs(L"Termwright Tab State V2", tabs);
-    EXPECT_EQ(RoundTrip(termTabs), tabs);
 
     auto key = store_.OpenKey();
     ASSERT_TRUE(key->SetString(L"Remote ExplorerFrame State", L"garbage"));

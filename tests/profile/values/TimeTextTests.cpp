@@ -14,14 +14,7 @@ using VProfileTime = VProfile2<FILETIME, VProfileTimeSz>;
 
 FILETIME TimeOf(WORD year, WORD month, WORD day, WORD hour, WORD minute, WORD second,
                 WORD milliseconds) {
-    SYSTEMTIME parts{};
-    parts.wYear = year;
-    parts.wMonth = month;
-    parts.wDay = day;
-    parts.wHour = hour;
-    parts.wMinute = minute;
-    parts.wSecond = second;
-    parts.wMilliseconds = milliseconds;
+    const SYSTEMTIME parts{year, month, 0, day, hour, minute, second, milliseconds};
     FILETIME time{};
     EXPECT_TRUE(SystemTimeToFileTime(&parts, &time));
     return time;
@@ -31,54 +24,50 @@ bool SameTime(const FILETIME& a, const FILETIME& b) {
     return a.dwLowDateTime == b.dwLowDateTime && a.dwHighDateTime == b.dwHighDateTime;
 }
 
-TEST(TimeTextTest, TimesAreWrittenWithFixedWidthFields) {
-    VUnicodeString text;
-    ASSERT_TRUE(VProfileTimeSz::FormatTime(TimeOf(2018, 2, 28, 13, 5, 9, 42), text));
-    EXPECT_EQ(text, L"2018:02:28:13:05:09:042");
-    ASSERT_TRUE(VProfileTimeSz::FormatTime(TimeOf(1601, 1, 1, 0, 0, 0, 0), text));
-    EXPECT_EQ(text, L"1601:01:01:00:00:00:000");
-    ASSERT_TRUE(VProfileTimeSz::FormatTime(TimeOf(30827, 12, 31, 23, 59, 59, 999), text));
-    EXPECT_EQ(text, L"30827:12:31:23:59:59:999");
+TEST(TimeTextTest, TimesAreWrittenWithFixedWidthFieldsAndReadWithLooserOnes) {
+    const struct {
+        FILETIME time;
+        const wchar_t* written;
+        const wchar_t* alsoRead;
+    } cases[] = {
+        {TimeOf(2018, 2, 28, 13, 5, 9, 42), L"2018:02:28:13:05:09:042",
+         L"2018:02 :28:13:05:09:042 "},  // trailing blanks
+        {TimeOf(2018, 2, 3, 4, 5, 6, 7), L"2018:02:03:04:05:06:007", L"2018:2:3:4:5:6:7"},
+        {TimeOf(1601, 1, 1, 0, 0, 0, 0), L"1601:01:01:00:00:00:000", L"1601:1:1:0:0:0:0"},
+        {TimeOf(30827, 12, 31, 23, 59, 59, 999), L"30827:12:31:23:59:59:999",
+         L"30827:12:31:23:59:59:999"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(VString(VUnicodeString(c.written)).c_str());
+        VUnicodeString text;
+        ASSERT_TRUE(VProfileTimeSz::FormatTime(c.time, text));
+        EXPECT_EQ(text, c.written);
+        for (const wchar_t* read : {c.written, c.alsoRead}) {
+            FILETIME time{};
+            ASSERT_TRUE(VProfileTimeSz::ParseTime(read, time));
+            EXPECT_TRUE(SameTime(time, c.time));
+        }
+    }
 
-    text = L"kept";
-    const FILETIME beyond{0xFFFFFFFF, 0x80000000};
-    EXPECT_FALSE(VProfileTimeSz::FormatTime(beyond, text));
+    VUnicodeString text = L"kept";
+    EXPECT_FALSE(VProfileTimeSz::FormatTime(FILETIME{0xFFFFFFFF, 0x80000000}, text));
     EXPECT_EQ(text, L"kept");
-}
-
-TEST(TimeTextTest, FieldsMayHaveFewerDigitsAndTrailingBlanks) {
-    FILETIME time{};
-    ASSERT_TRUE(VProfileTimeSz::ParseTime(L"2018:2:3:4:5:6:7", time));
-    EXPECT_TRUE(SameTime(time, TimeOf(2018, 2, 3, 4, 5, 6, 7)));
-    ASSERT_TRUE(VProfileTimeSz::ParseTime(L"2018:02:28:13:05:09:042", time));
-    EXPECT_TRUE(SameTime(time, TimeOf(2018, 2, 28, 13, 5, 9, 42)));
-    ASSERT_TRUE(VProfileTimeSz::ParseTime(L"2018:02 :28:13:05:09:042 ", time));
-    EXPECT_TRUE(SameTime(time, TimeOf(2018, 2, 28, 13, 5, 9, 42)));
 }
 
 TEST(TimeTextTest, InvalidTextsLeaveTheTimeAsItWas) {
     const FILETIME before = TimeOf(2000, 1, 1, 0, 0, 0, 0);
     const wchar_t* const invalid[] = {
         L"2018:02:30:00:00:00:000",  // within the field bounds, but no such day
-        L"1600:12:31:23:59:59:999",  // each field one past its bounds
-        L"30828:01:01:00:00:00:000",
-        L"2018:00:01:00:00:00:000",
-        L"2018:13:01:00:00:00:000",
-        L"2018:01:00:00:00:00:000",
-        L"2018:01:32:00:00:00:000",
-        L"2018:01:01:24:00:00:000",
-        L"2018:01:01:00:60:00:000",
-        L"2018:01:01:00:00:60:000",
+        // each field one past its bounds
+        L"1600:12:31:23:59:59:999", L"30828:01:01:00:00:00:000", L"2018:00:01:00:00:00:000",
+        L"2018:13:01:00:00:00:000", L"2018:01:00:00:00:00:000", L"2018:01:32:00:00:00:000",
+        L"2018:01:01:24:00:00:000", L"2018:01:01:00:60:00:000", L"2018:01:01:00:00:60:000",
         L"2018:01:01:00:00:00:1000",
-        L"2018:01:01:00:00:00",                       // six fields
-        L"2018:01:01:00:00:00:000:0",                 // eight fields
-        L"2018:01::00:00:00:000",                     // a field without digits
-        L"2018:-1:01:00:00:00:000",                   // a sign
-        L"2018:1-:01:00:00:00:000",                   // a "-" within the number
-        L"2018:01:01:00:00:00:000x",                  // something after the number
-        L"2018:01:01:00:00:00:99999999999999999999",  // overflow
-        L"",
-    };
+        // six and eight fields, a field without digits, a sign, a "-" within
+        // the number, something after it, overflow, nothing
+        L"2018:01:01:00:00:00", L"2018:01:01:00:00:00:000:0", L"2018:01::00:00:00:000",
+        L"2018:-1:01:00:00:00:000", L"2018:1-:01:00:00:00:000", L"2018:01:01:00:00:00:000x",
+        L"2018:01:01:00:00:00:99999999999999999999", L""};
     for (const wchar_t* text : invalid) {
         FILETIME time = before;
         EXPECT_FALSE(VProfileTimeSz::ParseTime(text, time))
@@ -87,7 +76,7 @@ TEST(TimeTextTest, InvalidTextsLeaveTheTimeAsItWas) {
     }
 }
 
-TEST(TimeTextTest, ATimeValueRoundTripsThroughItsTextAndKeepsItsValueOnABadText) {
+TEST(TimeTextTest, ATimeValueRoundTripsThroughItsTextAndRefusesWhatHasNone) {
     IniTestStore store;
     const FILETIME stamp = TimeOf(2024, 7, 14, 9, 30, 0, 500);
     {
@@ -109,13 +98,10 @@ TEST(TimeTextTest, ATimeValueRoundTripsThroughItsTextAndKeepsItsValueOnABadText)
     EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(),
               static_cast<DWORD>(CONFIG_VALUE_NOT_CONVERTIBLE));
     EXPECT_TRUE(SameTime(refused.Get(), other));
-}
 
-TEST(TimeTextTest, ATimeWithNoTextFormIsNotWritten) {
-    IniTestStore store;
-    VProfileTime prompt(L"FWX Update Prompt Date", FILETIME{0xFFFFFFFF, 0x80000000});
-    auto key = store.OpenKey();
-    EXPECT_FALSE(prompt.Save(*key, true));
+    key->ClearWritten();
+    VProfileTime unwritable(L"Unwritable Date", FILETIME{0xFFFFFFFF, 0x80000000});
+    EXPECT_FALSE(unwritable.Save(*key, true));
     EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(),
               static_cast<DWORD>(CONFIG_VALUE_NOT_CONVERTIBLE));
     EXPECT_FALSE(key->WasWritten());

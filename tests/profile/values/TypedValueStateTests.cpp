@@ -21,71 +21,47 @@ protected:
     IniTestStore store_;
 };
 
-TEST_F(TypedValueStateTest, UntouchedValuesWriteNothingUnlessForced) {
+TEST_F(TypedValueStateTest, OnlyEditedOrAcceptedValuesAreWrittenAndOnlyOnce) {
     VProfile<unsigned long> timeout(L"Timeout", 180);
-    VProfileString logFile(L"Log File", L"log.txt");
+    VProfileString title(L"Title", L"a");
+    VProfile<bool> minimize(L"Minimize To Tray", false);
+    minimize.Set(true);
+    minimize.Revert();
+    minimize.Commit();
+    EXPECT_FALSE(minimize.IsModified()) << "committing no change marks nothing";
     {
         auto key = store_.OpenKey();
-        EXPECT_TRUE(timeout.Save(*key, false));
-        EXPECT_TRUE(logFile.Save(*key, false));
+        for (VProfileData* value : {static_cast<VProfileData*>(&timeout),
+                                    static_cast<VProfileData*>(&title),
+                                    static_cast<VProfileData*>(&minimize)})
+            EXPECT_TRUE(value->Save(*key, false));
         EXPECT_FALSE(key->WasWritten());
     }
     EXPECT_EQ(store_.ValuesFile(), "");
 
-    {
-        auto key = store_.OpenKey();
-        EXPECT_TRUE(timeout.Save(*key, true));
-        EXPECT_TRUE(logFile.Save(*key, true));
-        EXPECT_TRUE(key->WasWritten());
-    }
-    EXPECT_EQ(store_.StoredNumber(L"Timeout"), 180u);
-    EXPECT_EQ(store_.StoredText(L"Log File"), VUnicodeString(L"log.txt"));
-}
-
-TEST_F(TypedValueStateTest, EditAcceptStoreWritesOnce) {
-    VProfile<unsigned long> timeout(L"Timeout", 180);
     timeout.Set(240);  // edited
     EXPECT_TRUE(timeout.IsChanged());
     EXPECT_FALSE(timeout.IsModified());
-
     timeout.Commit();  // accepted
     EXPECT_FALSE(timeout.IsChanged());
     EXPECT_TRUE(timeout.IsModified());
     EXPECT_EQ(timeout.GetSaved(), 240u);
+    title.Set(L"A");  // edited only; texts compare with case
 
     auto key = store_.OpenKey();
     EXPECT_TRUE(timeout.Save(*key, false));  // stored
+    EXPECT_TRUE(title.Save(*key, false));
     EXPECT_TRUE(key->WasWritten());
     EXPECT_FALSE(timeout.IsModified());
-    EXPECT_FALSE(timeout.IsChanged());
-
     key->ClearWritten();
     EXPECT_TRUE(timeout.Save(*key, false));
     EXPECT_FALSE(key->WasWritten()) << "a stored value is written once";
+    EXPECT_TRUE(minimize.Save(*key, true));
+    EXPECT_TRUE(key->WasWritten()) << "forced";
     key.reset();
     EXPECT_EQ(store_.StoredNumber(L"Timeout"), 240u);
-}
-
-TEST_F(TypedValueStateTest, AnEditedValueIsWrittenWithoutCommit) {
-    VProfileString title(L"Title", L"a");
-    title.Set(L"A");  // texts compare with case
-    auto key = store_.OpenKey();
-    EXPECT_TRUE(title.Save(*key, false));
-    EXPECT_TRUE(key->WasWritten());
-}
-
-TEST_F(TypedValueStateTest, RevertAndUnchangedCommitLeaveNothingToWrite) {
-    VProfile<bool> minimize(L"Minimize To Tray", false);
-    minimize.Set(true);
-    minimize.Revert();
-    EXPECT_FALSE(minimize.Get());
-    EXPECT_FALSE(minimize.IsChanged());
-
-    minimize.Commit();
-    EXPECT_FALSE(minimize.IsModified()) << "committing no change marks nothing";
-    auto key = store_.OpenKey();
-    EXPECT_TRUE(minimize.Save(*key, false));
-    EXPECT_FALSE(key->WasWritten());
+    EXPECT_EQ(store_.StoredText(L"Title"), VUnicodeString(L"A"));
+    EXPECT_EQ(store_.StoredNumber(L"Minimize To Tray"), 0u);
 }
 
 TEST_F(TypedValueStateTest, AFailedWriteLosesNothing) {
@@ -99,10 +75,8 @@ TEST_F(TypedValueStateTest, AFailedWriteLosesNothing) {
     EXPECT_EQ(readOnly->GetLastErrorParams().GetMessageCode(),
               static_cast<DWORD>(ERROR_ACCESS_DENIED));
     EXPECT_TRUE(rows.IsModified());
-    EXPECT_EQ(rows.Get(), 50);
 
     EXPECT_TRUE(rows.Save(*store_.OpenKey(), false)) << "a later save still writes it";
-    EXPECT_FALSE(rows.IsModified());
     EXPECT_EQ(store_.StoredNumber(L"Rows"), 50u);
 }
 
@@ -113,7 +87,6 @@ TEST_F(TypedValueStateTest, CopiesKeepEveryFlagAssignmentKeepsItsOwnModifiedFlag
     source.SetUserFlag(false);
 
     const VProfileString copy(source);
-    EXPECT_EQ(copy.GetName(), L"Answerback");
     EXPECT_EQ(copy.Get(), L"new");
     EXPECT_TRUE(copy.IsModified());
     EXPECT_FALSE(copy.GetUserFlag());
@@ -121,7 +94,6 @@ TEST_F(TypedValueStateTest, CopiesKeepEveryFlagAssignmentKeepsItsOwnModifiedFlag
     VProfileString target(L"Other", L"x");
     target = source;
     EXPECT_EQ(target.GetName(), L"Answerback");
-    EXPECT_EQ(target.Get(), L"new");
     EXPECT_FALSE(target.GetUserFlag());
     EXPECT_FALSE(target.IsModified()) << "assignment keeps the target's pending-save state";
 
@@ -130,7 +102,6 @@ TEST_F(TypedValueStateTest, CopiesKeepEveryFlagAssignmentKeepsItsOwnModifiedFlag
     modifiedTarget.Commit();
     modifiedTarget = VProfile<int>(L"Cols", 80);
     EXPECT_TRUE(modifiedTarget.IsModified());
-    EXPECT_EQ(modifiedTarget.GetName(), L"Cols");
 }
 
 TEST_F(TypedValueStateTest, CopyFromTakesTheCurrentValueOfTheSameKindOnly) {
@@ -146,48 +117,34 @@ TEST_F(TypedValueStateTest, CopyFromTakesTheCurrentValueOfTheSameKindOnly) {
     EXPECT_THROW(port.CopyFrom(differentType), std::bad_cast);
     VProfileString text(L"Port");
     EXPECT_THROW(text.CopyFrom(port), std::bad_cast);
-    EXPECT_EQ(text.GetData(), &text);
 }
 
-TEST_F(TypedValueStateTest, AbsentValuesKeepTheDefault) {
-    VProfile<unsigned long> timeout(L"Timeout", 180);
-    VProfileString logFile(L"Log File", L"log.txt");
-    auto key = store_.OpenKey();
-    EXPECT_FALSE(timeout.Load(*key));
-    EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(), static_cast<DWORD>(CONFIG_VALUE_ABSENT));
-    EXPECT_FALSE(logFile.Load(*key));
-    EXPECT_EQ(timeout.Get(), 180u);
-    EXPECT_EQ(logFile.Get(), L"log.txt");
-
-    timeout.Set(1);
-    EXPECT_FALSE(timeout.Load(*key, 300));
-    EXPECT_EQ(timeout.Get(), 300u);
-    EXPECT_EQ(timeout.GetSaved(), 300u);
-    EXPECT_FALSE(timeout.IsModified());
-
-    key->SetDword(L"Log File", 7);  // another kind reads as absent
-    EXPECT_FALSE(logFile.Load(*key, L"default"));
-    EXPECT_EQ(logFile.Get(), L"default");
-}
-
-TEST_F(TypedValueStateTest, LoadingMakesTheValueUnchanged) {
+TEST_F(TypedValueStateTest, LoadingMakesTheValueUnchangedAndAbsentValuesKeepTheDefault) {
     {
         auto key = store_.OpenKey();
         key->SetDword(L"Timeout", 30);
-        key->SetString(L"Log File", L"other.txt");
+        key->SetDword(L"Log File", 7);  // another kind reads as absent
     }
+    auto key = store_.OpenKey();
     VProfile<unsigned long> timeout(L"Timeout", 180);
     timeout.Set(5);
     timeout.Commit();
-    VProfileString logFile(L"Log File", L"log.txt");
-    auto key = store_.OpenKey();
     ASSERT_TRUE(timeout.Load(*key));
-    ASSERT_TRUE(logFile.Load(*key));
     EXPECT_EQ(timeout.Get(), 30u);
     EXPECT_EQ(timeout.GetSaved(), 30u);
     EXPECT_FALSE(timeout.IsModified());
-    EXPECT_EQ(logFile.Get(), L"other.txt");
-    EXPECT_FALSE(logFile.IsChanged());
+
+    VProfileString logFile(L"Log File", L"log.txt");
+    EXPECT_FALSE(logFile.Load(*key));
+    EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(), static_cast<DWORD>(CONFIG_VALUE_ABSENT));
+    EXPECT_EQ(logFile.Get(), L"log.txt");
+
+    VProfile<unsigned long> retries(L"Retries", 1);
+    retries.Set(2);
+    EXPECT_FALSE(retries.Load(*key, 300));
+    EXPECT_EQ(retries.Get(), 300u);
+    EXPECT_EQ(retries.GetSaved(), 300u);
+    EXPECT_FALSE(retries.IsModified());
 }
 
 TEST_F(TypedValueStateTest, ScalarsAreWidenedOnWritingAndNarrowedOnReading) {
@@ -207,16 +164,13 @@ TEST_F(TypedValueStateTest, ScalarsAreWidenedOnWritingAndNarrowedOnReading) {
     EXPECT_EQ(store_.StoredNumber(L"Alpha"), 200u);
     EXPECT_EQ(store_.StoredNumber(L"Blink"), 1u);
 
-    {
-        auto key = store_.OpenKey();
-        key->SetDword(L"Alpha", 0x1FF);
-        key->SetDword(L"Blink", 2);
-    }
+    auto key = store_.OpenKey();
+    key->SetDword(L"Alpha", 0x1FF);
+    key->SetDword(L"Blink", 2);
     VProfile<short> offsetRead(L"Offset");
     VProfile<int> positionRead(L"Position");
     VProfile<unsigned char> alphaRead(L"Alpha");
     VProfile<bool> blinkRead(L"Blink", false);
-    auto key = store_.OpenKey();
     ASSERT_TRUE(offsetRead.Load(*key) && positionRead.Load(*key) && alphaRead.Load(*key) &&
                 blinkRead.Load(*key));
     EXPECT_EQ(offsetRead.Get(), -2);
@@ -226,12 +180,9 @@ TEST_F(TypedValueStateTest, ScalarsAreWidenedOnWritingAndNarrowedOnReading) {
 }
 
 TEST_F(TypedValueStateTest, SetFromTextParsesNumbersAndReadsSwitchesAndTextsFromTheSource) {
-    {
-        auto key = store_.OpenKey();
-        key->SetDword(L"Blink", 1);
-        key->SetString(L"Title", L"stored");
-    }
     auto key = store_.OpenKey();
+    key->SetDword(L"Blink", 1);
+    key->SetString(L"Title", L"stored");
     VProfileKeySource source(*key);
 
     VProfile<unsigned long> color(L"Color", 0, 16);
@@ -244,23 +195,18 @@ TEST_F(TypedValueStateTest, SetFromTextParsesNumbersAndReadsSwitchesAndTextsFrom
     VProfile<int> junk(L"Rows", 24);
     EXPECT_TRUE(junk.SetFromText(source, "twelve")) << "strtol reads junk as 0";
     EXPECT_EQ(junk.Get(), 0);
-    EXPECT_EQ(VProfile<int>(L"Rows", 24, 8).GetRadix(), 8);
 
     VProfile<bool> blink(L"Blink", false);
     EXPECT_TRUE(blink.SetFromText(source, "0")) << "a switch ignores the text";
     EXPECT_TRUE(blink.Get());
-    EXPECT_EQ(blink.GetSaved(), true);
     VProfile<bool> absentSwitch(L"Absent Switch", true);
     EXPECT_FALSE(absentSwitch.SetFromText(source, "0"));
-    EXPECT_TRUE(absentSwitch.Get());
 
     VProfileString title(L"Title", L"x");
     EXPECT_TRUE(title.SetFromText(source, "default"));
     EXPECT_EQ(title.Get(), L"stored");
     VProfileString absent(L"Absent", L"x");
-    absent.Set(L"edited");
     EXPECT_TRUE(absent.SetFromText(source, "default"));
-    EXPECT_EQ(absent.Get(), L"default");
     EXPECT_EQ(absent.GetSaved(), L"default");
     VProfileKey missingKey(*key, L"No Such Key", false);
     VProfileKeySource failing(missingKey);
