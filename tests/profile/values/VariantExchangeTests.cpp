@@ -212,46 +212,34 @@ TEST(ListVariantTest, ListsAndBlocksTravelAsSafeArrays) {
     EXPECT_EQ(other.Get(), placed);
 }
 
+// Values read back through the source and written again give the same file.
 TEST(KeySerialisationTest, ValuesCopiedThroughTheSinkAndSourceArriveWhole) {
-    VProfile<int> position(L"X Position", -40);
-    VProfile<unsigned short> port(L"Port", 8022);
-    VProfile<bool> blink(L"Blink", true);
-    VProfileString title(L"Title", L"tab \x263A");
-    VProfileStrings hosts(L"Hosts", VStringArray{L"alpha", L"beta"});
     VWindowPlacement placed;
     placed.showCmd = SW_SHOWMAXIMIZED;
-    VProfileWindowPlacement placement(L"Window Placement", placed);
-    IniTestStore exported;
+    VProfile<int> position(L"X Position", -40), positionIn(L"X Position", 0);
+    VProfile<unsigned short> port(L"Port", 8022), portIn(L"Port", 0);
+    VProfile<bool> blink(L"Blink", true), blinkIn(L"Blink", false);
+    VProfileString title(L"Title", L"tab \x263A"), titleIn(L"Title");
+    VProfileStrings hosts(L"Hosts", VStringArray{L"alpha", L"beta"}), hostsIn(L"Hosts");
+    VProfileWindowPlacement placement(L"Window Placement", placed),
+        placementIn(L"Window Placement");
+    const auto writeAll = [](IniTestStore& store, std::initializer_list<VProfileData*> values) {
+        auto key = store.OpenKey();
+        VProfileKeySink sink(*key);
+        for (VProfileData* value : values)
+            EXPECT_TRUE(value->Write(sink)) << VString(value->GetName()).c_str();
+    };
+    IniTestStore exported, reexported;
+    writeAll(exported, {&position, &port, &blink, &title, &hosts, &placement});
     {
         auto key = exported.OpenKey();
-        VProfileKeySink sink(*key);
-        for (VProfileData* value : {static_cast<VProfileData*>(&position),
-                                    static_cast<VProfileData*>(&port),
-                                    static_cast<VProfileData*>(&blink),
-                                    static_cast<VProfileData*>(&title),
-                                    static_cast<VProfileData*>(&hosts),
-                                    static_cast<VProfileData*>(&placement)})
-            EXPECT_TRUE(value->Write(sink)) << VString(value->GetName()).c_str();
+        VProfileKeySource source(*key);
+        for (VProfileData* value : std::initializer_list<VProfileData*>{
+                 &positionIn, &portIn, &blinkIn, &titleIn, &hostsIn, &placementIn})
+            EXPECT_TRUE(value->Read(source)) << VString(value->GetName()).c_str();
     }
-
-    VProfile<int> positionIn(L"X Position", 0);
-    VProfile<unsigned short> portIn(L"Port", 0);
-    VProfile<bool> blinkIn(L"Blink", false);
-    VProfileString titleIn(L"Title");
-    VProfileStrings hostsIn(L"Hosts");
-    VProfileWindowPlacement placementIn(L"Window Placement");
-    auto key = exported.OpenKey();
-    VProfileKeySource source(*key);
-    for (VProfileData* value :
-         {static_cast<VProfileData*>(&positionIn), static_cast<VProfileData*>(&portIn),
-          static_cast<VProfileData*>(&blinkIn), static_cast<VProfileData*>(&titleIn),
-          static_cast<VProfileData*>(&hostsIn), static_cast<VProfileData*>(&placementIn)})
-        EXPECT_TRUE(value->Read(source)) << VString(value->GetName()).c_str();
-    EXPECT_EQ(positionIn.Get(), -40);
-    EXPECT_EQ(portIn.Get(), 8022);
-    EXPECT_TRUE(blinkIn.Get());
-    EXPECT_EQ(titleIn.Get(), title.Get());
-    EXPECT_EQ(hostsIn.Get(), hosts.Get());
+    writeAll(reexported, {&positionIn, &portIn, &blinkIn, &titleIn, &hostsIn, &placementIn});
+    EXPECT_EQ(reexported.ValuesFile(), exported.ValuesFile());
     EXPECT_EQ(placementIn.Get(), placed);
     EXPECT_TRUE(positionIn.IsChanged()) << "Read sets the current value only";
 }
