@@ -37,6 +37,10 @@ int HexValue(char digit) {
     throw std::runtime_error(std::string("not a hexadecimal digit: ") + digit);
 }
 
+// The folders of the .txt and of the .dat files, as Windows paths.
+std::wstring TestVectorsFolder() { return Widened(CRYPTOPP_TEST_VECTORS_DIR); }
+std::wstring TestDataFolder() { return TestVectorsFolder() + L"\\..\\TestData"; }
+
 }  // namespace
 
 Bytes DecodeHex(const std::string& digits) {
@@ -58,10 +62,6 @@ std::string EncodeHex(const uint8_t* bytes, size_t count) {
     }
     return text;
 }
-
-std::wstring TestVectorsFolder() { return Widened(CRYPTOPP_TEST_VECTORS_DIR); }
-
-std::wstring TestDataFolder() { return TestVectorsFolder() + L"\\..\\TestData"; }
 
 const std::string& CryptoTestCase::Text(const std::string& name) const {
     auto found = fields.find(name);

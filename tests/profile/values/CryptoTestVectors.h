@@ -19,7 +19,6 @@ struct CryptoTestCase {
     std::string test;                           // the Test field: "Verify", "Encrypt", ...
     std::map<std::string, std::string> fields;  // raw field values, by name
 
-    bool Has(const std::string& name) const { return fields.count(name) != 0; }
     const std::string& Text(const std::string& name) const;
     // A field in the files' encoded-string notation: "quoted text", hex digits
     // with or without 0x (blanks between groups allowed), rN repeating the
@@ -28,10 +27,6 @@ struct CryptoTestCase {
     // A one-line description for failure messages.
     std::string Describe() const;
 };
-
-// The folder of the .txt files and of the .dat files, as Windows paths.
-std::wstring TestVectorsFolder();
-std::wstring TestDataFolder();
 
 // Every test of TestVectors\fileName. Throws std::runtime_error when the file
 // cannot be read or holds a field the reader does not understand.

@@ -1,5 +1,6 @@
-// VEncryptedString: which form it seals in, how it opens each stored form
-// (the older fixed-key one included), and that failures change nothing.
+// VEncryptedString: which form it seals in and how it opens each stored form,
+// the older fixed-key one included. Malformed texts are refused in
+// PassphraseFormTests.cpp, in one table for every form.
 
 #include <gtest/gtest.h>
 
@@ -66,24 +67,6 @@ TEST(BlowfishStringTest, ReadsWhatTheOlderFormWrote) {
     }
 }
 
-TEST(BlowfishStringTest, RefusesDigitsThatCannotBeTheOlderForm) {
-    const VUnicodeString good = VBlowfishString::Encode(L"password");
-    const VUnicodeString cases[] = {
-        good.Left(good.GetLength() - 2),  // not whole blocks
-        good.Left(good.GetLength() - 1),  // odd digit count
-        good.Left(4) + L"x" + good.Mid(5),
-        VBlowfishString::Encode(VUnicodeString(L"a\0b", 3)),  // a zero unit inside the text
-    };
-    for (const VUnicodeString& digits : cases) {
-        VUnicodeString plain(L"unchanged");
-        VReportMessageParams report;
-        EXPECT_FALSE(VBlowfishString::Decode(digits, plain, Name, report))
-            << VString(digits).c_str();
-        EXPECT_EQ(plain, L"unchanged");
-        EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_PROTECTED_TEXT_INVALID));
-    }
-}
-
 TEST(EncryptedStringTest, SealsWithThePassphraseWhenThereIsOneElseWithTheLogon) {
     VRefPtr<IPassphraseProvider> provider = Provider(L"phrase");
     VEncryptedString withPhrase(VUnicodeString(), provider.Get());
@@ -102,6 +85,11 @@ TEST(EncryptedStringTest, SealsWithThePassphraseWhenThereIsOneElseWithTheLogon) 
         EXPECT_EQ(value.GetForm(), VEncryptedString::Form::Capi);
         EXPECT_EQ(Opened(value), L"secret");
     }
+
+    const VUnicodeString before = withPhrase.GetProtectedText();
+    EXPECT_FALSE(withPhrase.SetPlainText(VUnicodeString(L"lone \xDFFF"), Name, report));
+    EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_TEXT_NOT_UNICODE));
+    EXPECT_EQ(withPhrase.GetProtectedText(), before);
 }
 
 TEST(EncryptedStringTest, OpensEveryStoredFormWhateverItsProviderSays) {
@@ -122,58 +110,4 @@ TEST(EncryptedStringTest, OpensEveryStoredFormWhateverItsProviderSays) {
         const VEncryptedString value(text, provider.Get());
         EXPECT_EQ(Opened(value), plain);
     }
-    EXPECT_EQ(VEncryptedString(VBlowfishString::Encode(L"x")).GetForm(),
-              VEncryptedString::Form::Older);
-    EXPECT_EQ(VEncryptedString().GetForm(), VEncryptedString::Form::Empty);
-}
-
-TEST(EncryptedStringTest, FailuresLeaveBothTheValueAndThePlainTextAlone) {
-    VRefPtr<IPassphraseProvider> provider = Provider(L"phrase");
-    VEncryptedString value(VUnicodeString(), provider.Get());
-    VReportMessageParams report;
-    ASSERT_TRUE(value.SetPlainText(L"kept", Name, report));
-    const VUnicodeString before = value.GetProtectedText();
-
-    EXPECT_FALSE(value.SetPlainText(VUnicodeString(L"lone \xDFFF"), Name, report));
-    EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_TEXT_NOT_UNICODE));
-    EXPECT_EQ(value.GetProtectedText(), before);
-
-    // The same text under another pass phrase, or none at all, does not open.
-    VRefPtr<IPassphraseProvider> other = Provider(L"another");
-    const std::pair<IPassphraseProvider*, DWORD> attempts[] = {
-        {other.Get(), CONFIG_PROTECTED_TEXT_UNREADABLE},
-        {nullptr, CONFIG_PASSPHRASE_UNUSABLE},
-    };
-    for (const auto& [p, code] : attempts) {
-        VEncryptedString copy(before, p);
-        VUnicodeString plain(L"unchanged");
-        EXPECT_FALSE(copy.GetPlainText(plain, Name, report));
-        EXPECT_EQ(report.GetMessageCode(), code);
-        EXPECT_EQ(plain, L"unchanged");
-        EXPECT_EQ(copy.GetProtectedText(), before);
-    }
-
-    // A damaged system-protected text leaves the caller's plain text too.
-    VEncryptedString damaged(VUnicodeString(L"CAPI:ABC"));
-    VUnicodeString plain(L"unchanged");
-    EXPECT_FALSE(damaged.GetPlainText(plain, Name, report));
-    EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_PROTECTED_TEXT_DAMAGED));
-    EXPECT_EQ(plain, L"unchanged");
-}
-
-TEST(EncryptedStringTest, CopiesShareTheProviderAndReleaseIt) {
-    auto* raw = new VFixedPassphraseProvider(VUnicodeString(L"phrase"));
-    VRefPtr<IPassphraseProvider> provider = VRefPtr<IPassphraseProvider>::Adopt(raw);
-    {
-        VEncryptedString first(VUnicodeString(), raw);
-        VEncryptedString second = first;
-        EXPECT_EQ(second.GetPassphraseProvider(), raw);
-        // Our reference, the two strings', and the one AddRef itself adds.
-        EXPECT_EQ(raw->AddRef(), 4u);
-        raw->Release();
-        second.SetPassphraseProvider(nullptr);
-        EXPECT_EQ(second.GetPassphraseProvider(), nullptr);
-    }
-    EXPECT_EQ(raw->AddRef(), 2u);
-    raw->Release();
 }

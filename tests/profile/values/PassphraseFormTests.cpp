@@ -1,6 +1,6 @@
-// The "02:" form: its record layout, key derivation and padding rule, round
-// trips, and the refusal of every kind of malformed text, including a
-// randomised run over many mutated texts.
+// The "02:" form: its record layout and round trips; one table of malformed
+// texts in every stored form, refused through VEncryptedString; and a
+// randomised run over many mutated "02:" texts.
 
 #include <gtest/gtest.h>
 
@@ -11,11 +11,14 @@
 #include <chrono>
 #include <cstring>
 #include <random>
+#include <cwchar>
 
 #include "ConfigMessages.h"
 #include "CryptoTestVectors.h"
 #include "PassphraseForm.h"
 #include "TestRandomSources.h"
+#include "VBlowfishString.h"
+#include "VEncryptedString.h"
 #include "Utf8Text.h"
 
 namespace {
@@ -91,20 +94,6 @@ bool Decodes(const VUnicodeString& text, const VUnicodeString& passphrase, VUnic
 
 }  // namespace
 
-TEST(PassphraseFormTest, PadsToWholeBlocksWithAtLeastHalfABlock) {
-    EXPECT_EQ(PassphraseForm::PaddingLength(0, 16), 12u);
-    EXPECT_EQ(PassphraseForm::PaddingLength(4, 16), 8u);   // exactly half a block is enough
-    EXPECT_EQ(PassphraseForm::PaddingLength(5, 16), 23u);  // 7 would be too few
-    EXPECT_EQ(PassphraseForm::PaddingLength(12, 16),
-              16u);  // 48 bytes already whole: one more block
-    for (size_t n = 0; n < 200; ++n) {
-        const size_t p = PassphraseForm::PaddingLength(n, 16);
-        EXPECT_EQ((n + 36 + p) % 16, 0u) << n;
-        EXPECT_GE(p, 8u) << n;
-        EXPECT_LT(p, 24u) << n;
-    }
-}
-
 TEST(PassphraseFormTest, TheRecordHoldsLengthTextDigestAndRandomPadding) {
     // "Grüße 🙂": 12 UTF-8 bytes, so p = 16 - (48 mod 16) = 16.
     const VUnicodeString plain(
@@ -127,154 +116,132 @@ TEST(PassphraseFormTest, TheRecordHoldsLengthTextDigestAndRandomPadding) {
     EXPECT_EQ(EncodeHex(record.data() + 48, 16), "000102030405060708090a0b0c0d0e0f");
 }
 
-TEST(PassphraseFormTest, AnEmptyTextIsOneRecordOf36BytesAndPadding) {
-    const VUnicodeString text = Encoded(VUnicodeString());
-    EXPECT_EQ(text.GetLength(), 3 + 2 * 48u);
-    const Bytes record = Decipher(text, PassphraseUtf8);
-    EXPECT_EQ(EncodeHex(record.data(), 36), "00000000" + EncodeHex(Sha256("")));
-    VUnicodeString plain(L"before");
-    VReportMessageParams report;
-    ASSERT_TRUE(Decodes(text, Passphrase, plain, report));
-    EXPECT_TRUE(plain.IsEmpty());
-}
-
 TEST(PassphraseFormTest, RoundTripsTextsIntoSensitiveStrings) {
     VUnicodeString longText;
     for (int i = 0; i < 500; ++i) longText.Append(static_cast<wchar_t>(L'A' + i % 26));
     for (const VUnicodeString& plain :
-         {VUnicodeString(L"p"), VUnicodeString(L"s3cr\x00E9t \x4E2D\x6587 \xD83D\xDD11"),
-          longText}) {
+         {VUnicodeString(), VUnicodeString(L"s3cr\x00E9t \x4E2D\x6587 \xD83D\xDD11"), longText}) {
         const VUnicodeString first = Encoded(plain);
-        const VUnicodeString second = Encoded(plain);
-        EXPECT_NE(first, second) << "the padding is random, so texts differ";
-        for (const VUnicodeString& text : {first, second}) {
-            VUnicodeString opened;
-            VReportMessageParams report;
-            ASSERT_TRUE(Decodes(text, Passphrase, opened, report));
-            EXPECT_EQ(opened, plain);
-            EXPECT_TRUE(opened.IsSensitive());
-        }
+        EXPECT_NE(first, Encoded(plain)) << "the padding is random, so texts differ";
+        VUnicodeString opened(L"before");
+        VReportMessageParams report;
+        ASSERT_TRUE(Decodes(first, Passphrase, opened, report));
+        EXPECT_EQ(opened, plain);
+        EXPECT_TRUE(opened.IsSensitive());
     }
 }
 
-TEST(PassphraseFormTest, TheKeyIsTheSha256OfThePassphraseInUtf8) {
-    VBasicBuffer key(32);
-    ASSERT_TRUE(PassphraseForm::DeriveKey(Passphrase, key));
-    EXPECT_EQ(EncodeHex(key.GetData(), key.GetLength()), EncodeHex(Sha256(PassphraseUtf8)));
-
-    // A longer key goes on with the digest of the key gathered so far; a
-    // shorter one is the digest's start.
-    VBasicBuffer longKey(40);
-    ASSERT_TRUE(PassphraseForm::DeriveKey(Passphrase, longKey));
-    const Bytes first = Sha256(PassphraseUtf8);
-    const Bytes second = Sha256(std::string(first.begin(), first.end()));
-    EXPECT_EQ(EncodeHex(longKey.GetData(), 40), EncodeHex(first) + EncodeHex(second.data(), 8));
-    VBasicBuffer shortKey(16);
-    ASSERT_TRUE(PassphraseForm::DeriveKey(Passphrase, shortKey));
-    EXPECT_EQ(EncodeHex(shortKey.GetData(), 16), EncodeHex(first.data(), 16));
-
-    VBasicBuffer refused(32);
-    EXPECT_FALSE(PassphraseForm::DeriveKey(VUnicodeString(L"lone \xD800"), refused));
-}
-
-TEST(PassphraseFormTest, NoCipherWithoutAUsablePassphrase) {
-    EXPECT_EQ(PassphraseForm::CreateCipher(VUnicodeString(), true), nullptr);
-    EXPECT_EQ(PassphraseForm::CreateCipher(VUnicodeString(L"\xDC00"), false), nullptr);
-    std::unique_ptr<CryptUtils::Cipher> cipher = PassphraseForm::CreateCipher(Passphrase, true);
-    ASSERT_NE(cipher, nullptr);
-    EXPECT_EQ(cipher->GetKeySize(), 32u);
-
-    for (const VUnicodeString& passphrase : {VUnicodeString(), VUnicodeString(L"\xDC00")}) {
+TEST(PassphraseFormTest, EncodingFailsCleanly) {
+    VRefPtr<IRandomSource> failing = VRefPtr<IRandomSource>::Adopt(new FailingRandomSource());
+    const struct {
+        const wchar_t* plain;
+        VUnicodeString passphrase;
+        IRandomSource* random;
+        DWORD code;
+    } cases[] = {
+        {L"ab\xD83D", Passphrase, nullptr, CONFIG_TEXT_NOT_UNICODE},
+        {L"x", VUnicodeString(), nullptr, CONFIG_PASSPHRASE_UNUSABLE},
+        {L"x", VUnicodeString(L"\xDC00"), nullptr, CONFIG_PASSPHRASE_UNUSABLE},
+        {L"x", Passphrase, failing.Get(), FailingRandomSource::Error},
+    };
+    for (const auto& c : cases) {
         VUnicodeString text(L"unchanged");
         VReportMessageParams report;
-        EXPECT_FALSE(PassphraseForm::Encode(L"x", passphrase, text, Name, report));
-        EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_PASSPHRASE_UNUSABLE));
+        EXPECT_FALSE(PassphraseForm::Encode(VUnicodeString(c.plain), c.passphrase, text, Name,
+                                            report, c.random));
+        EXPECT_EQ(report.GetMessageCode(), c.code) << Printable(c.plain);
         EXPECT_EQ(text, L"unchanged");
-        VUnicodeString plain(L"unchanged");
-        EXPECT_FALSE(Decodes(Encoded(L"x"), passphrase, plain, report));
-        EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_PASSPHRASE_UNUSABLE));
     }
 }
 
-TEST(PassphraseFormTest, EncodingFailsCleanlyForALoneSurrogateOrAFailingRandomSource) {
-    VUnicodeString text(L"unchanged");
-    VReportMessageParams report;
-    EXPECT_FALSE(
-        PassphraseForm::Encode(VUnicodeString(L"ab\xD83D"), Passphrase, text, Name, report));
-    EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_TEXT_NOT_UNICODE));
-    ASSERT_EQ(report.GetArguments().GetCount(), 1u);
-    EXPECT_EQ(report.GetArguments()[0], Name);
-    EXPECT_EQ(text, L"unchanged");
-
-    VRefPtr<IRandomSource> failing = VRefPtr<IRandomSource>::Adopt(new FailingRandomSource());
-    EXPECT_FALSE(PassphraseForm::Encode(L"x", Passphrase, text, Name, report, failing.Get()));
-    EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(FailingRandomSource::Error));
-    EXPECT_EQ(text, L"unchanged");
-}
-
-TEST(PassphraseFormTest, RefusesEveryKindOfMalformedText) {
+TEST(ProtectedTextTest, RefusesEveryKindOfMalformedTextAndChangesNothing) {
     const VUnicodeString good = Encoded(L"secret");
     const VUnicodeString digits = good.Mid(3);
-    struct Case {
+    VUnicodeString capi;
+    VReportMessageParams sealReport;
+    {
+        VEncryptedString sealed;
+        ASSERT_TRUE(sealed.SetPlainText(L"secret", Name, sealReport));
+        capi = sealed.GetProtectedText();
+    }
+    const size_t middle = 5 + (capi.GetLength() - 5) / 4 * 2;
+    const VUnicodeString older = VBlowfishString::Encode(L"password");
+    auto flipped = [](const VUnicodeString& text, size_t at) {
+        return text.Left(at) + (text[at] == L'0' ? L"1" : L"0") + text.Mid(at + 1);
+    };
+    auto crafted = [](uint32_t lengthField, size_t changedByte) {
+        Bytes record = Record("secret", lengthField, 22);
+        if (changedByte) record[changedByte] ^= 0x01;
+        return Encipher(record, Passphrase);
+    };
+    const wchar_t* const phrase = L"correct horse \x00E4 battery";
+    const DWORD unreadable = CONFIG_PROTECTED_TEXT_UNREADABLE;
+    const DWORD damaged = CONFIG_PROTECTED_TEXT_DAMAGED;
+    const DWORD invalid = CONFIG_PROTECTED_TEXT_INVALID;
+    const struct {
         const char* what;
         VUnicodeString text;
+        const wchar_t* passphrase;  // nullptr: no pass phrase provider at all
+        DWORD code;
+    } cases[] = {
+        // "02:" texts.
+        {"02: other version", VUnicodeString(L"03:") + digits, phrase, invalid},
+        {"02: prefix only", VUnicodeString(L"02:"), phrase, unreadable},
+        {"02: not a digit", good.Left(10) + L"g" + good.Mid(11), phrase, unreadable},
+        {"02: wide character whose low byte is a digit", good.Left(10) + L"\x0130" + good.Mid(11),
+         phrase, unreadable},
+        {"02: blank inside", good.Left(10) + L" " + good.Mid(11), phrase, unreadable},
+        {"02: odd digit count", good.Left(good.GetLength() - 1), phrase, unreadable},
+        {"02: 32 bytes, under 36", VUnicodeString(L"02:") + digits.Left(64), phrase, unreadable},
+        {"02: not a block multiple", good + L"0011223344556677", phrase, unreadable},
+        {"02: length field beyond the record", crafted(64 - 35, 0), phrase, unreadable},
+        {"02: length field of 2^32 - 1", crafted(0xFFFFFFFFu, 0), phrase, unreadable},
+        {"02: plausible length, wrong digest", crafted(6, 4 + 6 + 5), phrase, unreadable},
+        {"02: text changed after its digest was taken", crafted(6, 5), phrase, unreadable},
+        {"02: text that is not UTF-8", Encipher(Record("\xC3\x28", 2, 26), Passphrase), phrase,
+         unreadable},
+        {"02: first cipher block changed", flipped(good, 3), phrase, unreadable},
+        {"02: second cipher block changed", flipped(good, 35), phrase, unreadable},
+        {"02: pass phrase without its accent", good, L"correct horse a battery", unreadable},
+        {"02: pass phrase in another case", good, L"Correct horse \x00E4 battery", unreadable},
+        {"02: no pass phrase", good, nullptr, CONFIG_PASSPHRASE_UNUSABLE},
+        {"02: empty pass phrase", good, L"", CONFIG_PASSPHRASE_UNUSABLE},
+        {"02: pass phrase not Unicode", good, L"\xDC00", CONFIG_PASSPHRASE_UNUSABLE},
+        // "CAPI:" texts.
+        {"CAPI: odd digit count", capi.Left(capi.GetLength() - 1), phrase, damaged},
+        {"CAPI: one digit", VUnicodeString(L"CAPI:A"), phrase, damaged},
+        {"CAPI: not a digit", capi.Left(middle) + L"G" + capi.Mid(middle + 1), phrase, damaged},
+        {"CAPI: blob byte changed", flipped(capi, middle), phrase, damaged},
+        {"CAPI: blob cut short", capi.Left(capi.GetLength() - 8), phrase, damaged},
+        {"CAPI: not a blob at all", VUnicodeString(L"CAPI:00112233445566778899"), phrase,
+         damaged},
+        // The older form's bare digits.
+        {"older: letter O for the zero", VUnicodeString(L"O2:") + digits, phrase, invalid},
+        {"older: not whole blocks", older.Left(older.GetLength() - 2), phrase, invalid},
+        {"older: odd digit count", older.Left(older.GetLength() - 1), phrase, invalid},
+        {"older: not a digit", older.Left(4) + L"x" + older.Mid(5), phrase, invalid},
+        {"older: a zero unit inside the text", VBlowfishString::Encode(VUnicodeString(L"a\0b", 3)),
+         phrase, invalid},
     };
-    const Case cases[] = {
-        {"no prefix", digits},
-        {"other version", VUnicodeString(L"03:") + digits},
-        {"letter O for the zero", VUnicodeString(L"O2:") + digits},
-        {"prefix without colon", VUnicodeString(L"02") + digits},
-        {"system form", VUnicodeString(L"CAPI:") + digits},
-        {"empty", VUnicodeString()},
-        {"prefix only", VUnicodeString(L"02:")},
-        {"not a digit", good.Left(10) + L"g" + good.Mid(11)},
-        {"blank inside", good.Left(10) + L" " + good.Mid(11)},
-        {"odd digit count", good.Left(good.GetLength() - 1)},
-        {"32 bytes, under 36", VUnicodeString(L"02:") + digits.Left(64)},
-        {"not a block multiple", good + L"0011223344556677"},
-        {"length field beyond the record", Encipher(Record("secret", 64 - 35, 22), Passphrase)},
-        {"length field of 2^32 - 1", Encipher(Record("secret", 0xFFFFFFFFu, 22), Passphrase)},
-        {"plausible length, wrong digest",
-         [] {
-             Bytes record = Record("secret", 6, 22);
-             record[4 + 6 + 5] ^= 0x01;
-             return Encipher(record, Passphrase);
-         }()},
-        {"digest of other bytes",
-         [] {
-             Bytes record = Record("secret", 6, 22);
-             record[5] = 'E';  // the text changed after its digest was taken
-             return Encipher(record, Passphrase);
-         }()},
-        {"text that is not UTF-8", Encipher(Record("\xC3\x28", 2, 26), Passphrase)},
-        {"first cipher block changed",
-         good.Left(3) + (good[3] == L'0' ? L"1" : L"0") + good.Mid(4)},
-        {"second cipher block changed",
-         good.Left(35) + (good[35] == L'0' ? L"1" : L"0") + good.Mid(36)},
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        VRefPtr<IPassphraseProvider> provider;
+        if (c.passphrase)
+            provider = VRefPtr<IPassphraseProvider>::Adopt(
+                new VFixedPassphraseProvider(VUnicodeString(c.passphrase)));
+        const VEncryptedString value(c.text, provider.Get());
         VUnicodeString plain(L"unchanged");
         VReportMessageParams report;
-        EXPECT_FALSE(Decodes(c.text, Passphrase, plain, report)) << c.what;
-        EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_PROTECTED_TEXT_UNREADABLE))
-            << c.what;
+        EXPECT_FALSE(value.GetPlainText(plain, Name, report));
+        EXPECT_EQ(report.GetMessageCode(), c.code);
+        EXPECT_EQ(plain, L"unchanged");
+        EXPECT_EQ(value.GetProtectedText(), c.text);
     }
     // The crafted records are well-formed but for the one defect each has.
     VUnicodeString plain;
     VReportMessageParams report;
-    EXPECT_TRUE(Decodes(Encipher(Record("secret", 6, 22), Passphrase), Passphrase, plain, report));
+    EXPECT_TRUE(Decodes(crafted(6, 0), Passphrase, plain, report));
     EXPECT_EQ(plain, L"secret");
-}
-
-TEST(PassphraseFormTest, AWrongPassphraseFailsTheLengthOrDigestTest) {
-    const VUnicodeString text = Encoded(L"secret");
-    for (const wchar_t* wrong :
-         {L"correct horse a battery", L"Correct horse \x00E4 battery", L"x"}) {
-        VUnicodeString plain(L"unchanged");
-        VReportMessageParams report;
-        EXPECT_FALSE(Decodes(text, VUnicodeString(wrong), plain, report)) << wrong;
-        EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_PROTECTED_TEXT_UNREADABLE));
-    }
 }
 
 TEST(PassphraseFormTest, ManyRandomlyMutatedTextsFailCleanly) {

@@ -1,5 +1,5 @@
-// A command-line face of the crypto utilities and the "02:" form, so that a
-// script can check them against OpenSSL's command line. It reads requests on
+// A command-line face of the "02:" form, so that a script can check it
+// against OpenSSL's command line. It reads requests on
 // standard input, one a line, and answers each with one line. Every text goes
 // in and out as hexadecimal digits (texts as their UTF-8 bytes), which
 // survives the trip through Wine's pipes unchanged. One process answers all
@@ -7,20 +7,15 @@
 //
 //   seal PASSPHRASE TEXT                 -> the "02:" text
 //   open PASSPHRASE PROTECTED            -> TEXT, or "refused 0x<code>"
-//   digest ALGORITHM DATA                -> the digest
-//   encipher CIPHER KEY IV DATA          -> DATA enciphered (CBC, no padding)
 //
 // Empty digits are written "-". A request the tool cannot carry out is
 // answered with "error <reason>".
 
 #include <cstdio>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "CryptUtilsCipher.h"
-#include "CryptUtilsHasher.h"
 #include "HexDigits.h"
 #include "PassphraseForm.h"
 #include "Utf8Text.h"
@@ -33,20 +28,10 @@ using Words = std::vector<VUnicodeString>;
 
 VUnicodeString Error(const wchar_t* reason) { return VUnicodeString(L"error ") + reason; }
 
-bool Bytes(const VUnicodeString& digits, VBasicBuffer& bytes) {
-    return DecodeHexDigits(digits.c_str(), digits.GetLength(), bytes);
-}
-
 // A text given as the hexadecimal digits of its UTF-8 bytes.
 bool Text(const VUnicodeString& digits, VUnicodeString& text) {
     VBasicBuffer utf8;
-    return Bytes(digits, utf8) && ReadUtf8(utf8.GetData(), utf8.GetLength(), text);
-}
-
-VUnicodeString Digits(const uint8_t* bytes, size_t count) {
-    VUnicodeString digits;
-    AppendHexDigits(digits, bytes, count, false);
-    return digits;
+    return DecodeHexDigits(digits.c_str(), digits.GetLength(), utf8) && ReadUtf8(utf8.GetData(), utf8.GetLength(), text);
 }
 
 VUnicodeString Seal(const Words& words) {
@@ -73,34 +58,9 @@ VUnicodeString Open(const Words& words) {
     MeasureUtf8(plain, size);
     VBasicBuffer utf8(size);
     if (size) WriteUtf8(plain, utf8.Extend(size));
-    return Digits(utf8.GetData(), utf8.GetLength());
-}
-
-VUnicodeString Digest(const Words& words) {
-    VBasicBuffer data;
-    if (!Bytes(words[2], data)) return Error(L"bad hexadecimal data");
-    VRefPtr<IHasher> hasher = VRefPtr<IHasher>::Adopt(new CryptUtils::Hasher(words[1].c_str()));
-    VReportMessageParams report;
-    uint8_t digest[128];
-    if (!hasher->Update(data.GetData(), data.GetLength(), report)) return Error(L"hashing failed");
-    const size_t size = hasher->Final(digest, sizeof digest, report);
-    if (size == 0) return Error(L"hashing failed");
-    return Digits(digest, size);
-}
-
-VUnicodeString Encipher(const Words& words) {
-    std::unique_ptr<CryptUtils::Cipher> cipher = CryptUtils::CreateCipher(words[1].c_str());
-    if (!cipher) return Error(L"unknown cipher");
-    VBasicBuffer key, iv, data;
-    if (!Bytes(words[2], key) || !Bytes(words[3], iv) || !Bytes(words[4], data))
-        return Error(L"bad hexadecimal");
-    if (key.GetLength() != cipher->GetKeySize() || iv.GetLength() != cipher->GetIvSize())
-        return Error(L"bad sizes");
-    VReportMessageParams report;
-    if (!cipher->SetEncrypt(iv.GetData(), key.GetData(), report) ||
-        !cipher->Process(data.GetData(), data.GetData(), data.GetLength(), report))
-        return Error(L"enciphering failed");
-    return Digits(data.GetData(), data.GetLength());
+    VUnicodeString digits;
+    AppendHexDigits(digits, utf8.GetData(), utf8.GetLength(), false);
+    return digits;
 }
 
 VUnicodeString Answer(const Words& words) {
@@ -108,8 +68,6 @@ VUnicodeString Answer(const Words& words) {
     const VUnicodeString& command = count ? words[0] : VUnicodeString();
     if (command == L"seal" && count == 3) return Seal(words);
     if (command == L"open" && count == 3) return Open(words);
-    if (command == L"digest" && count == 3) return Digest(words);
-    if (command == L"encipher" && count == 5) return Encipher(words);
     return Error(L"unknown request");
 }
 

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Checks the crypto utilities and the "02:" protected form against OpenSSL's
-# command line, an implementation independent of ours and of Crypto++:
+# Checks the "02:" protected form against OpenSSL's command line, an
+# implementation independent of ours and of Crypto++:
 #   - a "02:" text that OpenSSL enciphered is opened by our decoder (and not
 #     with a wrong pass phrase);
 #   - a "02:" text that we sealed deciphers with OpenSSL to the documented
-#     record: length, UTF-8 text, SHA-256 digest, padding to whole blocks;
-#   - our hashers and ciphers give OpenSSL's digests and cipher texts.
+#     record: length, UTF-8 text, SHA-256 digest, padding to whole blocks.
+# (The hashers and ciphers themselves are checked against NIST's vectors.)
 # All requests go to one run of the tool (a process start under Wine is slow),
 # then the answers are checked in order.
 #
@@ -66,26 +66,6 @@ for text in "${texts[@]}"; do
 
     # We seal; OpenSSL must find the documented record inside.
     ask "seal $passphrase_hex ${text_hex:--}" record "$(le32 "$n")$text_hex$digest" "our text of $n bytes"
-done
-
-for size in 0 1 55 56 64 111 112 1000; do
-    head -c "$size" /dev/urandom >"$work/data"
-    data_hex=$(hex_of <"$work/data")
-    for algorithm in md5 sha1 sha224 sha256 sha384 sha512; do
-        ask "digest $algorithm ${data_hex:--}" same "$(openssl dgst -"$algorithm" -binary "$work/data" | hex_of)" \
-            "$algorithm of $size bytes"
-    done
-done
-
-for bits in 128 192 256; do
-    for blocks in 1 2 7; do
-        cipher_key=$(openssl rand $((bits / 8)) | hex_of)
-        iv=$(openssl rand 16 | hex_of)
-        head -c $((16 * blocks)) /dev/urandom >"$work/data"
-        theirs=$(openssl enc -aes-"$bits"-cbc -K "$cipher_key" -iv "$iv" -nopad -in "$work/data" | hex_of)
-        ask "encipher aes$bits-cbc $cipher_key $iv $(hex_of <"$work/data")" same "$theirs" \
-            "aes$bits-cbc over $blocks blocks"
-    done
 done
 
 printf '%s\n' "${requests[@]}" >"$work/requests"
