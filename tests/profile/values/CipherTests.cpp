@@ -12,16 +12,10 @@
 namespace {
 
 const wchar_t* CipherNameForKey(size_t keyBytes) {
-    switch (keyBytes) {
-        case 16:
-            return L"aes128-cbc";
-        case 24:
-            return L"aes192-cbc";
-        case 32:
-            return L"aes256-cbc";
-        default:
-            return nullptr;
-    }
+    return keyBytes == 16   ? L"aes128-cbc"
+           : keyBytes == 24 ? L"aes192-cbc"
+           : keyBytes == 32 ? L"aes256-cbc"
+                            : nullptr;
 }
 
 // in processed by a cipher of the given key length, keyed for one direction,

@@ -135,21 +135,6 @@ TEST(Utf8TextTest, AgreesWithTheSystemConverterOnRandomWellFormedText) {
     }
 }
 
-TEST(Utf8TextTest, RefusesLoneSurrogates) {
-    const wchar_t* cases[] = {L"\xD800",
-                              L"a\xDC00"
-                              L"b",
-                              L"\xDBFF", L"x\xD83D", L"\xDE00\xD83D"};
-    for (const wchar_t* units : cases) {
-        size_t size = 99;
-        EXPECT_FALSE(MeasureUtf8(VUnicodeString(units), size));
-        EXPECT_EQ(size, 99u);
-    }
-    size_t size = 0;
-    EXPECT_TRUE(MeasureUtf8(VUnicodeString(L"\xD83D\xDE00"), size));  // a proper pair
-    EXPECT_EQ(size, 4u);
-}
-
 TEST(Utf8TextTest, RefusesMalformedUtf8AndLeavesTheTextAlone) {
     const char* cases[] = {
         "\x80",              // continuation without a lead

@@ -10,16 +10,16 @@
 
 #include <chrono>
 #include <cstring>
-#include <random>
 #include <cwchar>
+#include <random>
 
 #include "ConfigMessages.h"
 #include "CryptoTestVectors.h"
 #include "PassphraseForm.h"
 #include "TestRandomSources.h"
+#include "Utf8Text.h"
 #include "VBlowfishString.h"
 #include "VEncryptedString.h"
-#include "Utf8Text.h"
 
 namespace {
 
@@ -213,8 +213,7 @@ TEST(ProtectedTextTest, RefusesEveryKindOfMalformedTextAndChangesNothing) {
         {"CAPI: not a digit", capi.Left(middle) + L"G" + capi.Mid(middle + 1), phrase, damaged},
         {"CAPI: blob byte changed", flipped(capi, middle), phrase, damaged},
         {"CAPI: blob cut short", capi.Left(capi.GetLength() - 8), phrase, damaged},
-        {"CAPI: not a blob at all", VUnicodeString(L"CAPI:00112233445566778899"), phrase,
-         damaged},
+        {"CAPI: not a blob at all", VUnicodeString(L"CAPI:00112233445566778899"), phrase, damaged},
         // The older form's bare digits.
         {"older: letter O for the zero", VUnicodeString(L"O2:") + digits, phrase, invalid},
         {"older: not whole blocks", older.Left(older.GetLength() - 2), phrase, invalid},

@@ -31,7 +31,8 @@ VUnicodeString Error(const wchar_t* reason) { return VUnicodeString(L"error ") +
 // A text given as the hexadecimal digits of its UTF-8 bytes.
 bool Text(const VUnicodeString& digits, VUnicodeString& text) {
     VBasicBuffer utf8;
-    return DecodeHexDigits(digits.c_str(), digits.GetLength(), utf8) && ReadUtf8(utf8.GetData(), utf8.GetLength(), text);
+    return DecodeHexDigits(digits.c_str(), digits.GetLength(), utf8) &&
+           ReadUtf8(utf8.GetData(), utf8.GetLength(), text);
 }
 
 VUnicodeString Seal(const Words& words) {
