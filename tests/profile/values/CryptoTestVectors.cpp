@@ -37,9 +37,8 @@ int HexValue(char digit) {
     throw std::runtime_error(std::string("not a hexadecimal digit: ") + digit);
 }
 
-// The folders of the .txt and of the .dat files, as Windows paths.
+// The folder of the .txt files, as a Windows path.
 std::wstring TestVectorsFolder() { return Widened(CRYPTOPP_TEST_VECTORS_DIR); }
-std::wstring TestDataFolder() { return TestVectorsFolder() + L"\\..\\TestData"; }
 
 }  // namespace
 
@@ -162,19 +161,4 @@ std::vector<CryptoTestCase> ReadTestVectorFile(const std::string& fileName) {
         }
     }
     return cases;
-}
-
-std::vector<std::vector<Bytes>> ReadTestDataFile(const std::string& fileName) {
-    const std::string content = ReadWholeFile(TestDataFolder() + L"\\" + Widened(fileName.c_str()));
-    std::vector<std::vector<Bytes>> rows;
-    std::istringstream lines(content);
-    std::string line;
-    while (std::getline(lines, line)) {
-        std::istringstream items(line);
-        std::vector<Bytes> row;
-        std::string item;
-        while (items >> item) row.push_back(DecodeHex(item));
-        if (!row.empty()) rows.push_back(row);
-    }
-    return rows;
 }

@@ -1,6 +1,6 @@
-// Reads the known-answer files that Crypto++'s source ships (TestVectors/*.txt
-// and TestData/*.dat), so that our hashers and ciphers are checked against
-// published NIST and RFC data rather than values we computed ourselves.
+// Reads the known-answer files that Crypto++'s source ships (TestVectors/*.txt),
+// so that our hashers and ciphers are checked against published NIST and RFC
+// data rather than values we computed ourselves.
 //
 // A .txt file is a list of sections separated by blank lines; each field line
 // "Name: value" sets a field, and each "Test: kind" line is one test that sees
@@ -31,9 +31,6 @@ struct CryptoTestCase {
 // Every test of TestVectors\fileName. Throws std::runtime_error when the file
 // cannot be read or holds a field the reader does not understand.
 std::vector<CryptoTestCase> ReadTestVectorFile(const std::string& fileName);
-
-// The lines of TestData\fileName, each split at blanks into hex-decoded items.
-std::vector<std::vector<Bytes>> ReadTestDataFile(const std::string& fileName);
 
 Bytes DecodeHex(const std::string& digits);
 std::string EncodeHex(const uint8_t* bytes, size_t count);
