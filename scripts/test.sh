@@ -11,28 +11,11 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
 
-build=$root/build
-prefix=$build/wineprefix
-jobs=$(nproc 2>/dev/null || echo 2)
+source "$root/scripts/build-common.sh"
 
-"$root/scripts/setup.sh" </dev/null
-cryptopp_root=$("$root/scripts/setup.sh" --print-cryptopp-root)
-
-configure=(cmake -S "$root" -B "$build" -DCRYPTOPP_ROOT="$cryptopp_root")
-if [ ! -f "$build/CMakeCache.txt" ]; then
-    configure+=(-G Ninja
-                -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64-x86_64.cmake"
-                -DCMAKE_BUILD_TYPE=RelWithDebInfo)
-fi
-mkdir -p "$build"
-"${configure[@]}" >"$build/configure.log" 2>&1 || { cat "$build/configure.log" >&2; exit 1; }
+configure_build
 cmake --build "$build" -j "$jobs"
-
-stop_wine() {
-    "$root/scripts/wine-run" --prefix "$prefix" --stop </dev/null >/dev/null 2>&1 || true
-}
-trap stop_wine EXIT
-"$root/scripts/wine-run" --prefix "$prefix" --start </dev/null
+start_wine
 
 # Nothing may print after ctest: its summary closes the output.
 set +e

@@ -1,0 +1,36 @@
+# Sourced by test.sh and bench.sh: the set-up, configuration and Wine start
+# and stop that both need. Expects $root (the clone) to be set.
+#
+# The build tree is ./build, or $TRAYWELL_BUILD_DIR.
+
+build=${TRAYWELL_BUILD_DIR:-$root/build}
+prefix=$build/wineprefix
+jobs=$(nproc 2>/dev/null || echo 2)
+
+# Installs what is missing, then configures the build tree (once with the
+# toolchain; later runs only refresh the Crypto++ location).
+configure_build() {
+    "$root/scripts/setup.sh" </dev/null
+    local cryptopp_root
+    cryptopp_root=$("$root/scripts/setup.sh" --print-cryptopp-root)
+
+    local configure=(cmake -S "$root" -B "$build" -DCRYPTOPP_ROOT="$cryptopp_root")
+    if [ ! -f "$build/CMakeCache.txt" ]; then
+        configure+=(-G Ninja
+                    -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64-x86_64.cmake"
+                    -DCMAKE_BUILD_TYPE=RelWithDebInfo)
+    fi
+    mkdir -p "$build"
+    "${configure[@]}" >"$build/configure.log" 2>&1 || { cat "$build/configure.log" >&2; exit 1; }
+}
+
+stop_wine() {
+    "$root/scripts/wine-run" --prefix "$prefix" --stop </dev/null >/dev/null 2>&1 || true
+}
+
+# Prepares the build tree's prefix, server and display, and stops them when
+# the script exits, however it exits.
+start_wine() {
+    trap stop_wine EXIT
+    "$root/scripts/wine-run" --prefix "$prefix" --start </dev/null
+}
