@@ -7,6 +7,10 @@ build=${TRAYWELL_BUILD_DIR:-$root/build}
 prefix=$build/wineprefix
 jobs=$(nproc 2>/dev/null || echo 2)
 
+# The compiler cache (when installed) shares objects between clones of the
+# project: paths below the clone count as relative, and the folder is not hashed.
+export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
+
 # Installs what is missing, then configures the build tree (once with the
 # toolchain; later runs only refresh the Crypto++ location).
 configure_build() {

@@ -26,6 +26,7 @@ PACKAGES=(
     cmake
     ninja-build
     dpkg-dev
+    ccache
 )
 
 log() { printf 'setup: %s\n' "$*" >&2; }
