@@ -1,6 +1,5 @@
 #include "VIniFileValueTable.h"
 
-
 #include "PrivateValueNames.h"
 
 namespace {
@@ -53,13 +52,19 @@ VIniFileData* VIniFileValueTable::Find(std::wstring_view name) const {
     return slot == NoSlot ? nullptr : slots_[slot].value.get();
 }
 
-void VIniFileValueTable::Store(std::wstring_view name, VIniFileDataPtr value) {
+const VIniFileText& VIniFileValueTable::KeepText(VIniFileText text) {
+    texts_.push_back(std::move(text));
+    return texts_.back();
+}
+
+void VIniFileValueTable::Store(std::wstring_view name, VIniFileDataPtr value, bool nameIsKept) {
     const size_t hash = HashOf(name);
     const uint32_t slot = index_[Probe(name, hash)];
     if (slot != NoSlot) {
+        if (value && slots_[slot].isPrivate) value->MarkSensitive();
         slots_[slot].value = std::move(value);
     } else {
-        Append(arena_.Keep(name), hash, std::move(value), false);
+        Append(nameIsKept ? name : arena_.Keep(name), hash, std::move(value), false);
     }
 }
 

@@ -2,6 +2,10 @@
 // private value name (in that list's order), then a main list of every other
 // name in the order the names first arrived. Table order - private list, then
 // main list - is the order in which the key writes and walks its values.
+//
+// The table keeps the decoded texts of the files it was read from: values and
+// names read from a file point into them. Values in the private list belong
+// to the user, and texts read out of them are sensitive strings.
 #pragma once
 
 #include <cstddef>
@@ -35,12 +39,16 @@ public:
 
     // Where values read from a file are made (VIniFileArena::Make).
     VIniFileArena& GetArena() { return arena_; }
+    // Keeps a file's decoded text for as long as the table lives; the names
+    // and values read from it point into it.
+    const VIniFileText& KeepText(VIniFileText text);
 
     // The value stored under name (compared exactly), or null.
     VIniFileData* Find(std::wstring_view name) const;
     // Replaces the value of name in its slot, whatever its kind; a name in
-    // neither list is appended to the main list (and copied).
-    void Store(std::wstring_view name, VIniFileDataPtr value);
+    // neither list is appended to the main list. The name is copied unless
+    // it lies in a text the table keeps (KeepText).
+    void Store(std::wstring_view name, VIniFileDataPtr value, bool nameIsKept = false);
     // Empties the slot of name; false when it held no value.
     bool Remove(std::wstring_view name);
 
@@ -67,8 +75,10 @@ private:
     void Append(std::wstring_view name, size_t hash, VIniFileDataPtr value, bool isPrivate);
     void Rehash(size_t capacity);
 
-    // The names of the main list, and the values read from files. Declared
-    // first, so that it goes after the slots that point into it.
+    // The texts read from files, and the arena of the names of the main list
+    // and the values read from files. Declared first, so that they go after
+    // the slots that point into them.
+    std::vector<VIniFileText> texts_;
     VIniFileArena arena_;
     // The private list (the first PrivateValueNameCount slots), then the main list.
     std::vector<Slot> slots_;
