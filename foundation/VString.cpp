@@ -193,6 +193,14 @@ void VBasicString<Char>::Assign(const Char* text, size_t count) {
         Empty();
         return;
     }
+    // A private block with room is written over: a caller that reads many
+    // values into one string allocates once.
+    const bool ownText = text >= chars_ && text <= chars_ + GetLength();
+    if (!ownText && !Str::IsBlockShared(Header()) && Header()->capacityBytes >= (count + 1) * sizeof(Char)) {
+        std::memcpy(chars_, text, count * sizeof(Char));
+        SetLength(count);
+        return;
+    }
     // The text may lie inside this string's own block: copy it out first.
     VBasicString copy(text, count, GetSensitiveState());
     Str::AddBlockReference(copy.Header());

@@ -1,8 +1,11 @@
 #include "IniFileFormat.h"
 
 #include <algorithm>
+#include <bit>
 #include <cwchar>
 #include <cwctype>
+
+#include <emmintrin.h>
 
 namespace {
 
@@ -51,12 +54,37 @@ void AppendNumberEntry(VIniFileText& text, wchar_t kind, std::wstring_view name,
 
 // ---- reading ----
 
-int HexDigitValue(wchar_t character) {
-    if (character >= L'0' && character <= L'9') return character - L'0';
-    if (character >= L'a' && character <= L'f') return character - L'a' + 10;
-    if (character >= L'A' && character <= L'F') return character - L'A' + 10;
-    return -1;
+// The first of a or b in [begin, end), or end. Eight characters at a time:
+// the reader passes over every character of a file this way, to find line
+// ends and closing quotes.
+const wchar_t* FindEither(const wchar_t* begin, const wchar_t* end, wchar_t a, wchar_t b) {
+    const __m128i wantA = _mm_set1_epi16(static_cast<short>(a));
+    const __m128i wantB = _mm_set1_epi16(static_cast<short>(b));
+    for (; end - begin >= 8; begin += 8) {
+        const __m128i eight = _mm_loadu_si128(reinterpret_cast<const __m128i*>(begin));
+        const int found =
+            _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi16(eight, wantA), _mm_cmpeq_epi16(eight, wantB)));
+        if (found != 0) return begin + std::countr_zero(static_cast<unsigned>(found)) / 2;
+    }
+    while (begin < end && *begin != a && *begin != b) ++begin;
+    return begin;
 }
+
+// Hexadecimal digits of either case by character; -1 for every other one.
+struct HexDigitTable {
+    signed char value[128];
+    constexpr HexDigitTable() : value{} {
+        for (int character = 0; character < 128; ++character) {
+            value[character] = -1;
+            if (character >= '0' && character <= '9') value[character] = static_cast<signed char>(character - '0');
+            if (character >= 'a' && character <= 'f') value[character] = static_cast<signed char>(character - 'a' + 10);
+            if (character >= 'A' && character <= 'F') value[character] = static_cast<signed char>(character - 'A' + 10);
+        }
+    }
+};
+constexpr HexDigitTable HexDigits;
+
+int HexDigitValue(wchar_t character) { return character < 128 ? HexDigits.value[character] : -1; }
 
 // The common case first: iswspace is a call into the runtime's tables.
 bool IsWhiteSpace(wchar_t character) { return character == L' ' || std::iswspace(character); }
@@ -92,8 +120,8 @@ bool ParseHeader(const wchar_t* line, size_t length, EntryHeader& header) {
     if (line[1] != L':' || line[2] != L'"') return false;
     const wchar_t* name = line + 3;
     const wchar_t* end = line + length;
-    const wchar_t* closingQuote = std::wmemchr(name, L'"', static_cast<size_t>(end - name));
-    if (!closingQuote || closingQuote + 1 == end || closingQuote[1] != L'=') return false;
+    const wchar_t* closingQuote = FindEither(name, end, L'"', L'"');
+    if (closingQuote == end || closingQuote + 1 == end || closingQuote[1] != L'=') return false;
     header.kind = kind;
     header.name = name;
     header.nameLength = static_cast<size_t>(closingQuote - name);
@@ -111,9 +139,10 @@ size_t ParseBinaryLine(std::wstring_view line, size_t missing, uint8_t* out) {
     size_t i = 0;
     const size_t length = line.size();
     for (;;) {
-        while (i < length && IsWhiteSpace(line[i])) ++i;
+        int high = -1;
+        // Digits first: most characters are, and iswspace is a call.
+        while (i < length && (high = HexDigitValue(line[i])) < 0 && IsWhiteSpace(line[i])) ++i;
         if (i == length) break;
-        const int high = HexDigitValue(line[i]);
         if (high < 0 || i + 1 == length) return 0;
         const int low = HexDigitValue(line[i + 1]);
         if (low < 0 || pairs == missing) return 0;
@@ -156,9 +185,7 @@ void AppendIniStringLine(VIniFileText& text, std::wstring_view string) {
 
 bool NextIniLine(const wchar_t*& position, const wchar_t* end, std::wstring_view& line) {
     if (position == end) return false;
-    const wchar_t* stop = position;
-    // The common case first: most characters are above CR.
-    while (stop < end && (*stop > L'\r' || (*stop != L'\r' && *stop != L'\n'))) ++stop;
+    const wchar_t* stop = FindEither(position, end, L'\r', L'\n');
     line = std::wstring_view(position, static_cast<size_t>(stop - position));
     if (stop == end) {
         position = end;

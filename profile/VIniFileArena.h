@@ -38,8 +38,9 @@ public:
     // A value object in the arena; the pointer runs only its destructor.
     template <class T, class... Arguments>
     VIniFileDataPtr Make(Arguments&&... arguments) {
-        return VIniFileDataPtr(new (Allocate(sizeof(T))) T(std::forward<Arguments>(arguments)...),
-                               VIniFileDataDeleter{true});
+        T* value = new (Allocate(sizeof(T))) T(std::forward<Arguments>(arguments)...);
+        value->SetInArena();
+        return VIniFileDataPtr(value);
     }
 
 private:

@@ -30,11 +30,11 @@ void VIniFileDataDword::AppendTo(VIniFileText& text, std::wstring_view name) con
 }
 
 VIniFileDataString::VIniFileDataString(const VUnicodeString& text)
-    : view_(text.c_str(), text.GetLength()), owned_(text), isOwned_(true) {}
+    : view_(text.c_str(), text.GetLength()), owned_(text) {}
 
 bool VIniFileDataString::GetString(VUnicodeString& text) const {
-    if (isOwned_) {
-        text = owned_;  // shares the block
+    if (owned_) {
+        text = *owned_;  // shares the block
         return true;
     }
     CopyOut(view_, sensitive_, text);
@@ -47,9 +47,9 @@ void VIniFileDataString::AppendTo(VIniFileText& text, std::wstring_view name) co
 
 void VIniFileDataString::MarkSensitive() {
     sensitive_ = true;
-    if (isOwned_ && !owned_.IsSensitive()) {
-        owned_.MakeSensitive();
-        view_ = std::wstring_view(owned_.c_str(), owned_.GetLength());
+    if (owned_ && !owned_->IsSensitive()) {
+        owned_->MakeSensitive();
+        view_ = std::wstring_view(owned_->c_str(), owned_->GetLength());
     }
 }
 
@@ -92,10 +92,11 @@ bool VIniFileDataStringSz::GetMultiString(VArray<VUnicodeString>& strings) const
         strings = strings_;  // shares the blocks
         return true;
     }
-    VArray<VUnicodeString> copies;
-    const Str::SensitiveState state = sensitive_ ? Str::Sensitive : Str::NotSensitive;
-    ForEachString([&](std::wstring_view string) { copies.Add(VUnicodeString(string.data(), string.size(), state)); });
-    strings = std::move(copies);
+    // Into the caller's strings, which keep their blocks where they can.
+    while (strings.GetCount() > count_) strings.RemoveAt(strings.GetCount() - 1);
+    while (strings.GetCount() < count_) strings.Add(VUnicodeString());
+    size_t index = 0;
+    ForEachString([&](std::wstring_view string) { CopyOut(string, sensitive_, strings[index++]); });
     return true;
 }
 

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -40,6 +41,14 @@ public:
     // Texts read out of the value from now on are sensitive strings (the value
     // belongs to the user: a password, a user name, a command).
     virtual void MarkSensitive() {}
+
+    // Whether the value lives in a table's arena (VIniFileArena::Make), which
+    // gives its memory back, rather than on the heap.
+    bool IsInArena() const { return inArena_; }
+    void SetInArena() { inArena_ = true; }
+
+private:
+    bool inArena_ = false;
 };
 
 class VIniFileDataDword : public VIniFileData {
@@ -65,8 +74,10 @@ public:
 
 private:
     std::wstring_view view_;  // the text: into owned_, or into the file's text
-    VUnicodeString owned_;
-    bool isOwned_ = false;
+    // Only a value set by a caller has one: every string holds a reference to
+    // a shared block, changed atomically, which reading thousands of values
+    // would pay for nothing.
+    std::optional<VUnicodeString> owned_;
     bool sensitive_ = false;
 };
 
@@ -114,9 +125,8 @@ private:
 // set) or in the arena of the table that read it from a file, which gives
 // its memory back all at once; then only the destructor is run here.
 struct VIniFileDataDeleter {
-    bool inArena = false;
     void operator()(VIniFileData* data) const noexcept {
-        if (inArena) {
+        if (data->IsInArena()) {
             data->~VIniFileData();
         } else {
             delete data;

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <cwchar>
+#include <iterator>
 #include <string_view>
 #include <vector>
 
@@ -23,6 +24,7 @@ constexpr uint64_t LockOffset = 0;
 constexpr uint64_t LockLength = 4;
 
 constexpr wchar_t IsSessionName[] = L"Is Session";
+constexpr size_t IsSessionLength = std::size(IsSessionName) - 1;
 // What an entry takes in a file's text, give or take: to size the table before
 // reading it.
 constexpr size_t TypicalEntryCharacters = 40;
@@ -242,7 +244,7 @@ bool VIniFileKey::GetString(const VUnicodeString& name, VUnicodeString& text) {
 bool VIniFileKey::GetDword(const VUnicodeString& name, uint32_t& value) {
     // A session is a key whose values file exists; the file answers before
     // any value is read, so listing sessions reads no session's values.
-    if (name == IsSessionName) {
+    if (name.GetLength() == IsSessionLength && name == IsSessionName) {
         const FileInformation& information = GetFileInformation();
         if (information.exists && !information.isFolder) {
             value = 1;

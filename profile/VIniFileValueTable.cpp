@@ -6,7 +6,7 @@ namespace {
 
 constexpr size_t InitialIndexSize = 64;  // room for the private list and a few more
 
-size_t HashOf(std::wstring_view name) { return std::hash<std::wstring_view>()(name); }
+uint32_t HashOf(std::wstring_view name) { return static_cast<uint32_t>(std::hash<std::wstring_view>()(name)); }
 
 }  // namespace
 
@@ -26,7 +26,7 @@ void VIniFileValueTable::Reserve(size_t count) {
     if (capacity != index_.size()) Rehash(capacity);
 }
 
-size_t VIniFileValueTable::Probe(std::wstring_view name, size_t hash) const {
+size_t VIniFileValueTable::Probe(std::wstring_view name, uint32_t hash) const {
     const size_t mask = index_.size() - 1;
     for (size_t position = hash & mask;; position = (position + 1) & mask) {
         const uint32_t slot = index_[position];
@@ -34,7 +34,7 @@ size_t VIniFileValueTable::Probe(std::wstring_view name, size_t hash) const {
     }
 }
 
-void VIniFileValueTable::Append(std::wstring_view name, size_t hash, VIniFileDataPtr value,
+void VIniFileValueTable::Append(std::wstring_view name, uint32_t hash, VIniFileDataPtr value,
                                 bool isPrivate) {
     if (2 * (slots_.size() + 1) > index_.size()) Rehash(2 * index_.size());
     index_[Probe(name, hash)] = static_cast<uint32_t>(slots_.size());
@@ -58,7 +58,7 @@ const VIniFileText& VIniFileValueTable::KeepText(VIniFileText text) {
 }
 
 void VIniFileValueTable::Store(std::wstring_view name, VIniFileDataPtr value, bool nameIsKept) {
-    const size_t hash = HashOf(name);
+    const uint32_t hash = HashOf(name);
     const uint32_t slot = index_[Probe(name, hash)];
     if (slot != NoSlot) {
         if (value && slots_[slot].isPrivate) value->MarkSensitive();

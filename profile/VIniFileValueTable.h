@@ -25,7 +25,7 @@ public:
     struct Slot {
         std::wstring_view name;  // kept by the table
         VIniFileDataPtr value;
-        size_t hash;
+        uint32_t hash;
         bool isPrivate;
     };
 
@@ -71,8 +71,8 @@ private:
 
     // The position in index_ that holds name's slot, or the free position
     // where it would go.
-    size_t Probe(std::wstring_view name, size_t hash) const;
-    void Append(std::wstring_view name, size_t hash, VIniFileDataPtr value, bool isPrivate);
+    size_t Probe(std::wstring_view name, uint32_t hash) const;
+    void Append(std::wstring_view name, uint32_t hash, VIniFileDataPtr value, bool isPrivate);
     void Rehash(size_t capacity);
 
     // The texts read from files, and the arena of the names of the main list
@@ -81,10 +81,11 @@ private:
     std::vector<VIniFileText> texts_;
     VIniFileArena arena_;
     // The private list (the first PrivateValueNameCount slots), then the main list.
-    std::vector<Slot> slots_;
+    // (Wiped vectors for the reuse of their memory, a megabyte for a large key.)
+    WipedVector<Slot> slots_;
     // Open addressing with linear probing: positions in slots_ by name, at
     // most half full. Every value read from a file is looked up once, so a
     // lookup is one hash and, mostly, one comparison.
-    std::vector<uint32_t> index_;
+    WipedVector<uint32_t> index_;
     bool privateRemoved_ = false;
 };

@@ -18,6 +18,8 @@ namespace {
 constexpr size_t MaxCarry = 3;
 // Written text is collected up to this size before it goes to the file.
 constexpr size_t WriteBufferSize = 64 * 1024;
+// ReadAll reads pieces of this size.
+constexpr size_t ReadAllPieceSize = 64 * 1024;
 // Converters take int lengths: long texts are converted in pieces.
 constexpr size_t ConvertPieceCharacters = 1 << 20;
 
@@ -269,29 +271,36 @@ bool VTextFile::ReadAll(WipedVector<wchar_t>& text, uint64_t maxBytes) {
         SetLastError(ERROR_FILE_TOO_LARGE);
         return false;
     }
-    // Sized from the file, then read to its real end: one more byte of room
-    // tells whether the file grew meanwhile.
-    WipedVector<BYTE> bytes(static_cast<size_t>(left) + 1);
-    size_t have = 0;
-    for (;;) {
-        if (have == bytes.size()) {
-            if (bytes.size() > maxBytes) {
-                SetLastError(ERROR_FILE_TOO_LARGE);
-                return false;
-            }
-            bytes.resize(std::min<uint64_t>(2 * bytes.size(), maxBytes + 1));
-        }
-        DWORD got = 0;
-        const DWORD ask = static_cast<DWORD>(std::min<size_t>(bytes.size() - have, MAXDWORD));
-        if (!ReadBytes(bytes.data() + have, ask, got)) return false;
-        if (got == 0) break;
-        have += got;
-    }
-    size_t start = 0;
-    if (!started_ && !Start(bytes.data(), have, position, start)) return false;
-    text.resize(have - start);
+    // A byte gives at most one character; the text is cut to what it holds.
+    text.resize(static_cast<size_t>(left));
     size_t length = 0;
-    DecodeWhole(bytes.data() + start, have - start, text.data(), length);
+    // Read in pieces through one buffer, small enough to be reused from the
+    // heap rather than mapped afresh for every file.
+    WipedVector<BYTE> piece(MaxCarry + ReadAllPieceSize);
+    size_t carried = 0;
+    uint64_t offset = position;
+    for (;;) {
+        DWORD got = 0;
+        if (!ReadBytes(piece.data() + carried, static_cast<DWORD>(ReadAllPieceSize), got)) return false;
+        size_t start = 0;
+        if (!started_ && !Start(piece.data() + carried, got, offset, start)) return false;
+        offset += got;
+        const size_t have = carried + got - start;
+        const bool atEnd = got == 0;
+        const size_t complete = CompleteLength(piece.data() + start, have, atEnd);
+        // More than the file held at first (it grew): the text makes room.
+        if (text.size() - length < complete) text.resize(length + complete);
+        size_t decoded = 0;
+        const bool translated = DecodeWhole(piece.data() + start, complete, text.data() + length, decoded);
+        length += decoded;
+        if (!translated || atEnd) break;
+        carried = have - complete;
+        std::memmove(piece.data(), piece.data() + start + complete, carried);
+        if (offset - position > maxBytes) {
+            SetLastError(ERROR_FILE_TOO_LARGE);
+            return false;
+        }
+    }
     text.resize(length);
     ended_ = true;
     return true;
