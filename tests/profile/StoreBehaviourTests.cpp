@@ -5,6 +5,7 @@
 #include <cstring>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "StoreBehaviour.h"
 
@@ -220,6 +221,58 @@ TEST_P(StoreBehaviour, IteratorsListValuesWithTheirKindsAndSubkeysApart) {
     size_t count = 0;
     while (iterator.Next(name)) ++count;
     EXPECT_EQ(count, 2u);
+}
+
+// A caller that lists the values reads each one right after; what it reads is
+// what the key stores now: written through the key meanwhile, of another
+// kind, or too large to come along with the listing.
+TEST_P(StoreBehaviour, ValuesReadWhileListingAreTheStoredOnes) {
+    const std::vector<BYTE> large(10000, 0x5A);
+    {
+        auto store = Open();
+        VProfileKey& root = store->GetRootKey();
+        ASSERT_TRUE(root.SetDword(L"d", 1));
+        ASSERT_TRUE(root.SetString(L"s", L"text"));
+        ASSERT_TRUE(root.SetBinary(L"b", Bytes, sizeof Bytes));
+        ASSERT_TRUE(root.SetBinary(L"large", large.data(), static_cast<uint32_t>(large.size())));
+        ASSERT_TRUE(root.SetMultiString(L"m", List3));
+        ASSERT_TRUE(root.SetDword(L"rewritten", 1));
+    }
+    auto store = Open();
+    VProfileKey& root = store->GetRootKey();
+    VProfileKeyIterator iterator(root, true);
+    VUnicodeString name;
+    uint32_t kind = 0;
+    size_t listed = 0;
+    while (iterator.Next(name, kind)) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(name.c_str())));
+        ++listed;
+        uint32_t number = 0;
+        VUnicodeString text;
+        std::vector<BYTE> bytes(large.size());
+        uint32_t size = static_cast<uint32_t>(bytes.size());
+        VArray<VUnicodeString> strings;
+        if (name == L"rewritten") {
+            ASSERT_TRUE(root.SetDword(name, 2));
+            ASSERT_TRUE(root.GetDword(name, number));
+            EXPECT_EQ(number, 2u);
+        } else if (name == L"d") {
+            EXPECT_FALSE(ReadAs(root, L"d", ProfileString)) << "of another kind";
+            ASSERT_TRUE(root.GetDword(name, number));
+            EXPECT_EQ(number, 1u);
+        } else if (name == L"s") {
+            ASSERT_TRUE(root.GetString(name, text));
+            EXPECT_EQ(text, L"text");
+        } else if (kind == ProfileBinary) {
+            ASSERT_TRUE(root.GetBinary(name, bytes.data(), size));
+            bytes.resize(size);
+            EXPECT_EQ(bytes, name == L"b" ? std::vector<BYTE>(Bytes, Bytes + sizeof Bytes) : large);
+        } else {
+            ASSERT_TRUE(root.GetMultiString(name, strings));
+            EXPECT_EQ(strings, List3);
+        }
+    }
+    EXPECT_EQ(listed, 6u);
 }
 
 TEST_P(StoreBehaviour, AReadOnlyStoreReadsButNeverWrites) {
