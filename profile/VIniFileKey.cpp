@@ -186,14 +186,15 @@ bool VIniFileKey::ReadValuesFile(const VUnicodeString& path) {
     if (!read) return failed(readError);
 
     const VIniFileText& kept = table_->KeepText(std::move(text));
-    table_->Reserve(kept.size() / TypicalEntryCharacters);
+    table_->BeginReading(kept.size() / TypicalEntryCharacters);
     VIniFileEntryReader reader(kept.data(), kept.data() + kept.size(), table_->GetArena());
     std::wstring_view name;
     VIniFileDataPtr value;
     while (reader.Next(name, value)) {
         // A name the writer could not have made cannot be stored or read back.
-        if (!name.empty()) table_->Store(name, std::move(value), true);
+        if (!name.empty()) table_->Read(name, std::move(value));
     }
+    table_->EndReading();
     return true;
 }
 

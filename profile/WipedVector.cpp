@@ -60,16 +60,16 @@ void* Allocate(size_t bytes) {
     return block + Header;
 }
 
-void Release(void* memory, size_t bytes) noexcept {
+void Release(void* memory, size_t bytes, bool wipe) noexcept {
     if (!memory) return;
     if (bytes < LargeBlock) {
-        SecureZeroMemory(memory, bytes);
+        if (wipe) SecureZeroMemory(memory, bytes);
         ::operator delete(memory);
         return;
     }
     std::byte* block = static_cast<std::byte*>(memory) - Header;
     const size_t size = SizeOf(block);
-    SecureZeroMemory(memory, size);
+    if (wipe) SecureZeroMemory(memory, size);
     {
         Kept& kept = TheKept();
         const std::lock_guard<std::mutex> guard(kept.lock);

@@ -8,6 +8,8 @@
 // and clearing megabytes first would cost as much as the read.
 //
 // Large buffers are kept for reuse (WipedMemory), wiped, when they are freed.
+// ReusedVector keeps its large buffers the same way, without wiping them, for
+// what holds no text of a file.
 #pragma once
 
 #include <cstddef>
@@ -25,21 +27,25 @@ namespace WipedMemory {
 // megabyte that costs as much as reading it, so a thread keeps the last few
 // large blocks it freed (wiped) for its next ones.
 void* Allocate(size_t bytes);
-// Wipes memory (from Allocate with bytes) and frees or keeps it.
-void Release(void* memory, size_t bytes) noexcept;
+// Frees or keeps memory (from Allocate with bytes), wiped first when wipe is set.
+void Release(void* memory, size_t bytes, bool wipe) noexcept;
 
 }  // namespace WipedMemory
 
-template <class T>
-struct WipingAllocator {
+template <class T, bool Wipe>
+struct KeepingAllocator {
     using value_type = T;
-
-    WipingAllocator() noexcept = default;
     template <class U>
-    WipingAllocator(const WipingAllocator<U>&) noexcept {}
+    struct rebind {
+        using other = KeepingAllocator<U, Wipe>;
+    };
+
+    KeepingAllocator() noexcept = default;
+    template <class U>
+    KeepingAllocator(const KeepingAllocator<U, Wipe>&) noexcept {}
 
     T* allocate(size_t count) { return static_cast<T*>(WipedMemory::Allocate(count * sizeof(T))); }
-    void deallocate(T* memory, size_t count) noexcept { WipedMemory::Release(memory, count * sizeof(T)); }
+    void deallocate(T* memory, size_t count) noexcept { WipedMemory::Release(memory, count * sizeof(T), Wipe); }
 
     template <class U>
     void construct(U* place) noexcept(noexcept(U())) {
@@ -51,10 +57,12 @@ struct WipingAllocator {
     }
 
     template <class U>
-    bool operator==(const WipingAllocator<U>&) const noexcept {
+    bool operator==(const KeepingAllocator<U, Wipe>&) const noexcept {
         return true;
     }
 };
 
 template <class T>
-using WipedVector = std::vector<T, WipingAllocator<T>>;
+using WipedVector = std::vector<T, KeepingAllocator<T, true>>;
+template <class T>
+using ReusedVector = std::vector<T, KeepingAllocator<T, false>>;
