@@ -8,3 +8,6 @@
 // (a drive root keeps its "\"). Empty when the system cannot tell; GetLastError
 // then says why. Any thread.
 VUnicodeString GetProgramFolder();
+
+// The path of fileName in the program's folder; empty when the folder is unknown.
+VUnicodeString GetPathBesideProgram(const wchar_t* fileName);

@@ -1,0 +1,34 @@
+#include "ModalProbe.h"
+
+#include <string>
+
+namespace {
+
+ModalProbe* g_probe = nullptr;  // one probe at a time, on the test's thread
+
+// The identifier of a message box's text control.
+constexpr int MessageBoxTextId = 0xFFFF;
+
+}  // namespace
+
+ModalProbe::ModalProbe(std::function<bool()> action, UINT interval)
+    : action_(std::move(action)), timer_(SetTimer(nullptr, 0, interval, OnTimer)) {
+    g_probe = this;
+}
+
+ModalProbe::~ModalProbe() {
+    KillTimer(nullptr, timer_);
+    g_probe = nullptr;
+}
+
+void CALLBACK ModalProbe::OnTimer(HWND, UINT, UINT_PTR id, DWORD) {
+    if (!g_probe || g_probe->timer_ != id || g_probe->done_) return;
+    g_probe->done_ = g_probe->action_();
+    if (g_probe->done_) KillTimer(nullptr, id);
+}
+
+std::wstring MessageBoxText(HWND box) {
+    wchar_t text[1024] = {};
+    GetDlgItemTextW(box, MessageBoxTextId, text, 1024);
+    return text;
+}

@@ -1,0 +1,31 @@
+// Test helper: runs a check from inside a modal loop of the test's own thread
+// (a dialog, a message box, a popup menu), so that a test can look at the
+// window and close it without a second thread. A thread timer does it: every
+// such loop dispatches timer messages.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+
+class ModalProbe {
+public:
+    // action runs every interval milliseconds until it returns true (done).
+    explicit ModalProbe(std::function<bool()> action, UINT interval = 50);
+    ~ModalProbe();
+    ModalProbe(const ModalProbe&) = delete;
+    ModalProbe& operator=(const ModalProbe&) = delete;
+
+    bool IsDone() const { return done_; }
+
+private:
+    static void CALLBACK OnTimer(HWND, UINT, UINT_PTR id, DWORD);
+
+    std::function<bool()> action_;
+    UINT_PTR timer_;
+    bool done_ = false;
+};
+
+// The text of a message box (its static text control), empty when box is none.
+std::wstring MessageBoxText(HWND box);
