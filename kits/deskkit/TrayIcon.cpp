@@ -53,11 +53,7 @@ bool TrayIcon::SetTrayIconTip(const wchar_t* tip) {
 
 void TrayIcon::RemoveTrayIcon() {
     removed_ = true;
-    if (!added_) return;
-    NOTIFYICONDATAW data;
-    FillData(data, 0);
-    Shell_NotifyIconW(NIM_DELETE, &data);
-    added_ = false;
+    if (added_) Delete();
 }
 
 bool TrayIcon::Add() {
@@ -65,6 +61,13 @@ bool TrayIcon::Add() {
     FillData(data, NIF_MESSAGE | NIF_TIP | (icon_ ? NIF_ICON : 0));
     added_ = Shell_NotifyIconW(NIM_ADD, &data) != FALSE;
     return added_;
+}
+
+void TrayIcon::Delete() {
+    NOTIFYICONDATAW data;
+    FillData(data, 0);
+    Shell_NotifyIconW(NIM_DELETE, &data);
+    added_ = false;
 }
 
 // Before the icon is in the notification area, the change is only kept: Add
@@ -113,9 +116,12 @@ LRESULT TrayIcon::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         return 0;
     }
     if (message == taskbarCreatedMessage_ && taskbarCreatedMessage_ != 0) {
-        // Explorer started again (or for the first time): it knows no icons now.
+        // Explorer started again (or for the first time) and knows no icons now.
+        // The message also comes when the shell kept its icons (a change of the
+        // display's scale), where adding alone would fail: take ours out first.
         if (!removed_) {
             const bool wasAdded = added_;
+            if (wasAdded) Delete();
             if (Add()) wasAdded ? client_->OnTrayIconReAdded() : client_->OnTrayIconAdded();
         }
         return 0;

@@ -77,6 +77,7 @@ private:
     static LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
     bool Add();
+    void Delete();
     bool Modify(UINT flags);
     void FillData(NOTIFYICONDATAW& data, UINT flags) const;
     void ShowMenu();

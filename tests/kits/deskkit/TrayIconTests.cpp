@@ -1,0 +1,127 @@
+// The tray icon under Wine and Xvfb: its hidden window is found by class name,
+// the callback message opens the client's menu (read back through the menu
+// APIs while it is open), the chosen item reaches the client, and the icon is
+// added again when the taskbar is re-created.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "ModalProbe.h"
+#include "TrayIcon.h"
+
+namespace {
+
+constexpr UINT MenuGetHandle = 0x01E1;  // MN_GETHMENU: the menu a "#32768" window shows
+
+class RecordingClient : public TrayIconClient {
+public:
+    bool buildMenu = true;
+    int menusBuilt = 0;
+    int added = 0;
+    int readded = 0;
+    std::vector<int> commands;
+
+    void OnTrayIconAdded() override { ++added; }
+    void OnTrayIconReAdded() override { ++readded; }
+    void BuildTrayMenu(HMENU& menu) override {
+        ++menusBuilt;
+        if (!buildMenu) return;
+        menu = CreatePopupMenu();
+        AppendMenuW(menu, MF_STRING, 32772, L"&Connect...");
+        AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+        AppendMenuW(menu, MF_STRING, 32771, L"E&xit");
+    }
+    void OnTrayCommand(int commandId) override { commands.push_back(commandId); }
+};
+
+void DispatchPending() {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+}
+
+// The labels of the open popup menu, then the given keys pressed in it.
+struct MenuSession {
+    std::vector<std::wstring> labels;
+
+    bool ReadAndPress(std::initializer_list<WPARAM> keys) {
+        const HWND window = FindWindowW(L"#32768", nullptr);
+        if (!window || !IsWindowVisible(window)) return false;
+        const auto menu = reinterpret_cast<HMENU>(SendMessageW(window, MenuGetHandle, 0, 0));
+        for (int item = 0; item < GetMenuItemCount(menu); ++item) {
+            wchar_t label[64] = {};
+            GetMenuStringW(menu, item, label, 64, MF_BYPOSITION);
+            labels.push_back(label);
+        }
+        for (WPARAM key : keys) PostMessageW(window, WM_KEYDOWN, key, 0);
+        return true;
+    }
+};
+
+}  // namespace
+
+TEST(TrayIconTest, ClicksOpenTheClientsMenuAndTheChoiceReachesTheClient) {
+    RecordingClient client;
+    TrayIcon icon(&client);
+    ASSERT_TRUE(icon.Create());
+    EXPECT_EQ(FindWindowW(TrayIcon::WindowClassName, nullptr), icon.GetWindow());
+    EXPECT_TRUE(icon.SetTrayIcon(LoadIconW(nullptr, IDI_APPLICATION)));
+    EXPECT_TRUE(icon.SetTrayIconTip(L"Quillon Software Traywell"));
+
+    const struct {
+        LPARAM click;
+        std::initializer_list<WPARAM> keys;
+        std::vector<int> commands;
+    } cases[] = {
+        {WM_RBUTTONUP, {VK_DOWN, VK_DOWN, VK_RETURN}, {32771}},
+        {WM_LBUTTONUP, {VK_DOWN, VK_RETURN}, {32772}},
+        {WM_RBUTTONUP, {VK_ESCAPE}, {}},
+    };
+    for (const auto& test : cases) {
+        client.commands.clear();
+        MenuSession session;
+        ModalProbe probe([&] { return session.ReadAndPress(test.keys); });
+        PostMessageW(icon.GetWindow(), TrayIcon::CallbackMessage, TrayIcon::IconId, test.click);
+        DispatchPending();
+        EXPECT_TRUE(probe.IsDone());
+        EXPECT_EQ(session.labels, (std::vector<std::wstring>{L"&Connect...", L"", L"E&xit"}));
+        EXPECT_EQ(client.commands, test.commands) << test.click;
+    }
+}
+
+TEST(TrayIconTest, OtherMouseMessagesAndAnEmptyMenuShowNothing) {
+    RecordingClient client;
+    TrayIcon icon(&client);
+    ASSERT_TRUE(icon.Create());
+    PostMessageW(icon.GetWindow(), TrayIcon::CallbackMessage, TrayIcon::IconId, WM_MOUSEMOVE);
+    DispatchPending();
+    EXPECT_EQ(client.menusBuilt, 0);
+
+    client.buildMenu = false;
+    PostMessageW(icon.GetWindow(), TrayIcon::CallbackMessage, TrayIcon::IconId, WM_RBUTTONUP);
+    DispatchPending();
+    EXPECT_EQ(client.menusBuilt, 1);
+    EXPECT_EQ(FindWindowW(L"#32768", nullptr) && IsWindowVisible(FindWindowW(L"#32768", nullptr)), false);
+    EXPECT_TRUE(client.commands.empty());
+}
+
+TEST(TrayIconTest, TheIconIsAddedAgainWhenTheTaskbarIsRecreatedUntilRemoved) {
+    RecordingClient client;
+    TrayIcon icon(&client);
+    ASSERT_TRUE(icon.Create());
+    ASSERT_TRUE(icon.IsAdded()) << "the shell under Wine accepts the icon";
+    EXPECT_EQ(client.added, 1);
+
+    const UINT taskbarCreated = RegisterWindowMessageW(L"TaskbarCreated");
+    SendMessageW(icon.GetWindow(), taskbarCreated, 0, 0);
+    EXPECT_EQ(client.readded, 1);
+    EXPECT_TRUE(icon.IsAdded());
+
+    icon.RemoveTrayIcon();
+    EXPECT_FALSE(icon.IsAdded());
+    SendMessageW(icon.GetWindow(), taskbarCreated, 0, 0);
+    EXPECT_FALSE(icon.IsAdded());
+    EXPECT_EQ(client.readded, 1);
+    EXPECT_FALSE(icon.Create()) << "one window per icon";
+}
