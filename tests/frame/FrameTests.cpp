@@ -168,7 +168,7 @@ TEST(VMessageBoxTest, TheHookSeesEveryBoxWithTheProgramTitle) {
 TEST(VMessageBoxTest, WithoutAHookARealBoxIsShownAndAnswered) {
     std::wstring shown;
     ModalProbe probe([&] {
-        const HWND box = FindWindowW(L"#32770", VMessageBoxTitle);
+        const HWND box = FindOwnWindow(L"#32770", VMessageBoxTitle);
         if (!box) return false;
         shown = MessageBoxText(box);
         PostMessageW(box, WM_COMMAND, IDNO, 0);

@@ -1,5 +1,6 @@
 #include "ModalProbe.h"
 
+#include <cwchar>
 #include <string>
 
 namespace {
@@ -25,6 +26,28 @@ void CALLBACK ModalProbe::OnTimer(HWND, UINT, UINT_PTR id, DWORD) {
     if (!g_probe || g_probe->timer_ != id || g_probe->done_) return;
     g_probe->done_ = g_probe->action_();
     if (g_probe->done_) KillTimer(nullptr, id);
+}
+
+HWND FindOwnWindow(const wchar_t* className, const wchar_t* title) {
+    struct Search {
+        const wchar_t* className;
+        const wchar_t* title;
+        HWND found;
+    } search{className, title, nullptr};
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND window, LPARAM parameter) -> BOOL {
+            auto& wanted = *reinterpret_cast<Search*>(parameter);
+            wchar_t text[256] = {};
+            GetClassNameW(window, text, 256);
+            if (!IsWindowVisible(window) || wcscmp(text, wanted.className) != 0) return TRUE;
+            GetWindowTextW(window, text, 256);
+            if (wanted.title && wcscmp(text, wanted.title) != 0) return TRUE;
+            wanted.found = window;
+            return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
 }
 
 std::wstring MessageBoxText(HWND box) {

@@ -27,5 +27,9 @@ private:
     bool done_ = false;
 };
 
+// A visible window of class className (and title, unless null) that this
+// thread made: tests of other programs may show boxes and menus meanwhile.
+HWND FindOwnWindow(const wchar_t* className, const wchar_t* title = nullptr);
+
 // The text of a message box (its static text control), empty when box is none.
 std::wstring MessageBoxText(HWND box);

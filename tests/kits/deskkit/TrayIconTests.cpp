@@ -46,8 +46,8 @@ struct MenuSession {
     std::vector<std::wstring> labels;
 
     bool ReadAndPress(std::initializer_list<WPARAM> keys) {
-        const HWND window = FindWindowW(L"#32768", nullptr);
-        if (!window || !IsWindowVisible(window)) return false;
+        const HWND window = FindOwnWindow(L"#32768");
+        if (!window) return false;
         const auto menu = reinterpret_cast<HMENU>(SendMessageW(window, MenuGetHandle, 0, 0));
         for (int item = 0; item < GetMenuItemCount(menu); ++item) {
             wchar_t label[64] = {};
@@ -65,7 +65,10 @@ TEST(TrayIconTest, ClicksOpenTheClientsMenuAndTheChoiceReachesTheClient) {
     RecordingClient client;
     TrayIcon icon(&client);
     ASSERT_TRUE(icon.Create());
-    EXPECT_EQ(FindWindowW(TrayIcon::WindowClassName, nullptr), icon.GetWindow());
+    HWND found = nullptr;  // a Traywell of another test may run meanwhile
+    do found = FindWindowExW(nullptr, found, TrayIcon::WindowClassName, nullptr);
+    while (found && found != icon.GetWindow());
+    EXPECT_EQ(found, icon.GetWindow());
     EXPECT_TRUE(icon.SetTrayIcon(LoadIconW(nullptr, IDI_APPLICATION)));
     EXPECT_TRUE(icon.SetTrayIconTip(L"Quillon Software Traywell"));
 
@@ -102,7 +105,7 @@ TEST(TrayIconTest, OtherMouseMessagesAndAnEmptyMenuShowNothing) {
     PostMessageW(icon.GetWindow(), TrayIcon::CallbackMessage, TrayIcon::IconId, WM_RBUTTONUP);
     DispatchPending();
     EXPECT_EQ(client.menusBuilt, 1);
-    EXPECT_EQ(FindWindowW(L"#32768", nullptr) && IsWindowVisible(FindWindowW(L"#32768", nullptr)), false);
+    EXPECT_EQ(FindOwnWindow(L"#32768"), nullptr);
     EXPECT_TRUE(client.commands.empty());
 }
 
