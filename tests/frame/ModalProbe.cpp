@@ -1,14 +1,10 @@
 #include "ModalProbe.h"
 
 #include <cwchar>
-#include <string>
 
 namespace {
 
 ModalProbe* g_probe = nullptr;  // one probe at a time, on the test's thread
-
-// The identifier of a message box's text control.
-constexpr int MessageBoxTextId = 0xFFFF;
 
 }  // namespace
 
@@ -25,7 +21,6 @@ ModalProbe::~ModalProbe() {
 void CALLBACK ModalProbe::OnTimer(HWND, UINT, UINT_PTR id, DWORD) {
     if (!g_probe || g_probe->timer_ != id || g_probe->done_) return;
     g_probe->done_ = g_probe->action_();
-    if (g_probe->done_) KillTimer(nullptr, id);
 }
 
 HWND FindOwnWindow(const wchar_t* className, const wchar_t* title) {
@@ -34,24 +29,22 @@ HWND FindOwnWindow(const wchar_t* className, const wchar_t* title) {
         const wchar_t* title;
         HWND found;
     } search{className, title, nullptr};
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND window, LPARAM parameter) -> BOOL {
-            auto& wanted = *reinterpret_cast<Search*>(parameter);
-            wchar_t text[256] = {};
-            GetClassNameW(window, text, 256);
-            if (!IsWindowVisible(window) || wcscmp(text, wanted.className) != 0) return TRUE;
-            GetWindowTextW(window, text, 256);
-            if (wanted.title && wcscmp(text, wanted.title) != 0) return TRUE;
-            wanted.found = window;
-            return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
+    auto matches = [](HWND window, LPARAM parameter) -> BOOL {
+        auto& wanted = *reinterpret_cast<Search*>(parameter);
+        wchar_t text[256] = {};
+        GetClassNameW(window, text, 256);
+        if (!IsWindowVisible(window) || wcscmp(text, wanted.className) != 0) return TRUE;
+        GetWindowTextW(window, text, 256);
+        if (wanted.title && wcscmp(text, wanted.title) != 0) return TRUE;
+        wanted.found = window;
+        return FALSE;
+    };
+    EnumThreadWindows(GetCurrentThreadId(), matches, reinterpret_cast<LPARAM>(&search));
     return search.found;
 }
 
 std::wstring MessageBoxText(HWND box) {
     wchar_t text[1024] = {};
-    GetDlgItemTextW(box, MessageBoxTextId, text, 1024);
+    GetDlgItemTextW(box, 0xFFFF, text, 1024);  // a message box's text control
     return text;
 }

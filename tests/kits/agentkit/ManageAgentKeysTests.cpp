@@ -27,17 +27,15 @@ bool Update(VProfileEncryptedString&, const VUnicodeString&) { return false; }
 VUnicodeString Plaintext(const VProfileEncryptedString&) { return VUnicodeString(); }
 
 struct Observed {
-    bool openDialogShown = false;
     std::vector<int> widths;
     std::wstring protection;
 };
 
-// Reads the open window, then lets the user widen column 1, sort by column 2
-// twice (descending) and close the window.
-bool ActAsUser(VDialog* const& openDialog, Observed& observed) {
+// Reads the open window, then acts as a user: widens column 1, sorts by
+// column 2 twice (descending) and closes the window.
+bool ActAsUser(VDialog* openDialog, Observed& observed) {
     const HWND window = openDialog ? openDialog->GetHwnd() : nullptr;
-    if (!window) return false;
-    observed.openDialogShown = IsWindowVisible(window) != FALSE;
+    if (!window || !IsWindowVisible(window)) return false;
     const HWND list = GetDlgItem(window, ListViewId);
     for (int column = 0; column < Header_GetItemCount(ListView_GetHeader(list)); ++column)
         observed.widths.push_back(ListView_GetColumnWidth(list, column));
@@ -50,28 +48,27 @@ bool ActAsUser(VDialog* const& openDialog, Observed& observed) {
     click.hdr = {list, static_cast<UINT_PTR>(ListViewId), static_cast<UINT>(LVN_COLUMNCLICK)};
     click.iSubItem = 2;
     for (int times = 0; times < 2; ++times) SendMessageW(window, WM_NOTIFY, ListViewId, reinterpret_cast<LPARAM>(&click));
-    PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
-    return true;
+    return PostMessageW(window, WM_COMMAND, IDCANCEL, 0) != FALSE;
 }
 
 }  // namespace
 
 TEST(ManageAgentKeysTest, LaysOutFromTheStateAndHandsBackTheUsersLayout) {
     CommonUiInit(nullptr, nullptr);
+    EXPECT_THROW(SSH2::ClientUiInit(PassphraseDisabled, nullptr, Update, Plaintext), std::invalid_argument);
     SSH2::ClientUiInit(PassphraseDisabled, NoPassphrase, Update, Plaintext);
+    const std::wstring logon = L"Stored keys are protected with your Windows logon.";
+    const std::wstring passphrase = L"Stored keys are protected with the configuration pass phrase.";
+    const std::vector<int> ownWidths{160, 80, 50, 240};
     const struct {
         const wchar_t* saved;
-        std::vector<int> widthsShown;
-        std::vector<int> orderKept;
         bool passphraseDisabled;
-        const wchar_t* protection;
+        std::vector<int> widthsShown, orderKept;
+        std::wstring protection;
     } cases[] = {
-        {L"0,1;100,90,80,70;3,2,1,0", {100, 90, 80, 70}, {3, 2, 1, 0}, true,
-         L"Stored keys are protected with your Windows logon."},
-        // Nothing saved, or a layout of other columns: the window's own widths.
-        {L"", {160, 80, 50, 240}, {0, 1, 2, 3}, false, L"Stored keys are protected with the configuration pass phrase."},
-        {L"0,1;100,90;1,0", {160, 80, 50, 240}, {0, 1, 2, 3}, false,
-         L"Stored keys are protected with the configuration pass phrase."},
+        {L"0,1;100,90,80,70;3,2,1,0", true, {100, 90, 80, 70}, {3, 2, 1, 0}, logon},
+        {L"", false, ownWidths, {0, 1, 2, 3}, passphrase},
+        {L"0,1;100,90;1,0", false, ownWidths, {0, 1, 2, 3}, passphrase},  // a layout of other columns
     };
     for (const auto& test : cases) {
         g_passphraseDisabled = test.passphraseDisabled;
@@ -84,20 +81,13 @@ TEST(ManageAgentKeysTest, LaysOutFromTheStateAndHandsBackTheUsersLayout) {
 
         ASSERT_TRUE(SSH2::LaunchManageAgentKeys(state, nullptr, &openDialog));
         EXPECT_EQ(openDialog, nullptr);
-        EXPECT_TRUE(observed.openDialogShown);
         EXPECT_EQ(observed.widths, test.widthsShown) << test.saved;
         EXPECT_EQ(observed.protection, test.protection);
-
         const VListViewState& kept = state.Get();
         EXPECT_EQ(kept.sortColumn, 2);
         EXPECT_FALSE(kept.sortAscending);
-        ASSERT_EQ(kept.widths.GetCount(), 4u);
-        EXPECT_EQ(kept.widths[1], 123);
-        EXPECT_EQ(kept.widths[0], test.widthsShown[0]);
+        EXPECT_EQ(std::vector<int>(kept.widths.begin(), kept.widths.end()),
+                  (std::vector<int>{test.widthsShown[0], 123, test.widthsShown[2], test.widthsShown[3]}));
         EXPECT_EQ(std::vector<int>(kept.order.begin(), kept.order.end()), test.orderKept);
     }
-}
-
-TEST(ManageAgentKeysTest, ClientUiInitNeedsEveryFunction) {
-    EXPECT_THROW(SSH2::ClientUiInit(PassphraseDisabled, nullptr, Update, Plaintext), std::invalid_argument);
 }

@@ -6,7 +6,7 @@
 
 #include <shlobj.h>
 
-#include <string>
+#include <array>
 
 #include "AppPaths.h"
 #include "Installation.h"
@@ -16,9 +16,6 @@
 
 namespace {
 
-constexpr wchar_t User[] = L"user";
-constexpr wchar_t Machine[] = L"machine";
-
 VUnicodeString ShellFolder(int csidl) {
     wchar_t folder[MAX_PATH] = {};
     SHGetFolderPathW(nullptr, csidl, nullptr, SHGFP_TYPE_CURRENT, folder);
@@ -27,110 +24,90 @@ VUnicodeString ShellFolder(int csidl) {
 
 class InstallationTest : public testing::Test {
 protected:
-    InstallationTest()
-        : appData_(ShellFolder(CSIDL_APPDATA)),
-          localAppData_(ShellFolder(CSIDL_LOCAL_APPDATA)),
-          user_(HKEY_CURRENT_USER, sandbox_, User),
-          machine_(HKEY_LOCAL_MACHINE, sandbox_, Machine) {
+    InstallationTest() {
         WriteWholeFile(folder_ / L"Termwright.exe", "MZ");
         WriteWholeFile(folder_ / L"Filewright.exe", "MZ");
         CreateDirectoryW((folder_ / L"Termlet.exe").c_str(), nullptr);  // a folder, not a program
     }
 
-    // Sets value name of the installation key's subkey (empty: the key) in hive.
-    void SetText(const wchar_t* hive, const wchar_t* subkey, const wchar_t* name, const VUnicodeString& text) {
-        ASSERT_EQ(RegSetKeyValueW(sandbox_.Get(), KeyOf(hive, subkey).c_str(), name, REG_SZ, text.c_str(),
-                                  static_cast<DWORD>((text.GetLength() + 1) * sizeof(wchar_t))),
-                  ERROR_SUCCESS);
+    // Sets value name of the installation key's subkey (empty: the key) in hive
+    // "user" or "machine", as text (REG_SZ) or number (REG_DWORD).
+    void Set(const wchar_t* hive, const wchar_t* subkey, const wchar_t* name, const VUnicodeString& text) {
+        Set(hive, subkey, name, REG_SZ, text.c_str(), (text.GetLength() + 1) * sizeof(wchar_t));
     }
-    void SetNumber(const wchar_t* hive, const wchar_t* subkey, const wchar_t* name, DWORD number) {
-        ASSERT_EQ(RegSetKeyValueW(sandbox_.Get(), KeyOf(hive, subkey).c_str(), name, REG_DWORD, &number,
-                                  sizeof(number)),
-                  ERROR_SUCCESS);
+    void Set(const wchar_t* hive, const wchar_t* subkey, const wchar_t* name, DWORD number) {
+        Set(hive, subkey, name, REG_DWORD, &number, sizeof(number));
     }
-
-    static VUnicodeString KeyOf(const wchar_t* hive, const wchar_t* subkey) {
+    void Set(const wchar_t* hive, const wchar_t* subkey, const wchar_t* name, DWORD type, const void* data,
+             size_t size) {
         VUnicodeString path = VUnicodeString(hive) + L"\\" + InstallationKeyPath;
         if (*subkey) path += VUnicodeString(L"\\") + subkey;
-        return path;
+        ASSERT_EQ(RegSetKeyValueW(sandbox_.Get(), path.c_str(), name, type, data, static_cast<DWORD>(size)),
+                  ERROR_SUCCESS);
     }
 
-    const VUnicodeString appData_;
-    const VUnicodeString localAppData_;
+    // Termwright, Termlet and Filewright installed, integrated, and Termwright or Termlet.
+    static std::array<bool, 5> Installed() {
+        return {IsTermwrightInstalled(), IsTermletInstalled(), IsFilewrightInstalled(), IsIntegrated(),
+                IsTermwrightOrTermletInstalled()};
+    }
+
+    const VUnicodeString appData_ = ShellFolder(CSIDL_APPDATA);
+    const VUnicodeString localAppData_ = ShellFolder(CSIDL_LOCAL_APPDATA);
     TempFolder folder_;
     RegistrySandbox sandbox_;
-    PredefinedKeyRedirect user_;
-    PredefinedKeyRedirect machine_;
+    PredefinedKeyRedirect user_{HKEY_CURRENT_USER, sandbox_, L"user"};
+    PredefinedKeyRedirect machine_{HKEY_LOCAL_MACHINE, sandbox_, L"machine"};
 };
 
-struct Facts {
-    bool termwright, termlet, filewright, integrated;
-};
-
-Facts Installed() {
-    return {IsTermwrightInstalled(), IsTermletInstalled(), IsFilewrightInstalled(), IsIntegrated()};
-}
-
-void ExpectFacts(const Facts& expected, const char* step) {
-    const Facts actual = Installed();
-    EXPECT_EQ(actual.termwright, expected.termwright) << step;
-    EXPECT_EQ(actual.termlet, expected.termlet) << step;
-    EXPECT_EQ(actual.filewright, expected.filewright) << step;
-    EXPECT_EQ(actual.integrated, expected.integrated) << step;
-    EXPECT_EQ(IsTermwrightOrTermletInstalled(), expected.termwright || expected.termlet) << step;
-}
+using Facts = std::array<bool, 5>;
 
 }  // namespace
 
 TEST_F(InstallationTest, ClientsAreInstalledWhereTheRegistrySaysAndTheUserWins) {
     EXPECT_EQ(VUnicodeString(GetTermwrightPath()), GetPathBesideProgram(L"Termwright.exe"));
-    ExpectFacts({false, false, false, false}, "nothing set, nothing beside the tests");
+    EXPECT_EQ(Installed(), (Facts{false, false, false, false, false})) << "nothing set, nothing beside the tests";
 
-    SetText(Machine, L"Termwright", L"Path", folder_ / L"Termwright.exe");
-    SetText(Machine, L"Filewright", L"Path", folder_ / L"Filewright.exe");
-    SetText(Machine, L"Termlet", L"Path", folder_ / L"Termlet.exe");
-    ExpectFacts({true, false, true, true}, "machine-wide; integrated since both are there");
+    Set(L"machine", L"Termwright", L"Path", folder_ / L"Termwright.exe");
+    Set(L"machine", L"Filewright", L"Path", folder_ / L"Filewright.exe");
+    Set(L"machine", L"Termlet", L"Path", folder_ / L"Termlet.exe");
+    EXPECT_EQ(Installed(), (Facts{true, false, true, true, true})) << "integrated since both are there";
     const wchar_t* machinePath = GetTermwrightPath();
-    EXPECT_EQ(VUnicodeString(machinePath), folder_ / L"Termwright.exe");
 
-    SetNumber(Machine, L"", L"Integrated", 0);
-    SetText(User, L"Termwright", L"Path", folder_ / L"Gone.exe");
-    ExpectFacts({false, false, true, false}, "the user's values win");
+    Set(L"machine", L"", L"Integrated", 0);
+    Set(L"user", L"Termwright", L"Path", folder_ / L"Gone.exe");
+    EXPECT_EQ(Installed(), (Facts{false, false, true, false, false})) << "the user's path wins";
     EXPECT_EQ(VUnicodeString(GetTermwrightPath()), folder_ / L"Gone.exe");
     EXPECT_EQ(VUnicodeString(machinePath), folder_ / L"Termwright.exe") << "a path handed out stays valid";
 
     SetEnvironmentVariableW(L"TRAYWELL_TEST_CLIENTS", folder_.Path().c_str());
-    SetText(User, L"Termwright", L"Path", L"%TRAYWELL_TEST_CLIENTS%\\Termwright.exe");
-    SetNumber(User, L"", L"Integrated", 1);
-    ExpectFacts({true, false, true, true}, "variables expanded; the user's Integrated");
+    Set(L"user", L"Termwright", L"Path", L"%TRAYWELL_TEST_CLIENTS%\\Termwright.exe");
+    Set(L"user", L"", L"Integrated", 1);
+    EXPECT_EQ(Installed(), (Facts{true, false, true, true, true})) << "variables expanded";
 }
 
 TEST_F(InstallationTest, ApplicationFoldersHaveDefaultsUnderTheUsersApplicationData) {
     const struct {
         const wchar_t* app;
         const wchar_t* config;
-        VUnicodeString configPath;
-        bool usePersonal;
-        VUnicodeString personalPath;
+        VUnicodeString configPath, personalPath;
     } defaults[] = {
-        {L"Termwright", L"C:\\Config", appData_ + L"\\Quillon\\Termwright", false,
+        {L"Termwright", L"C:\\Config", appData_ + L"\\Quillon\\Termwright",
          localAppData_ + L"\\Quillon\\Termwright\\Personal Data\\C__Config"},
-        {L"Filewright", L"\\\\server\\share\\cfg", appData_ + L"\\Quillon\\Filewright", false,
+        {L"Filewright", L"\\\\server\\share\\cfg", appData_ + L"\\Quillon\\Filewright",
          localAppData_ + L"\\Quillon\\Filewright\\Personal Data\\__server_share_cfg"},
-        {L"", L"C:\\Config", L"", false, L""},
+        {L"", L"C:\\Config", L"", L""},
     };
     for (const auto& test : defaults) {
         EXPECT_EQ(GetAppConfigPath(test.app), test.configPath) << test.app;
-        EXPECT_EQ(UsePersonalDataPath(test.app), test.usePersonal) << test.app;
+        EXPECT_FALSE(UsePersonalDataPath(test.app)) << test.app;
         EXPECT_EQ(GetAppPersonalDataPath(test.app, test.config), test.personalPath) << test.app;
     }
-    EXPECT_EQ(GetAppConfigPath(nullptr), L"");
 
-    SetText(Machine, L"Termwright", L"Config Folder", L"S:\\Shared\\Config");
-    SetNumber(User, L"Termwright", L"Use Personal Data Folder", 1);
-    SetText(User, L"Termwright", L"Personal Data Folder", L"H:\\Mine");
+    Set(L"machine", L"Termwright", L"Config Folder", L"S:\\Shared\\Config");
+    Set(L"user", L"Termwright", L"Use Personal Data Folder", 1);
+    Set(L"user", L"Termwright", L"Personal Data Folder", L"H:\\Mine");
     EXPECT_EQ(GetAppConfigPath(L"Termwright"), L"S:\\Shared\\Config");
     EXPECT_TRUE(UsePersonalDataPath(L"Termwright"));
     EXPECT_EQ(GetAppPersonalDataPath(L"Termwright", L"S:\\Shared\\Config"), L"H:\\Mine");
-    EXPECT_FALSE(UsePersonalDataPath(L"Filewright"));
 }

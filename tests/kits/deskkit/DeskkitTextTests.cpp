@@ -38,24 +38,7 @@ protected:
 
 }  // namespace
 
-TEST_F(PathVariablesTest, GettersGiveWhatWasPublished) {
-    const struct {
-        void (*get)(IString&);
-        const wchar_t* folder;
-    } cases[] = {
-        {GetQlsConfigPathSub, L"C:\\Config"},
-        {GetQlsInstallPathSub, L"D:\\"},
-        {GetQlsUserDataPathSub, L"C:\\Users\\me\\Documents"},
-        {GetQlsSshDataPathSub, L""},
-    };
-    for (const auto& test : cases) {
-        VUnicodeStringI folder(L"old content");
-        test.get(folder);
-        EXPECT_EQ(folder, test.folder);
-    }
-}
-
-TEST_F(PathVariablesTest, ExpansionReplacesTheFourVariablesOnly) {
+TEST_F(PathVariablesTest, GettersAndExpansionGiveThePublishedFolders) {
     const struct {
         const wchar_t* value;
         const wchar_t* expanded;
@@ -70,4 +53,10 @@ TEST_F(PathVariablesTest, ExpansionReplacesTheFourVariablesOnly) {
         {L"", L""},
     };
     for (const auto& test : cases) EXPECT_EQ(ExpandQlsPathVariables(test.value), test.expanded) << test.value;
+
+    VUnicodeStringI folder(L"old content");
+    GetQlsInstallPathSub(folder);
+    EXPECT_EQ(folder, L"D:\\");
+    GetQlsSshDataPathSub(folder);
+    EXPECT_TRUE(folder.IsEmpty());
 }

@@ -18,7 +18,6 @@ constexpr UINT MenuGetHandle = 0x01E1;  // MN_GETHMENU: the menu a "#32768" wind
 class RecordingClient : public TrayIconClient {
 public:
     bool buildMenu = true;
-    int menusBuilt = 0;
     int added = 0;
     int readded = 0;
     std::vector<int> commands;
@@ -26,7 +25,6 @@ public:
     void OnTrayIconAdded() override { ++added; }
     void OnTrayIconReAdded() override { ++readded; }
     void BuildTrayMenu(HMENU& menu) override {
-        ++menusBuilt;
         if (!buildMenu) return;
         menu = CreatePopupMenu();
         AppendMenuW(menu, MF_STRING, 32772, L"&Connect...");
@@ -36,28 +34,19 @@ public:
     void OnTrayCommand(int commandId) override { commands.push_back(commandId); }
 };
 
-void DispatchPending() {
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
-}
-
-// The labels of the open popup menu, then the given keys pressed in it.
-struct MenuSession {
-    std::vector<std::wstring> labels;
-
-    bool ReadAndPress(std::initializer_list<WPARAM> keys) {
-        const HWND window = FindOwnWindow(L"#32768");
-        if (!window) return false;
-        const auto menu = reinterpret_cast<HMENU>(SendMessageW(window, MenuGetHandle, 0, 0));
-        for (int item = 0; item < GetMenuItemCount(menu); ++item) {
-            wchar_t label[64] = {};
-            GetMenuStringW(menu, item, label, 64, MF_BYPOSITION);
-            labels.push_back(label);
-        }
-        for (WPARAM key : keys) PostMessageW(window, WM_KEYDOWN, key, 0);
-        return true;
+// The labels of this thread's open popup menu; then presses keys in it.
+bool ReadMenuAndPress(std::vector<std::wstring>& labels, std::initializer_list<WPARAM> keys) {
+    const HWND window = FindOwnWindow(L"#32768");
+    if (!window) return false;
+    const auto menu = reinterpret_cast<HMENU>(SendMessageW(window, MenuGetHandle, 0, 0));
+    for (int item = 0; item < GetMenuItemCount(menu); ++item) {
+        wchar_t label[64] = {};
+        GetMenuStringW(menu, item, label, 64, MF_BYPOSITION);
+        labels.push_back(label);
     }
-};
+    for (WPARAM key : keys) PostMessageW(window, WM_KEYDOWN, key, 0);
+    return true;
+}
 
 }  // namespace
 
@@ -72,41 +61,31 @@ TEST(TrayIconTest, ClicksOpenTheClientsMenuAndTheChoiceReachesTheClient) {
     EXPECT_TRUE(icon.SetTrayIcon(LoadIconW(nullptr, IDI_APPLICATION)));
     EXPECT_TRUE(icon.SetTrayIconTip(L"Quillon Software Traywell"));
 
+    const std::vector<std::wstring> menu{L"&Connect...", L"", L"E&xit"};
     const struct {
         LPARAM click;
+        bool buildMenu;
         std::initializer_list<WPARAM> keys;
+        std::vector<std::wstring> labels;
         std::vector<int> commands;
     } cases[] = {
-        {WM_RBUTTONUP, {VK_DOWN, VK_DOWN, VK_RETURN}, {32771}},
-        {WM_LBUTTONUP, {VK_DOWN, VK_RETURN}, {32772}},
-        {WM_RBUTTONUP, {VK_ESCAPE}, {}},
+        {WM_RBUTTONUP, true, {VK_DOWN, VK_DOWN, VK_RETURN}, menu, {32771}},
+        {WM_LBUTTONUP, true, {VK_DOWN, VK_RETURN}, menu, {32772}},
+        {WM_RBUTTONUP, true, {VK_ESCAPE}, menu, {}},
+        {WM_MOUSEMOVE, true, {}, {}, {}},
+        {WM_RBUTTONUP, false, {}, {}, {}},  // the client left the menu null
     };
     for (const auto& test : cases) {
+        client.buildMenu = test.buildMenu;
         client.commands.clear();
-        MenuSession session;
-        ModalProbe probe([&] { return session.ReadAndPress(test.keys); });
+        std::vector<std::wstring> labels;
+        ModalProbe probe([&] { return ReadMenuAndPress(labels, test.keys); });
         PostMessageW(icon.GetWindow(), TrayIcon::CallbackMessage, TrayIcon::IconId, test.click);
-        DispatchPending();
-        EXPECT_TRUE(probe.IsDone());
-        EXPECT_EQ(session.labels, (std::vector<std::wstring>{L"&Connect...", L"", L"E&xit"}));
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+        EXPECT_EQ(labels, test.labels) << test.click;
         EXPECT_EQ(client.commands, test.commands) << test.click;
     }
-}
-
-TEST(TrayIconTest, OtherMouseMessagesAndAnEmptyMenuShowNothing) {
-    RecordingClient client;
-    TrayIcon icon(&client);
-    ASSERT_TRUE(icon.Create());
-    PostMessageW(icon.GetWindow(), TrayIcon::CallbackMessage, TrayIcon::IconId, WM_MOUSEMOVE);
-    DispatchPending();
-    EXPECT_EQ(client.menusBuilt, 0);
-
-    client.buildMenu = false;
-    PostMessageW(icon.GetWindow(), TrayIcon::CallbackMessage, TrayIcon::IconId, WM_RBUTTONUP);
-    DispatchPending();
-    EXPECT_EQ(client.menusBuilt, 1);
-    EXPECT_EQ(FindOwnWindow(L"#32768"), nullptr);
-    EXPECT_TRUE(client.commands.empty());
 }
 
 TEST(TrayIconTest, TheIconIsAddedAgainWhenTheTaskbarIsRecreatedUntilRemoved) {
