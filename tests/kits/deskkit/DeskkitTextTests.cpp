@@ -11,34 +11,15 @@ TEST(EscapeAmpersandTest, DoublesEveryAmpersand) {
     const struct {
         const wchar_t* text;
         const wchar_t* escaped;
-    } cases[] = {
-        {L"", L""}, {L"plain", L"plain"}, {L"&", L"&&"}, {L"R&D && QA&", L"R&&D &&&& QA&&"},
-    };
+    } cases[] = {{L"", L""}, {L"plain", L"plain"}, {L"&", L"&&"}, {L"R&D && QA&", L"R&&D &&&& QA&&"}};
     for (const auto& test : cases) EXPECT_EQ(EscapeAmpersand(test.text), test.escaped) << test.text;
-
-    VUnicodeString secret(L"p&ss", Str::Sensitive);
-    EXPECT_TRUE(EscapeAmpersand(secret).IsSensitive());
+    EXPECT_TRUE(EscapeAmpersand(VUnicodeString(L"p&ss", Str::Sensitive)).IsSensitive());
 }
 
-namespace {
-
-class PathVariablesTest : public testing::Test {
-protected:
-    void SetUp() override {
-        SetQlsConfigPathSub(L"C:\\Config");
-        SetQlsInstallPathSub(L"D:\\");
-        SetQlsUserDataPathSub(L"C:\\Users\\me\\Documents");
-        SetQlsSshDataPathSub(nullptr);
-    }
-    void TearDown() override {
-        for (auto set : {SetQlsConfigPathSub, SetQlsInstallPathSub, SetQlsUserDataPathSub, SetQlsSshDataPathSub})
-            set(nullptr);
-    }
-};
-
-}  // namespace
-
-TEST_F(PathVariablesTest, GettersAndExpansionGiveThePublishedFolders) {
+TEST(PathVariablesTest, GettersAndExpansionGiveThePublishedFolders) {
+    SetQlsConfigPathSub(L"C:\\Config");
+    SetQlsInstallPathSub(L"D:\\");
+    SetQlsUserDataPathSub(L"C:\\Users\\me\\Documents");
     const struct {
         const wchar_t* value;
         const wchar_t* expanded;
