@@ -8,8 +8,8 @@ ModalProbe* g_probe = nullptr;  // one probe at a time, on the test's thread
 
 }  // namespace
 
-ModalProbe::ModalProbe(std::function<bool()> action, UINT interval)
-    : action_(std::move(action)), timer_(SetTimer(nullptr, 0, interval, OnTimer)) {
+ModalProbe::ModalProbe(std::function<bool()> action)
+    : action_(std::move(action)), timer_(SetTimer(nullptr, 0, 50, OnTimer)) {
     g_probe = this;
 }
 
@@ -18,24 +18,23 @@ ModalProbe::~ModalProbe() {
     g_probe = nullptr;
 }
 
-void CALLBACK ModalProbe::OnTimer(HWND, UINT, UINT_PTR id, DWORD) {
-    if (!g_probe || g_probe->timer_ != id || g_probe->done_) return;
-    g_probe->done_ = g_probe->action_();
+void CALLBACK ModalProbe::OnTimer(HWND, UINT, UINT_PTR, DWORD) {
+    if (g_probe && !g_probe->done_) g_probe->done_ = g_probe->action_();
 }
 
 HWND FindOwnWindow(const wchar_t* className, const wchar_t* title) {
     struct Search {
-        const wchar_t* className;
-        const wchar_t* title;
+        const wchar_t *className, *title;
         HWND found;
     } search{className, title, nullptr};
     auto matches = [](HWND window, LPARAM parameter) -> BOOL {
         auto& wanted = *reinterpret_cast<Search*>(parameter);
-        wchar_t text[256] = {};
-        GetClassNameW(window, text, 256);
-        if (!IsWindowVisible(window) || wcscmp(text, wanted.className) != 0) return TRUE;
+        wchar_t name[256] = {}, text[256] = {};
+        GetClassNameW(window, name, 256);
         GetWindowTextW(window, text, 256);
-        if (wanted.title && wcscmp(text, wanted.title) != 0) return TRUE;
+        if (!IsWindowVisible(window) || wcscmp(name, wanted.className) != 0 ||
+            (wanted.title && wcscmp(text, wanted.title) != 0))
+            return TRUE;
         wanted.found = window;
         return FALSE;
     };

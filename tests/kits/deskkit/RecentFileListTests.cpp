@@ -33,11 +33,7 @@ protected:
         VProfileStore store(&factory_);
         VProfileKey key(store.GetRootKey(), Section, true);
         int index = 0;
-        for (const wchar_t* text : texts) {
-            VUnicodeString name;
-            name.FormatPositional(L"File%1!d!", index++);
-            text ? key.SetString(name, text) : key.DeleteValue(name);
-        }
+        for (const wchar_t* text : texts) text ? key.SetString(Name(index++), text) : key.DeleteValue(Name(index++));
     }
 
     // The stored values File0 to File9, up to the last one there is.
@@ -45,13 +41,15 @@ protected:
         VProfileStore store(&factory_);
         VProfileKey key(store.GetRootKey(), Section, false);
         Texts texts(10);
-        for (int index = 0; index < 10; ++index) {
-            VUnicodeString name;
-            name.FormatPositional(L"File%1!d!", index);
-            key.GetString(name, texts[static_cast<size_t>(index)]);
-        }
+        for (int index = 0; index < 10; ++index) key.GetString(Name(index), texts[static_cast<size_t>(index)]);
         while (!texts.empty() && texts.back().IsEmpty()) texts.pop_back();
         return texts;
+    }
+
+    static VUnicodeString Name(int index) {
+        VUnicodeString name;
+        name.FormatPositional(L"File%1!d!", index);
+        return name;
     }
 
     TempFolder folder_;
