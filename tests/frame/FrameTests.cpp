@@ -67,7 +67,6 @@ TEST(VWinAppTest, ExitRunsAfterTheLoopAndAfterAFailedStartUp) {
 namespace {
 
 constexpr WORD EditId = 100;
-constexpr WORD FinishId = 200;
 
 class SampleDialog : public VDialog {
 public:
@@ -81,11 +80,6 @@ protected:
         initialText = text;
         return true;
     }
-    bool OnCommand(WORD id, WORD notifyCode, HWND control) override {
-        if (id != FinishId) return VDialog::OnCommand(id, notifyCode, control);
-        EndDialog(42);
-        return true;
-    }
 };
 
 }  // namespace
@@ -94,14 +88,14 @@ TEST(VDialogTest, InMemoryTemplateShowsItsControlsAndEndsWithTheChosenResult) {
     VDialogTemplate dialogTemplate(L"Sample", 160, 80);
     dialogTemplate.AddControl(L"Edit", L"hello", EditId, 5, 5, 100, 12, ES_AUTOHSCROLL);
     dialogTemplate.AddControl(L"Button", L"OK", IDOK, 5, 25, 40, 14, BS_DEFPUSHBUTTON);
-    const struct {
-        WORD command;
-        INT_PTR result;
-    } cases[] = {{IDOK, IDOK}, {IDCANCEL, IDCANCEL}, {FinishId, 42}};
-    for (const auto& test : cases) {
+    // A command of 0 stands for the dialog's own EndDialog(42).
+    for (const WPARAM command : {IDOK, IDCANCEL, 0}) {
         SampleDialog dialog(dialogTemplate);
-        ModalProbe probe([&] { return PostMessageW(dialog.GetHwnd(), WM_COMMAND, test.command, 0) != FALSE; });
-        EXPECT_EQ(dialog.DoModal(), test.result) << test.command;
+        ModalProbe probe([&] {
+            if (!command) dialog.EndDialog(42);
+            return !command || PostMessageW(dialog.GetHwnd(), WM_COMMAND, command, 0);
+        });
+        EXPECT_EQ(dialog.DoModal(), command ? static_cast<INT_PTR>(command) : 42) << command;
         EXPECT_EQ(dialog.initialText, L"hello");
         EXPECT_EQ(dialog.GetHwnd(), nullptr);
     }
@@ -127,12 +121,14 @@ TEST(VMessageBoxTest, TheHookSeesEveryBoxWithTheProgramTitle) {
     EXPECT_EQ(SetMessageBoxHookForTests(nullptr), RecordBox);
 
     wchar_t systemText[256] = {};
-    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, ERROR_ACCESS_DENIED, 0, systemText, 256, nullptr);
+    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, ERROR_ACCESS_DENIED, 0, systemText, 256,
+                   nullptr);
     ASSERT_EQ(g_boxes.size(), 2u);
     EXPECT_EQ(g_boxes[0].type, static_cast<UINT>(MB_ICONEXCLAMATION));
     EXPECT_EQ(std::vector<VUnicodeString>({g_boxes[0].text, g_boxes[1].text}),
               std::vector<VUnicodeString>({L"plain text", systemText}));
-    for (const VMessageBoxCall& call : g_boxes) EXPECT_EQ(call.caption, L"Quillon Software Traywell");
+    for (const VMessageBoxCall& call : g_boxes)
+        EXPECT_EQ(call.caption, L"Quillon Software Traywell");
 }
 
 TEST(VMessageBoxTest, WithoutAHookARealBoxIsShownAndAnswered) {

@@ -47,7 +47,8 @@ bool ActAsUser(VDialog* openDialog, Observed& observed) {
     NMLISTVIEW click{};
     click.hdr = {list, static_cast<UINT_PTR>(ListViewId), static_cast<UINT>(LVN_COLUMNCLICK)};
     click.iSubItem = 2;
-    for (int times = 0; times < 2; ++times) SendMessageW(window, WM_NOTIFY, ListViewId, reinterpret_cast<LPARAM>(&click));
+    for (int times = 0; times < 2; ++times)
+        SendMessageW(window, WM_NOTIFY, ListViewId, reinterpret_cast<LPARAM>(&click));
     return PostMessageW(window, WM_COMMAND, IDCANCEL, 0) != FALSE;
 }
 
@@ -55,10 +56,12 @@ bool ActAsUser(VDialog* openDialog, Observed& observed) {
 
 TEST(ManageAgentKeysTest, LaysOutFromTheStateAndHandsBackTheUsersLayout) {
     CommonUiInit(nullptr, nullptr);
-    EXPECT_THROW(SSH2::ClientUiInit(PassphraseDisabled, nullptr, Update, Plaintext), std::invalid_argument);
+    EXPECT_THROW(SSH2::ClientUiInit(PassphraseDisabled, nullptr, Update, Plaintext),
+                 std::invalid_argument);
     SSH2::ClientUiInit(PassphraseDisabled, NoPassphrase, Update, Plaintext);
     const std::wstring logon = L"Stored keys are protected with your Windows logon.";
-    const std::wstring passphrase = L"Stored keys are protected with the configuration pass phrase.";
+    const std::wstring passphrase =
+        L"Stored keys are protected with the configuration pass phrase.";
     const std::vector<int> ownWidths{160, 80, 50, 240};
     const struct {
         const wchar_t* saved;
@@ -68,7 +71,11 @@ TEST(ManageAgentKeysTest, LaysOutFromTheStateAndHandsBackTheUsersLayout) {
     } cases[] = {
         {L"0,1;100,90,80,70;3,2,1,0", true, {100, 90, 80, 70}, {3, 2, 1, 0}, logon},
         {L"", false, ownWidths, {0, 1, 2, 3}, passphrase},
-        {L"0,1;100,90;1,0", false, ownWidths, {0, 1, 2, 3}, passphrase},  // a layout of other columns
+        {L"0,1;100,90;1,0",
+         false,
+         ownWidths,
+         {0, 1, 2, 3},
+         passphrase},  // a layout of other columns
     };
     for (const auto& test : cases) {
         g_passphraseDisabled = test.passphraseDisabled;
@@ -86,8 +93,9 @@ TEST(ManageAgentKeysTest, LaysOutFromTheStateAndHandsBackTheUsersLayout) {
         const VListViewState& kept = state.Get();
         EXPECT_EQ(kept.sortColumn, 2);
         EXPECT_FALSE(kept.sortAscending);
-        EXPECT_EQ(std::vector<int>(kept.widths.begin(), kept.widths.end()),
-                  (std::vector<int>{test.widthsShown[0], 123, test.widthsShown[2], test.widthsShown[3]}));
+        EXPECT_EQ(
+            std::vector<int>(kept.widths.begin(), kept.widths.end()),
+            (std::vector<int>{test.widthsShown[0], 123, test.widthsShown[2], test.widthsShown[3]}));
         EXPECT_EQ(std::vector<int>(kept.order.begin(), kept.order.end()), test.orderKept);
     }
 }

@@ -32,24 +32,27 @@ protected:
 
     // Sets value name of the installation key's subkey (empty: the key) in hive
     // "user" or "machine", as text (REG_SZ) or number (REG_DWORD).
-    void Set(const wchar_t* hive, const wchar_t* subkey, const wchar_t* name, const VUnicodeString& text) {
-        Set(hive, subkey, name, REG_SZ, text.c_str(), (text.GetLength() + 1) * sizeof(wchar_t));
+    void Set(const wchar_t* hive, const wchar_t* subkey, const wchar_t* name,
+             const VUnicodeString& text) {
+        ASSERT_EQ(
+            RegSetKeyValueW(sandbox_.Get(), Path(hive, subkey).c_str(), name, REG_SZ, text.c_str(),
+                            static_cast<DWORD>((text.GetLength() + 1) * sizeof(wchar_t))),
+            ERROR_SUCCESS);
     }
     void Set(const wchar_t* hive, const wchar_t* subkey, const wchar_t* name, DWORD number) {
-        Set(hive, subkey, name, REG_DWORD, &number, sizeof(number));
-    }
-    void Set(const wchar_t* hive, const wchar_t* subkey, const wchar_t* name, DWORD type, const void* data,
-             size_t size) {
-        VUnicodeString path = VUnicodeString(hive) + L"\\" + InstallationKeyPath;
-        if (*subkey) path += VUnicodeString(L"\\") + subkey;
-        ASSERT_EQ(RegSetKeyValueW(sandbox_.Get(), path.c_str(), name, type, data, static_cast<DWORD>(size)),
+        ASSERT_EQ(RegSetKeyValueW(sandbox_.Get(), Path(hive, subkey).c_str(), name, REG_DWORD,
+                                  &number, 4),
                   ERROR_SUCCESS);
+    }
+    static VUnicodeString Path(const wchar_t* hive, const wchar_t* subkey) {
+        return VUnicodeString(hive) + L"\\" + InstallationKeyPath + (*subkey ? L"\\" : L"") +
+               subkey;
     }
 
     // Termwright, Termlet and Filewright installed, integrated, and Termwright or Termlet.
     static std::array<bool, 5> Installed() {
-        return {IsTermwrightInstalled(), IsTermletInstalled(), IsFilewrightInstalled(), IsIntegrated(),
-                IsTermwrightOrTermletInstalled()};
+        return {IsTermwrightInstalled(), IsTermletInstalled(), IsFilewrightInstalled(),
+                IsIntegrated(), IsTermwrightOrTermletInstalled()};
     }
 
     const VUnicodeString appData_ = ShellFolder(CSIDL_APPDATA);
@@ -66,19 +69,22 @@ using Facts = std::array<bool, 5>;
 
 TEST_F(InstallationTest, ClientsAreInstalledWhereTheRegistrySaysAndTheUserWins) {
     EXPECT_EQ(VUnicodeString(GetTermwrightPath()), GetPathBesideProgram(L"Termwright.exe"));
-    EXPECT_EQ(Installed(), (Facts{false, false, false, false, false})) << "nothing set, nothing beside the tests";
+    EXPECT_EQ(Installed(), (Facts{false, false, false, false, false}))
+        << "nothing set, nothing beside the tests";
 
     Set(L"machine", L"Termwright", L"Path", folder_ / L"Termwright.exe");
     Set(L"machine", L"Filewright", L"Path", folder_ / L"Filewright.exe");
     Set(L"machine", L"Termlet", L"Path", folder_ / L"Termlet.exe");
-    EXPECT_EQ(Installed(), (Facts{true, false, true, true, true})) << "integrated since both are there";
+    EXPECT_EQ(Installed(), (Facts{true, false, true, true, true}))
+        << "integrated since both are there";
     const wchar_t* machinePath = GetTermwrightPath();
 
     Set(L"machine", L"", L"Integrated", 0);
     Set(L"user", L"Termwright", L"Path", folder_ / L"Gone.exe");
     EXPECT_EQ(Installed(), (Facts{false, false, true, false, false})) << "the user's path wins";
     EXPECT_EQ(VUnicodeString(GetTermwrightPath()), folder_ / L"Gone.exe");
-    EXPECT_EQ(VUnicodeString(machinePath), folder_ / L"Termwright.exe") << "a path handed out stays valid";
+    EXPECT_EQ(VUnicodeString(machinePath), folder_ / L"Termwright.exe")
+        << "a path handed out stays valid";
 
     SetEnvironmentVariableW(L"TRAYWELL_TEST_CLIENTS", folder_.Path().c_str());
     Set(L"user", L"Termwright", L"Path", L"%TRAYWELL_TEST_CLIENTS%\\Termwright.exe");

@@ -11,7 +11,8 @@ TEST(EscapeAmpersandTest, DoublesEveryAmpersand) {
     const struct {
         const wchar_t* text;
         const wchar_t* escaped;
-    } cases[] = {{L"", L""}, {L"plain", L"plain"}, {L"&", L"&&"}, {L"R&D && QA&", L"R&&D &&&& QA&&"}};
+    } cases[] = {
+        {L"", L""}, {L"plain", L"plain"}, {L"&", L"&&"}, {L"R&D && QA&", L"R&&D &&&& QA&&"}};
     for (const auto& test : cases) EXPECT_EQ(EscapeAmpersand(test.text), test.escaped) << test.text;
     EXPECT_TRUE(EscapeAmpersand(VUnicodeString(L"p&ss", Str::Sensitive)).IsSensitive());
 }
@@ -33,7 +34,8 @@ TEST(PathVariablesTest, GettersAndExpansionGiveThePublishedFolders) {
         {L"$${QLS_CONFIG_PATH}}", L"$C:\\Config}"},
         {L"", L""},
     };
-    for (const auto& test : cases) EXPECT_EQ(ExpandQlsPathVariables(test.value), test.expanded) << test.value;
+    for (const auto& test : cases)
+        EXPECT_EQ(ExpandQlsPathVariables(test.value), test.expanded) << test.value;
 
     VUnicodeStringI folder(L"old content");
     GetQlsInstallPathSub(folder);

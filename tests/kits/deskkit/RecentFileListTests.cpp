@@ -33,7 +33,8 @@ protected:
         VProfileStore store(&factory_);
         VProfileKey key(store.GetRootKey(), Section, true);
         int index = 0;
-        for (const wchar_t* text : texts) text ? key.SetString(Name(index++), text) : key.DeleteValue(Name(index++));
+        for (const wchar_t* text : texts)
+            text ? key.SetString(Name(index++), text) : key.DeleteValue(Name(index++));
     }
 
     // The stored values File0 to File9, up to the last one there is.
@@ -41,7 +42,8 @@ protected:
         VProfileStore store(&factory_);
         VProfileKey key(store.GetRootKey(), Section, false);
         Texts texts(10);
-        for (int index = 0; index < 10; ++index) key.GetString(Name(index), texts[static_cast<size_t>(index)]);
+        for (int index = 0; index < 10; ++index)
+            key.GetString(Name(index), texts[static_cast<size_t>(index)]);
         while (!texts.empty() && texts.back().IsEmpty()) texts.pop_back();
         return texts;
     }
@@ -56,7 +58,8 @@ protected:
     VIniFileStoreFactory factory_;
 };
 
-Texts Entries(const VRecentFileList& list, VUnicodeString (VRecentFileList::*get)(size_t) const = &VRecentFileList::GetEntry) {
+Texts Entries(const VRecentFileList& list,
+              VUnicodeString (VRecentFileList::*get)(size_t) const = &VRecentFileList::GetEntry) {
     Texts entries;
     for (size_t index = 0; index < list.GetCount(); ++index) entries.push_back((list.*get)(index));
     return entries;
@@ -75,7 +78,8 @@ TEST_F(RecentFileListTest, ReadsDenselyWithoutRepeatsAndSeesLaterEntriesOnReload
     EXPECT_EQ(list.GetEntry(8), L"");
     EXPECT_THROW(list.GetEntry(9), std::invalid_argument);
     EXPECT_THROW(list.AddToMostRecent(9), std::invalid_argument);
-    EXPECT_EQ(Entries(VRecentFileList(1, Section, L"File%1!d!", 2, 30)), (Texts{L"R&D"})) << "numbered from 1";
+    EXPECT_EQ(Entries(VRecentFileList(1, Section, L"File%1!d!", 2, 30)), (Texts{L"R&D"}))
+        << "numbered from 1";
 }
 
 TEST_F(RecentFileListTest, MovingToTheTopReadsWhatClientsStoredMeanwhileAndKeepsTheSize) {
