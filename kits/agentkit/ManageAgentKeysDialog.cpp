@@ -71,6 +71,8 @@ bool ManageAgentKeysDialog::OnInitDialog() {
                     functions.isConfigPassphraseDisabled()
                         ? L"Stored keys are protected with your Windows logon."
                         : L"Stored keys are protected with the configuration pass phrase.");
+    // Opened from the tray, the window has no owner to stand in front of.
+    SetForegroundWindow(GetHwnd());
     return true;
 }
 
