@@ -50,7 +50,8 @@ protected:
     void SetCaption(const wchar_t* text) const { SetWindowTextW(window_, text); }
 
 private:
-    static INT_PTR CALLBACK DialogProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    static INT_PTR CALLBACK DialogProcedure(HWND window, UINT message, WPARAM wParam,
+                                            LPARAM lParam);
     INT_PTR Dispatch(UINT message, WPARAM wParam, LPARAM lParam);
 
     UINT templateId_ = 0;

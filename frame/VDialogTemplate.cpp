@@ -15,9 +15,15 @@ constexpr size_t ControlCountIndex = 4;
 VDialogTemplate::VDialogTemplate(const wchar_t* caption, short width, short height, DWORD style) {
     style |= DS_SETFONT;
     const DWORD extendedStyle = 0;
-    words_ = {LOWORD(style), HIWORD(style), LOWORD(extendedStyle), HIWORD(extendedStyle),
+    words_ = {LOWORD(style),
+              HIWORD(style),
+              LOWORD(extendedStyle),
+              HIWORD(extendedStyle),
               0,  // controls, counted by AddControl
-              0, 0, static_cast<uint16_t>(width), static_cast<uint16_t>(height),
+              0,
+              0,
+              static_cast<uint16_t>(width),
+              static_cast<uint16_t>(height),
               0,   // no menu
               0};  // the predefined dialog class
     AppendText(caption);
@@ -25,13 +31,15 @@ VDialogTemplate::VDialogTemplate(const wchar_t* caption, short width, short heig
     AppendText(FontName);
 }
 
-void VDialogTemplate::AddControl(const wchar_t* className, const wchar_t* text, WORD id, short x, short y,
-                                 short width, short height, DWORD style, DWORD extendedStyle) {
+void VDialogTemplate::AddControl(const wchar_t* className, const wchar_t* text, WORD id, short x,
+                                 short y, short width, short height, DWORD style,
+                                 DWORD extendedStyle) {
     style |= WS_CHILD | WS_VISIBLE;
     AlignToDword();  // each DLGITEMTEMPLATE starts on a DWORD boundary
-    words_.insert(words_.end(), {LOWORD(style), HIWORD(style), LOWORD(extendedStyle), HIWORD(extendedStyle),
-                                 static_cast<uint16_t>(x), static_cast<uint16_t>(y),
-                                 static_cast<uint16_t>(width), static_cast<uint16_t>(height), id});
+    words_.insert(words_.end(),
+                  {LOWORD(style), HIWORD(style), LOWORD(extendedStyle), HIWORD(extendedStyle),
+                   static_cast<uint16_t>(x), static_cast<uint16_t>(y), static_cast<uint16_t>(width),
+                   static_cast<uint16_t>(height), id});
     AppendText(className);
     AppendText(text);
     words_.push_back(0);  // no creation data

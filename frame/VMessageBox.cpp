@@ -12,7 +12,8 @@ std::atomic<VMessageBoxHook> g_hook{nullptr};
 
 int VMessageBox(const wchar_t* text, UINT type, HWND owner) {
     if (const VMessageBoxHook hook = g_hook.load())
-        return hook(VMessageBoxCall{owner, VUnicodeString(text), VUnicodeString(VMessageBoxTitle), type});
+        return hook(
+            VMessageBoxCall{owner, VUnicodeString(text), VUnicodeString(VMessageBoxTitle), type});
     // A tray program's box has no window of ours to stand in front of; without
     // MB_SETFOREGROUND it may open behind the window the user is working in.
     return MessageBoxW(owner, text, VMessageBoxTitle, type | MB_SETFOREGROUND);

@@ -15,9 +15,10 @@ const AgentUiFunctions& GetAgentUiFunctions() { return g_functions; }
 
 namespace SSH2 {
 
-void ClientUiInit(bool (*isConfigPassphraseDisabled)(), VUnicodeString (*getConfigPassphrase)(),
-                  bool (*updateProfileEncryptedString)(VProfileEncryptedString&, const VUnicodeString&),
-                  VUnicodeString (*getProfileEncryptedPlaintextString)(const VProfileEncryptedString&)) {
+void ClientUiInit(
+    bool (*isConfigPassphraseDisabled)(), VUnicodeString (*getConfigPassphrase)(),
+    bool (*updateProfileEncryptedString)(VProfileEncryptedString&, const VUnicodeString&),
+    VUnicodeString (*getProfileEncryptedPlaintextString)(const VProfileEncryptedString&)) {
     if (!isConfigPassphraseDisabled || !getConfigPassphrase || !updateProfileEncryptedString ||
         !getProfileEncryptedPlaintextString)
         throw std::invalid_argument("SSH2::ClientUiInit: every function is needed");
@@ -25,7 +26,8 @@ void ClientUiInit(bool (*isConfigPassphraseDisabled)(), VUnicodeString (*getConf
                    getProfileEncryptedPlaintextString};
 }
 
-bool LaunchManageAgentKeys(VProfileListViewState& listViewState, HWND parent, VDialog** openDialog) {
+bool LaunchManageAgentKeys(VProfileListViewState& listViewState, HWND parent,
+                           VDialog** openDialog) {
     VListViewState state = listViewState.Get();
     ManageAgentKeysDialog dialog(state, parent);
     if (openDialog) *openDialog = &dialog;

@@ -17,10 +17,10 @@ namespace SSH2 {
 // read and write protected profile strings, and tell how new ones are sealed.
 // Call once at start-up, after a successful SSH2::Init. Null pointers are
 // misuse (std::invalid_argument).
-void ClientUiInit(bool (*isConfigPassphraseDisabled)(),
-                  VUnicodeString (*getConfigPassphrase)(),
-                  bool (*updateProfileEncryptedString)(VProfileEncryptedString&, const VUnicodeString&),
-                  VUnicodeString (*getProfileEncryptedPlaintextString)(const VProfileEncryptedString&));
+void ClientUiInit(
+    bool (*isConfigPassphraseDisabled)(), VUnicodeString (*getConfigPassphrase)(),
+    bool (*updateProfileEncryptedString)(VProfileEncryptedString&, const VUnicodeString&),
+    VUnicodeString (*getProfileEncryptedPlaintextString)(const VProfileEncryptedString&));
 
 // Shows the Manage Agent Keys window modally, owned by parent (may be null),
 // and returns when the user closes it. The list view's columns take their

@@ -39,8 +39,9 @@ struct SortOrder {
 
 int CALLBACK CompareItems(LPARAM first, LPARAM second, LPARAM order) {
     const auto& sort = *reinterpret_cast<const SortOrder*>(order);
-    const int compared = ItemText(sort.list, static_cast<int>(first), sort.column)
-                             .CompareNoCase(ItemText(sort.list, static_cast<int>(second), sort.column));
+    const int compared =
+        ItemText(sort.list, static_cast<int>(first), sort.column)
+            .CompareNoCase(ItemText(sort.list, static_cast<int>(second), sort.column));
     return sort.ascending ? compared : -compared;
 }
 
@@ -66,9 +67,12 @@ bool ManageAgentKeysDialog::OnInitDialog() {
     // Tells the user how keys kept by the agent are sealed in the settings.
     const AgentUiFunctions& functions = GetAgentUiFunctions();
     if (functions.isConfigPassphraseDisabled)
-        SetItemText(ProtectionTextId, functions.isConfigPassphraseDisabled()
-                                          ? L"Stored keys are protected with your Windows logon."
-                                          : L"Stored keys are protected with the configuration pass phrase.");
+        SetItemText(ProtectionTextId,
+                    functions.isConfigPassphraseDisabled()
+                        ? L"Stored keys are protected with your Windows logon."
+                        : L"Stored keys are protected with the configuration pass phrase.");
+    // Opened from the tray, the window has no owner to stand in front of.
+    SetForegroundWindow(GetHwnd());
     return true;
 }
 
@@ -106,7 +110,8 @@ void ManageAgentKeysDialog::ApplyState() {
         std::vector<int> order(state_.order.begin(), state_.order.end());
         ListView_SetColumnOrderArray(list_, ColumnCount, order.data());
     }
-    if (state_.sortColumn >= 0 && state_.sortColumn < ColumnCount) SortBy(state_.sortColumn, state_.sortAscending);
+    if (state_.sortColumn >= 0 && state_.sortColumn < ColumnCount)
+        SortBy(state_.sortColumn, state_.sortAscending);
 }
 
 void ManageAgentKeysDialog::KeepState() {

@@ -37,7 +37,8 @@ VUnicodeString GetAppConfigPath(const wchar_t* appName) {
 
 bool UsePersonalDataPath(const wchar_t* appName) {
     uint32_t use = 0;
-    return !IsEmptyName(appName) && ReadInstallationDword(appName, L"Use Personal Data Folder", use) && use != 0;
+    return !IsEmptyName(appName) &&
+           ReadInstallationDword(appName, L"Use Personal Data Folder", use) && use != 0;
 }
 
 VUnicodeString GetAppPersonalDataPath(const wchar_t* appName, const wchar_t* configFolder) {

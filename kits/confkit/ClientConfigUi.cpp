@@ -18,11 +18,14 @@ std::atomic<ReportRouterProvider> g_routerProvider{nullptr};
 
 }  // namespace
 
-void ClientConfigUiInitProfileFactory(VProfileStoreFactory* (*provider)()) { g_factoryProvider.store(provider); }
+void ClientConfigUiInitProfileFactory(VProfileStoreFactory* (*provider)()) {
+    g_factoryProvider.store(provider);
+}
 
 bool ClientConfigUiInit(VReportMessageRouter* (*routerProvider)(), int interfaceVersion) {
     if (interfaceVersion != InterfaceVersion)
-        throw std::invalid_argument("ClientConfigUiInit: this library has interface version 1 only");
+        throw std::invalid_argument(
+            "ClientConfigUiInit: this library has interface version 1 only");
     g_routerProvider.store(routerProvider);
     return VReportMessageParams::LoadFallbackModule(ConfigMessagesModule);
 }

@@ -17,7 +17,8 @@ constexpr wchar_t Filewright[] = L"Filewright";
 
 VUnicodeString ExecutablePath(const wchar_t* client) {
     VUnicodeString path;
-    if (!ReadInstallationString(client, L"Path", path)) path = GetPathBesideProgram((VUnicodeString(client) + L".exe").c_str());
+    if (!ReadInstallationString(client, L"Path", path))
+        path = GetPathBesideProgram((VUnicodeString(client) + L".exe").c_str());
     return path;
 }
 

@@ -55,12 +55,15 @@ bool ReadInstallationString(const wchar_t* subkey, const wchar_t* name, VUnicode
 }
 
 bool ReadInstallationDword(const wchar_t* subkey, const wchar_t* name, uint32_t& value) {
-    return ReadFirst(subkey, value, [name](VRegistryKey& key, uint32_t& found) { return key.GetDword(name, found); });
+    return ReadFirst(subkey, value, [name](VRegistryKey& key, uint32_t& found) {
+        return key.GetDword(name, found);
+    });
 }
 
 VUnicodeString GetShellFolder(int csidl) {
     wchar_t folder[MAX_PATH];
-    if (FAILED(SHGetFolderPathW(nullptr, csidl, nullptr, SHGFP_TYPE_CURRENT, folder))) return VUnicodeString();
+    if (FAILED(SHGetFolderPathW(nullptr, csidl, nullptr, SHGFP_TYPE_CURRENT, folder)))
+        return VUnicodeString();
     VUnicodeString path(folder);
     while (path.EndsWith(L"\\") && !path.EndsWith(L":\\")) path.Delete(path.GetLength() - 1, 1);
     return path;

@@ -15,7 +15,8 @@ std::atomic<ProfileStoreFactoryProvider> g_storeProvider{nullptr};
 
 }  // namespace
 
-bool CommonUiInit(HostnameResolverProvider resolverProvider, ProfileStoreFactoryProvider storeProvider) {
+bool CommonUiInit(HostnameResolverProvider resolverProvider,
+                  ProfileStoreFactoryProvider storeProvider) {
     g_resolverProvider.store(resolverProvider);
     g_storeProvider.store(storeProvider);
     INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_LISTVIEW_CLASSES | ICC_STANDARD_CLASSES};

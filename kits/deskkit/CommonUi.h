@@ -12,7 +12,8 @@ using ProfileStoreFactoryProvider = VProfileStoreFactory* (*)();
 // classes (list views and the like). Call once at start-up, on the UI thread,
 // before any other Deskkit function. False when the controls cannot be
 // registered; the providers are kept all the same.
-bool CommonUiInit(HostnameResolverProvider resolverProvider, ProfileStoreFactoryProvider storeProvider);
+bool CommonUiInit(HostnameResolverProvider resolverProvider,
+                  ProfileStoreFactoryProvider storeProvider);
 
 // The factory of the store Deskkit reads and writes now: the provider's answer,
 // or CurrentProfileStoreFactory() when no provider was given. Not owned. Any thread.

@@ -10,7 +10,8 @@ namespace {
 enum Variable { ConfigPath, InstallPath, UserDataPath, SshDataPath, VariableCount };
 
 constexpr const wchar_t* VariableNames[VariableCount] = {
-    L"${QLS_CONFIG_PATH}", L"${QLS_INSTALL_PATH}", L"${QLS_USER_DATA_PATH}", L"${QLS_SSH_DATA_PATH}"};
+    L"${QLS_CONFIG_PATH}", L"${QLS_INSTALL_PATH}", L"${QLS_USER_DATA_PATH}",
+    L"${QLS_SSH_DATA_PATH}"};
 
 // Published once at start-up, read by any thread that uses a path value.
 std::mutex g_lock;

@@ -33,8 +33,8 @@ bool TrayIcon::Create() {
     // The shell broadcasts this message to every top-level window when the
     // taskbar is (re-)created; a message-only window would never see it.
     taskbarCreatedMessage_ = RegisterWindowMessageW(L"TaskbarCreated");
-    window_.Reset(CreateWindowExW(WS_EX_TOOLWINDOW, WindowClassName, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
-                                  GetModuleHandleW(nullptr), this));
+    window_.Reset(CreateWindowExW(WS_EX_TOOLWINDOW, WindowClassName, L"", WS_POPUP, 0, 0, 0, 0,
+                                  nullptr, nullptr, GetModuleHandleW(nullptr), this));
     if (!window_) return false;
     if (Add()) client_->OnTrayIconAdded();
     return true;
@@ -53,11 +53,7 @@ bool TrayIcon::SetTrayIconTip(const wchar_t* tip) {
 
 void TrayIcon::RemoveTrayIcon() {
     removed_ = true;
-    if (!added_) return;
-    NOTIFYICONDATAW data;
-    FillData(data, 0);
-    Shell_NotifyIconW(NIM_DELETE, &data);
-    added_ = false;
+    if (added_) Delete();
 }
 
 bool TrayIcon::Add() {
@@ -65,6 +61,13 @@ bool TrayIcon::Add() {
     FillData(data, NIF_MESSAGE | NIF_TIP | (icon_ ? NIF_ICON : 0));
     added_ = Shell_NotifyIconW(NIM_ADD, &data) != FALSE;
     return added_;
+}
+
+void TrayIcon::Delete() {
+    NOTIFYICONDATAW data;
+    FillData(data, 0);
+    Shell_NotifyIconW(NIM_DELETE, &data);
+    added_ = false;
 }
 
 // Before the icon is in the notification area, the change is only kept: Add
@@ -99,9 +102,10 @@ void TrayIcon::ShowMenu() {
     // Without the foreground, the menu would not close when the user clicks
     // elsewhere; the WM_NULL afterwards lets a second click on the icon work.
     SetForegroundWindow(window_.Get());
-    const int command = TrackPopupMenuEx(menu.Get(), TPM_RETURNCMD | TPM_NONOTIFY | TPM_RIGHTBUTTON |
-                                                         TPM_RIGHTALIGN | TPM_BOTTOMALIGN,
-                                         cursor.x, cursor.y, window_.Get(), nullptr);
+    const int command = TrackPopupMenuEx(
+        menu.Get(),
+        TPM_RETURNCMD | TPM_NONOTIFY | TPM_RIGHTBUTTON | TPM_RIGHTALIGN | TPM_BOTTOMALIGN, cursor.x,
+        cursor.y, window_.Get(), nullptr);
     PostMessageW(window_.Get(), WM_NULL, 0, 0);
     menuOpen_ = false;
     if (command != 0) client_->OnTrayCommand(command);
@@ -113,9 +117,12 @@ LRESULT TrayIcon::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         return 0;
     }
     if (message == taskbarCreatedMessage_ && taskbarCreatedMessage_ != 0) {
-        // Explorer started again (or for the first time): it knows no icons now.
+        // Explorer started again (or for the first time) and knows no icons now.
+        // The message also comes when the shell kept its icons (a change of the
+        // display's scale), where adding alone would fail: take ours out first.
         if (!removed_) {
             const bool wasAdded = added_;
+            if (wasAdded) Delete();
             if (Add()) wasAdded ? client_->OnTrayIconReAdded() : client_->OnTrayIconAdded();
         }
         return 0;
@@ -123,13 +130,16 @@ LRESULT TrayIcon::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     return DefWindowProcW(window_.Get(), message, wParam, lParam);
 }
 
-LRESULT CALLBACK TrayIcon::WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT CALLBACK TrayIcon::WindowProcedure(HWND window, UINT message, WPARAM wParam,
+                                           LPARAM lParam) {
     if (message == WM_NCCREATE) {
         const auto* creation = reinterpret_cast<const CREATESTRUCTW*>(lParam);
-        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(creation->lpCreateParams));
+        SetWindowLongPtrW(window, GWLP_USERDATA,
+                          reinterpret_cast<LONG_PTR>(creation->lpCreateParams));
     }
     auto* icon = reinterpret_cast<TrayIcon*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     // window_ is set only when CreateWindowExW returns; until then, defaults.
-    if (!icon || icon->window_.Get() != window) return DefWindowProcW(window, message, wParam, lParam);
+    if (!icon || icon->window_.Get() != window)
+        return DefWindowProcW(window, message, wParam, lParam);
     return icon->Handle(message, wParam, lParam);
 }

@@ -74,9 +74,11 @@ public:
     bool IsAdded() const { return added_; }
 
 private:
-    static LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    static LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam,
+                                            LPARAM lParam);
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
     bool Add();
+    void Delete();
     bool Modify(UINT flags);
     void FillData(NOTIFYICONDATAW& data, UINT flags) const;
     void ShowMenu();
@@ -87,6 +89,6 @@ private:
     wchar_t tip_[128] = {};
     UINT taskbarCreatedMessage_ = 0;
     bool added_ = false;
-    bool removed_ = false;    // RemoveTrayIcon was called: never add again
-    bool menuOpen_ = false;   // a click while the menu is open must not open a second one
+    bool removed_ = false;   // RemoveTrayIcon was called: never add again
+    bool menuOpen_ = false;  // a click while the menu is open must not open a second one
 };

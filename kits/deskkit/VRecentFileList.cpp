@@ -27,9 +27,13 @@ bool RootIsOpen(VProfileKey& root, VReportMessageParams& report) {
 
 }  // namespace
 
-VRecentFileList::VRecentFileList(unsigned start, const wchar_t* section, const wchar_t* entryFormat, size_t size,
-                                 int maxDisplayLength)
-    : start_(start), section_(section), entryFormat_(entryFormat), size_(size), maxDisplayLength_(maxDisplayLength) {
+VRecentFileList::VRecentFileList(unsigned start, const wchar_t* section, const wchar_t* entryFormat,
+                                 size_t size, int maxDisplayLength)
+    : start_(start),
+      section_(section),
+      entryFormat_(entryFormat),
+      size_(size),
+      maxDisplayLength_(maxDisplayLength) {
     Reload();
 }
 
@@ -120,7 +124,8 @@ bool VRecentFileList::Write(const VArray<VUnicodeString>& entries) {
         if (index < entries.GetCount())
             written = key.SetString(name, entries[index]);
         else if (!key.DeleteValue(name))
-            written = key.GetLastErrorParams().GetMessageCode() == ERROR_FILE_NOT_FOUND;  // was not there
+            written =
+                key.GetLastErrorParams().GetMessageCode() == ERROR_FILE_NOT_FOUND;  // was not there
     }
     written = written && key.Flush();
     if (!written) report_ = key.GetLastErrorParams();

@@ -30,10 +30,12 @@ constexpr HashAnswer HashAnswers[] = {
     {L"sha1", L"a9993e364706816aba3e25717850c26c9cd0d89d"},
     {L"sha224", L"23097d223405d8228642a477bda255b32aadbce4bda0b3f7e36c9da7"},
     {L"sha256", L"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
-    {L"sha384", L"cb00753f45a35e8bb5a03d699ac65007272c32ab0eded1631a8b605a43ff5bed"
-                L"8086072ba1e7cc2358baeca134c825a7"},
-    {L"sha512", L"ddaf35a193617abacc417349ae20413112e6fa4e89a97ea20a9eeee64b55d39a"
-                L"2192992a274fc1a836ba3c23a3feebbd454d4423643ce80e2a9ac94fa54ca49f"},
+    {L"sha384",
+     L"cb00753f45a35e8bb5a03d699ac65007272c32ab0eded1631a8b605a43ff5bed"
+     L"8086072ba1e7cc2358baeca134c825a7"},
+    {L"sha512",
+     L"ddaf35a193617abacc417349ae20413112e6fa4e89a97ea20a9eeee64b55d39a"
+     L"2192992a274fc1a836ba3c23a3feebbd454d4423643ce80e2a9ac94fa54ca49f"},
 };
 
 // The first two blocks of the CBC examples of NIST SP 800-38A (F.2.1, F.2.3, F.2.5).
@@ -44,7 +46,8 @@ struct CipherAnswer {
 };
 
 constexpr wchar_t CipherIv[] = L"000102030405060708090a0b0c0d0e0f";
-constexpr wchar_t CipherPlainText[] = L"6bc1bee22e409f96e93d7e117393172aae2d8a571e03ac9c9eb76fac45af8e51";
+constexpr wchar_t CipherPlainText[] =
+    L"6bc1bee22e409f96e93d7e117393172aae2d8a571e03ac9c9eb76fac45af8e51";
 
 constexpr CipherAnswer CipherAnswers[] = {
     {L"aes128-cbc", L"2b7e151628aed2a6abf7158809cf4f3c",
@@ -76,7 +79,8 @@ bool PassesHash(size_t index) {
     VReportMessageParams report;
     CryptUtils::Hasher* hasher = new CryptUtils::Hasher(answer.name);
     std::vector<uint8_t> digest(hasher->GetDigestSize());
-    const bool computed = !digest.empty() && hasher->Update(HashMessage, strlen(HashMessage), report) &&
+    const bool computed = !digest.empty() &&
+                          hasher->Update(HashMessage, strlen(HashMessage), report) &&
                           hasher->Final(digest.data(), digest.size(), report) == digest.size();
     hasher->Release();
     return computed && digest == Expected(index, answer.digest);
@@ -89,11 +93,13 @@ bool PassesCipher(size_t index) {
     const std::vector<uint8_t> iv = Bytes(CipherIv);
     const std::vector<uint8_t> plain = Bytes(CipherPlainText);
     const std::unique_ptr<CryptUtils::Cipher> cipher = CryptUtils::CreateCipher(answer.name);
-    if (!cipher || cipher->GetKeySize() != key.size() || cipher->GetIvSize() != iv.size()) return false;
+    if (!cipher || cipher->GetKeySize() != key.size() || cipher->GetIvSize() != iv.size())
+        return false;
     VReportMessageParams report;
     std::vector<uint8_t> out(plain.size());
     if (!cipher->SetEncrypt(iv.data(), key.data(), report) ||
-        !cipher->Process(plain.data(), out.data(), out.size(), report) || out != Expected(index, answer.cipherText))
+        !cipher->Process(plain.data(), out.data(), out.size(), report) ||
+        out != Expected(index, answer.cipherText))
         return false;
     return cipher->SetDecrypt(iv.data(), key.data(), report) &&
            cipher->Process(out.data(), out.data(), out.size(), report) && out == plain;

@@ -22,8 +22,8 @@ State g_state;
 
 // Sshkit's texts, loaded when a report first needs them and kept for the process.
 HMODULE MessagesModuleHandle() {
-    static const LibraryHandle module(
-        LoadLibraryExW(GetPathBesideProgram(MessagesModule).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+    static const LibraryHandle module(LoadLibraryExW(GetPathBesideProgram(MessagesModule).c_str(),
+                                                     nullptr, LOAD_LIBRARY_AS_DATAFILE));
     return module.Get();
 }
 

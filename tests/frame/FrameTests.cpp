@@ -16,76 +16,61 @@ namespace {
 
 class RecordingApp : public VWinApp {
 public:
-    RecordingApp(bool startUp, int quitCode) : startUp_(startUp), quitCode_(quitCode) {}
+    explicit RecordingApp(bool startUp) : startUp_(startUp) {}
     std::vector<std::string> calls;
 
 protected:
     bool InitInstance() override {
         calls.push_back("init");
         PostThreadMessageW(GetCurrentThreadId(), WM_APP, 0, 0);
-        PostQuitMessage(quitCode_);
+        PostQuitMessage(7);
         return startUp_;
     }
     int Run() override {
         calls.push_back("run");
         return VWinApp::Run();
     }
-    bool PreTranslateMessage(MSG& message) override {
-        if (message.message == WM_APP) calls.push_back("message");
-        return false;
-    }
     int ExitInstance() override {
         calls.push_back("exit");
         return VWinApp::ExitInstance();
     }
+    bool PreTranslateMessage(MSG& message) override {
+        if (message.message == WM_APP) calls.push_back("message");
+        return false;
+    }
 
 private:
     bool startUp_;
-    int quitCode_;
 };
-
-// Drains what a failed start-up left posted, so the next test starts clean.
-void DrainMessages() {
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-    }
-}
 
 }  // namespace
 
 TEST(VWinAppTest, ExitRunsAfterTheLoopAndAfterAFailedStartUp) {
-    struct Case {
+    const struct {
         bool startUp;
         std::vector<std::string> calls;
         int exitCode;
-    } cases[] = {
-        {true, {"init", "run", "message", "exit"}, 7},
-        {false, {"init", "exit"}, 1},
-    };
-    for (const Case& test : cases) {
-        RecordingApp app(test.startUp, 7);
+    } cases[] = {{true, {"init", "run", "message", "exit"}, 7}, {false, {"init", "exit"}, 1}};
+    for (const auto& test : cases) {
+        RecordingApp app(test.startUp);
         EXPECT_EQ(VWinApp::GetApp(), &app);
+        EXPECT_THROW(RecordingApp(true), std::logic_error) << "one application object";
         EXPECT_EQ(app.Main(GetModuleHandleW(nullptr), SW_SHOW), test.exitCode);
         EXPECT_EQ(app.calls, test.calls);
-        DrainMessages();
+        MSG left;  // what the failed start-up posted must not reach the next case
+        while (PeekMessageW(&left, nullptr, 0, 0, PM_REMOVE)) {
+        }
     }
     EXPECT_EQ(VWinApp::GetApp(), nullptr);
-}
-
-TEST(VWinAppTest, ASecondApplicationObjectIsMisuse) {
-    RecordingApp first(true, 0);
-    EXPECT_THROW(RecordingApp(true, 0), std::logic_error);
-    EXPECT_EQ(VWinApp::GetApp(), &first);
 }
 
 namespace {
 
 constexpr WORD EditId = 100;
-constexpr WORD FinishId = 200;
 
 class SampleDialog : public VDialog {
 public:
-    explicit SampleDialog(const VDialogTemplate& dialogTemplate) : VDialog(dialogTemplate) {}
+    using VDialog::VDialog;
     std::wstring initialText;
 
 protected:
@@ -93,12 +78,6 @@ protected:
         wchar_t text[64] = {};
         GetWindowTextW(GetItem(EditId), text, 64);
         initialText = text;
-        SetCaption(L"Changed");
-        return true;
-    }
-    bool OnCommand(WORD id, WORD notifyCode, HWND control) override {
-        if (id != FinishId) return VDialog::OnCommand(id, notifyCode, control);
-        EndDialog(42);
         return true;
     }
 };
@@ -109,31 +88,18 @@ TEST(VDialogTest, InMemoryTemplateShowsItsControlsAndEndsWithTheChosenResult) {
     VDialogTemplate dialogTemplate(L"Sample", 160, 80);
     dialogTemplate.AddControl(L"Edit", L"hello", EditId, 5, 5, 100, 12, ES_AUTOHSCROLL);
     dialogTemplate.AddControl(L"Button", L"OK", IDOK, 5, 25, 40, 14, BS_DEFPUSHBUTTON);
-    dialogTemplate.AddControl(L"Button", L"Finish", FinishId, 50, 25, 40, 14, 0);
-    const struct {
-        WORD command;
-        INT_PTR result;
-    } cases[] = {{IDOK, IDOK}, {IDCANCEL, IDCANCEL}, {FinishId, 42}};
-    for (const auto& test : cases) {
+    // A command of 0 stands for the dialog's own EndDialog(42).
+    for (const WPARAM command : {IDOK, IDCANCEL, 0}) {
         SampleDialog dialog(dialogTemplate);
-        std::wstring caption;
         ModalProbe probe([&] {
-            wchar_t text[64] = {};
-            GetWindowTextW(dialog.GetHwnd(), text, 64);
-            caption = text;
-            PostMessageW(dialog.GetHwnd(), WM_COMMAND, test.command, 0);
-            return true;
+            if (!command) dialog.EndDialog(42);
+            return !command || PostMessageW(dialog.GetHwnd(), WM_COMMAND, command, 0);
         });
-        EXPECT_EQ(dialog.DoModal(), test.result) << test.command;
+        EXPECT_EQ(dialog.DoModal(), command ? static_cast<INT_PTR>(command) : 42) << command;
         EXPECT_EQ(dialog.initialText, L"hello");
-        EXPECT_EQ(caption, L"Changed");
         EXPECT_EQ(dialog.GetHwnd(), nullptr);
     }
-}
-
-TEST(VDialogTest, AMissingTemplateResourceFails) {
-    VDialog dialog(9999);
-    EXPECT_EQ(dialog.DoModal(), -1);
+    EXPECT_EQ(VDialog(9999).DoModal(), -1) << "no such template resource";
 }
 
 namespace {
@@ -148,7 +114,6 @@ int RecordBox(const VMessageBoxCall& call) {
 }  // namespace
 
 TEST(VMessageBoxTest, TheHookSeesEveryBoxWithTheProgramTitle) {
-    g_boxes.clear();
     SetMessageBoxHookForTests(RecordBox);
     VReportMessageParams report(ERROR_ACCESS_DENIED);
     EXPECT_EQ(VMessageBox(L"plain text", MB_ICONEXCLAMATION), IDRETRY);
@@ -156,23 +121,22 @@ TEST(VMessageBoxTest, TheHookSeesEveryBoxWithTheProgramTitle) {
     EXPECT_EQ(SetMessageBoxHookForTests(nullptr), RecordBox);
 
     wchar_t systemText[256] = {};
-    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, ERROR_ACCESS_DENIED, 0,
-                   systemText, 256, nullptr);
+    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, ERROR_ACCESS_DENIED, 0, systemText, 256,
+                   nullptr);
     ASSERT_EQ(g_boxes.size(), 2u);
-    EXPECT_EQ(g_boxes[0].text, L"plain text");
     EXPECT_EQ(g_boxes[0].type, static_cast<UINT>(MB_ICONEXCLAMATION));
-    EXPECT_EQ(g_boxes[1].text, systemText);
-    for (const VMessageBoxCall& call : g_boxes) EXPECT_EQ(call.caption, L"Quillon Software Traywell");
+    EXPECT_EQ(std::vector<VUnicodeString>({g_boxes[0].text, g_boxes[1].text}),
+              std::vector<VUnicodeString>({L"plain text", systemText}));
+    for (const VMessageBoxCall& call : g_boxes)
+        EXPECT_EQ(call.caption, L"Quillon Software Traywell");
 }
 
 TEST(VMessageBoxTest, WithoutAHookARealBoxIsShownAndAnswered) {
     std::wstring shown;
     ModalProbe probe([&] {
-        const HWND box = FindWindowW(L"#32770", VMessageBoxTitle);
-        if (!box) return false;
+        const HWND box = FindOwnWindow(L"#32770", VMessageBoxTitle);
         shown = MessageBoxText(box);
-        PostMessageW(box, WM_COMMAND, IDNO, 0);
-        return true;
+        return box && PostMessageW(box, WM_COMMAND, IDNO, 0);
     });
     EXPECT_EQ(VMessageBox(L"Close all windows?", MB_YESNO), IDNO);
     EXPECT_EQ(shown, L"Close all windows?");

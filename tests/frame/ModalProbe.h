@@ -1,7 +1,7 @@
-// Test helper: runs a check from inside a modal loop of the test's own thread
-// (a dialog, a message box, a popup menu), so that a test can look at the
-// window and close it without a second thread. A thread timer does it: every
-// such loop dispatches timer messages.
+// Test helpers for windows of the test's own thread. ModalProbe runs a check
+// from inside a modal loop (a dialog, a message box, a popup menu) through a
+// thread timer, which every such loop dispatches, so a test can look at the
+// window and close it without a second thread.
 #pragma once
 
 #include <windows.h>
@@ -11,21 +11,23 @@
 
 class ModalProbe {
 public:
-    // action runs every interval milliseconds until it returns true (done).
-    explicit ModalProbe(std::function<bool()> action, UINT interval = 50);
+    // action runs every 50 ms until it returns true (done).
+    explicit ModalProbe(std::function<bool()> action);
     ~ModalProbe();
     ModalProbe(const ModalProbe&) = delete;
     ModalProbe& operator=(const ModalProbe&) = delete;
 
-    bool IsDone() const { return done_; }
-
 private:
-    static void CALLBACK OnTimer(HWND, UINT, UINT_PTR id, DWORD);
+    static void CALLBACK OnTimer(HWND, UINT, UINT_PTR, DWORD);
 
     std::function<bool()> action_;
     UINT_PTR timer_;
     bool done_ = false;
 };
 
-// The text of a message box (its static text control), empty when box is none.
+// A visible window of class className (and title, unless null) of this
+// thread: tests of other programs may show boxes and menus meanwhile.
+HWND FindOwnWindow(const wchar_t* className, const wchar_t* title = nullptr);
+
+// The text of a message box (its static text control); empty for none.
 std::wstring MessageBoxText(HWND box);
