@@ -10,7 +10,8 @@ bool AboutDialog::OnInitDialog() {
     VersionNumbers numbers;
     ReadModuleVersion(GetModuleHandleW(nullptr), numbers);
     VUnicodeString line;
-    line.FormatPositional(L"Version %1   -   %2", FormatVersionText(numbers).c_str(), TRAYWELL_RELEASE_LABEL);
+    line.FormatPositional(L"Version %1   -   %2", FormatVersionText(numbers).c_str(),
+                          TRAYWELL_RELEASE_LABEL);
     SetItemText(IDC_ABOUT_VERSION, line.c_str());
     return true;
 }

@@ -6,14 +6,16 @@ namespace ClientProtocol {
 
 size_t SessionDataSize(const VArray<VUnicodeString>& sessions) {
     size_t size = 0;
-    for (const VUnicodeString& session : sessions) size += (session.GetLength() + 1) * sizeof(wchar_t);
+    for (const VUnicodeString& session : sessions)
+        size += (session.GetLength() + 1) * sizeof(wchar_t);
     return size;
 }
 
 bool WriteSessions(IBuffer& buffer, const VArray<VUnicodeString>& sessions) {
     for (const VUnicodeString& session : sessions) {
         // c_str() is NUL-terminated, so the terminator is copied with the text.
-        if (!buffer.Append(session.c_str(), (session.GetLength() + 1) * sizeof(wchar_t))) return false;
+        if (!buffer.Append(session.c_str(), (session.GetLength() + 1) * sizeof(wchar_t)))
+            return false;
     }
     return true;
 }
@@ -41,7 +43,8 @@ void SplitSession(const VUnicodeString& session, uint32_t& number, VUnicodeStrin
         return;
     }
     uint64_t parsed = 0;
-    if (session.Left(comma).ParseUnsigned(parsed) && parsed <= 0xFFFFFFFFu) number = static_cast<uint32_t>(parsed);
+    if (session.Left(comma).ParseUnsigned(parsed) && parsed <= 0xFFFFFFFFu)
+        number = static_cast<uint32_t>(parsed);
     caption = session.Mid(comma + 1, MaxCaptionLength);
 }
 

@@ -9,7 +9,8 @@ namespace {
 // SHGetFolderPathW fills a buffer of MAX_PATH characters; empty on failure.
 VUnicodeString ShellFolder(int folder) {
     wchar_t path[MAX_PATH] = {};
-    if (FAILED(SHGetFolderPathW(nullptr, folder, nullptr, SHGFP_TYPE_CURRENT, path))) return VUnicodeString();
+    if (FAILED(SHGetFolderPathW(nullptr, folder, nullptr, SHGFP_TYPE_CURRENT, path)))
+        return VUnicodeString();
     return VUnicodeString(path);
 }
 

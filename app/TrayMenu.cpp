@@ -23,7 +23,9 @@ constexpr const wchar_t* ItemPrefixes[] = {L"&1 ", L"&2 ", L"&3 ", L"&4 ", L"&5 
 constexpr size_t PrefixCount = sizeof ItemPrefixes / sizeof ItemPrefixes[0];
 constexpr size_t MaxWindowItems = 10;
 
-const wchar_t* ItemPrefix(size_t index) { return index < PrefixCount ? ItemPrefixes[index] : L"  "; }
+const wchar_t* ItemPrefix(size_t index) {
+    return index < PrefixCount ? ItemPrefixes[index] : L"  ";
+}
 
 // A label from the message table, without the line end that every text has.
 VUnicodeString Label(DWORD code) { return VReportMessageParams(code).GetTextAsString(); }
@@ -67,12 +69,16 @@ void WindowManager::BuildTrayMenu(HMENU& menu) {
 
     AppendItem(popup.Get(), ConnectCommand, Label(TRAY_MENU_CONNECT));
     if (IsIntegrated()) {
-        AppendRecentSubmenu(popup.Get(), TRAY_MENU_RECENT_TERMINAL, terminalRecent_.get(), FirstTerminalRecentCommand);
-        AppendRecentSubmenu(popup.Get(), TRAY_MENU_RECENT_TRANSFER, transferRecent_.get(), FirstTransferRecentCommand);
+        AppendRecentSubmenu(popup.Get(), TRAY_MENU_RECENT_TERMINAL, terminalRecent_.get(),
+                            FirstTerminalRecentCommand);
+        AppendRecentSubmenu(popup.Get(), TRAY_MENU_RECENT_TRANSFER, transferRecent_.get(),
+                            FirstTransferRecentCommand);
     } else if (IsTermwrightOrTermletInstalled()) {
-        AppendRecentSubmenu(popup.Get(), TRAY_MENU_RECENT, terminalRecent_.get(), FirstTerminalRecentCommand);
+        AppendRecentSubmenu(popup.Get(), TRAY_MENU_RECENT, terminalRecent_.get(),
+                            FirstTerminalRecentCommand);
     } else {
-        AppendRecentSubmenu(popup.Get(), TRAY_MENU_RECENT, transferRecent_.get(), FirstTransferRecentCommand);
+        AppendRecentSubmenu(popup.Get(), TRAY_MENU_RECENT, transferRecent_.get(),
+                            FirstTransferRecentCommand);
     }
 
     const UINT windowCommands = windows_.IsEmpty() ? MF_STRING | MF_GRAYED : MF_STRING;
@@ -95,7 +101,8 @@ void WindowManager::BuildTrayMenu(HMENU& menu) {
     menu = popup.Release();
 }
 
-void WindowManager::AppendRecentSubmenu(HMENU menu, DWORD labelCode, VRecentFileList* list, int firstCommand) {
+void WindowManager::AppendRecentSubmenu(HMENU menu, DWORD labelCode, VRecentFileList* list,
+                                        int firstCommand) {
     MenuHandle submenu(CreatePopupMenu());
     if (!submenu) return;
     // The clients add to the lists while Traywell runs.
@@ -108,7 +115,8 @@ void WindowManager::AppendRecentSubmenu(HMENU menu, DWORD labelCode, VRecentFile
         }
     }
     if (shown == 0) AppendItem(submenu.Get(), firstCommand, L"(Empty)", MF_STRING | MF_GRAYED);
-    AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(submenu.Get()), Label(labelCode).c_str());
+    AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(submenu.Get()),
+                Label(labelCode).c_str());
     submenu.Release();  // the menu owns it now
 }
 
@@ -116,9 +124,11 @@ void WindowManager::AppendWindowItems(HMENU menu, const wchar_t* clientName, int
                                       const VArray<WindowData>& windows, size_t& prefixIndex) {
     if (windows.IsEmpty()) return;
     AppendSeparator(menu);
-    AppendItem(menu, sessionsCommand, VUnicodeString(clientName) + L" " + Label(TRAY_MENU_SESSIONS));
+    AppendItem(menu, sessionsCommand,
+               VUnicodeString(clientName) + L" " + Label(TRAY_MENU_SESSIONS));
     for (size_t i = 0; i < windows.GetCount() && i < MaxWindowItems; ++i, ++prefixIndex)
-        AppendItem(menu, windows[i].commandId, ItemPrefix(prefixIndex) + EscapeAmpersand(windows[i].caption));
+        AppendItem(menu, windows[i].commandId,
+                   ItemPrefix(prefixIndex) + EscapeAmpersand(windows[i].caption));
 }
 
 void WindowManager::OnTrayCommand(int commandId) {
@@ -189,7 +199,8 @@ void WindowManager::Exit() {
 
 void WindowManager::Connect() {
     const ClientApplication client = SelectClientApplication();
-    if (!client.path.IsEmpty()) LaunchClient(client.path, configArgument_, L"/SHOW_CONNECT_DIALOG_ONLY");
+    if (!client.path.IsEmpty())
+        LaunchClient(client.path, configArgument_, L"/SHOW_CONNECT_DIALOG_ONLY");
 }
 
 void WindowManager::LaunchRecent(VRecentFileList* list, size_t index, const wchar_t* executable) {
@@ -203,7 +214,8 @@ void WindowManager::LaunchRecent(VRecentFileList* list, size_t index, const wcha
     if (session.IsEmpty()) return;
     // Moved to the top even when the client cannot be started.
     list->AddToMostRecent(index);
-    if (executable) LaunchClient(executable, configArgument_, VUnicodeString(L"/S \"") + session + L"\"");
+    if (executable)
+        LaunchClient(executable, configArgument_, VUnicodeString(L"/S \"") + session + L"\"");
 }
 
 INT_PTR WindowManager::ShowDialog(VDialog& dialog) {

@@ -19,7 +19,8 @@ Traywell::Traywell() : windowManager_(std::make_unique<WindowManager>()) {}
 
 Traywell::~Traywell() {
     windowManager_.reset();
-    if (registryFactory_ && CurrentProfileStoreFactory() == registryFactory_.get()) SetRegistryStoreFactory(nullptr);
+    if (registryFactory_ && CurrentProfileStoreFactory() == registryFactory_.get())
+        SetRegistryStoreFactory(nullptr);
     registryFactory_.reset();
     mutex_.Reset();
 }
@@ -56,8 +57,8 @@ bool Traywell::InitInstance() {
         VMessageBox(failure);
         return false;
     }
-    SSH2::ClientUiInit(IsConfigPassphraseDisabled, GetConfigPassphrase, UpdateProfileEncryptedString,
-                       GetProfileEncryptedPlaintextString);
+    SSH2::ClientUiInit(IsConfigPassphraseDisabled, GetConfigPassphrase,
+                       UpdateProfileEncryptedString, GetProfileEncryptedPlaintextString);
     return true;
 }
 

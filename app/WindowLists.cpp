@@ -51,7 +51,8 @@ BOOL CALLBACK WindowLists::AddClientWindow(HWND window, LPARAM self) {
     auto& lists = *reinterpret_cast<WindowLists*>(self);
     const auto atom = static_cast<ATOM>(GetClassLongW(window, GCW_ATOM));
     if (atom == 0 || (atom != lists.terminalAtom_ && atom != lists.transferAtom_)) return TRUE;
-    if (static_cast<uint32_t>(GetWindowLongW(window, 0)) != ClientProtocol::MainWindowMark) return TRUE;
+    if (static_cast<uint32_t>(GetWindowLongW(window, 0)) != ClientProtocol::MainWindowMark)
+        return TRUE;
     if (GetWindowLongPtrW(window, GWLP_USERDATA) == 0) return TRUE;
     lists.AddSessionsOf(window, atom);
     return TRUE;
@@ -63,7 +64,9 @@ void WindowLists::AddSessionsOf(HWND window, ATOM atom) {
     const auto buffer = VRefPtr<VMemoryMappedBuffer>::Adopt(new VMemoryMappedBuffer(size));
     if (!buffer->IsMapped()) return;
     DWORD_PTR written = 0;
-    if (!SendQuery(window, ClientProtocol::SessionQueryMessage, 0, static_cast<LPARAM>(size), written)) return;
+    if (!SendQuery(window, ClientProtocol::SessionQueryMessage, 0, static_cast<LPARAM>(size),
+                   written))
+        return;
     if (written == 0 || written > size) return;
     buffer->SetDataLength(written);
 
@@ -118,7 +121,8 @@ void WindowLists::RestoreAll() {
 bool WindowLists::SelectWindow(uint32_t commandId) {
     for (const auto* list : {&terminal_, &transfer_})
         for (const WindowData& record : *list)
-            if (record.commandId == commandId) return SelectSession(record.window, record.sessionNumber);
+            if (record.commandId == commandId)
+                return SelectSession(record.window, record.sessionNumber);
     return false;
 }
 

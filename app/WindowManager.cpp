@@ -23,7 +23,8 @@ constexpr size_t RecentListSize = 9;
 constexpr int RecentDisplayLength = 30;
 
 std::unique_ptr<VRecentFileList> MakeRecentList(const wchar_t* section) {
-    return std::make_unique<VRecentFileList>(0, section, RecentEntryFormat, RecentListSize, RecentDisplayLength);
+    return std::make_unique<VRecentFileList>(0, section, RecentEntryFormat, RecentListSize,
+                                             RecentDisplayLength);
 }
 
 }  // namespace
@@ -34,7 +35,8 @@ WindowManager::~WindowManager() {
     trayIcon_.reset();
     terminalRecent_.reset();
     transferRecent_.reset();
-    if (iniFactory_ && CurrentProfileStoreFactory() == iniFactory_.get()) SetIniFileStoreFactory(nullptr);
+    if (iniFactory_ && CurrentProfileStoreFactory() == iniFactory_.get())
+        SetIniFileStoreFactory(nullptr);
 }
 
 void WindowManager::Initialize(const VUnicodeString& commandLine) {
@@ -49,7 +51,8 @@ void WindowManager::Initialize(const VUnicodeString& commandLine) {
         parser.Parse(trimmed, report);
         folder = parser.GetConfigFolder();
         VUnicodeString passphrase(Str::Sensitive);
-        if (parser.GetTextOption(L"/ConfigPassphrase", passphrase, report, false) && !passphrase.IsEmpty())
+        if (parser.GetTextOption(L"/ConfigPassphrase", passphrase, report, false) &&
+            !passphrase.IsEmpty())
             SetConfigPassphrase(passphrase);
     }
 
@@ -88,8 +91,8 @@ void WindowManager::CreateTrayIcon() {
     auto icon = std::make_unique<TrayIcon>(this);
     if (!icon->Create()) return;
     trayIcon_ = std::move(icon);
-    const IconHandle image(static_cast<HICON>(
-        LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_TRAYWELL), IMAGE_ICON, 16, 16, 0)));
+    const IconHandle image(static_cast<HICON>(LoadImageW(
+        GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_TRAYWELL), IMAGE_ICON, 16, 16, 0)));
     trayIcon_->SetTrayIcon(image.Get());
     trayIcon_->SetTrayIconTip(VMessageBoxTitle);
 

@@ -44,7 +44,8 @@ HWND WaitForWindow(const wchar_t* className, DWORD process, bool visible = true)
              window = FindWindowExW(nullptr, window, className, nullptr)) {
             DWORD owner = 0;
             GetWindowThreadProcessId(window, &owner);
-            if ((!visible || IsWindowVisible(window)) && (process == 0 || owner == process)) return window;
+            if ((!visible || IsWindowVisible(window)) && (process == 0 || owner == process))
+                return window;
         }
         Sleep(50);
     }
@@ -53,8 +54,11 @@ HWND WaitForWindow(const wchar_t* className, DWORD process, bool visible = true)
 
 void Type(HWND menuWindow, const wchar_t* keys) {
     for (const wchar_t* key = keys; *key; ++key) {
-        const UINT virtualKey = *key == L'v' ? VK_DOWN : *key == L'^' ? VK_UP : *key == L'>' ? VK_RIGHT
-                                : *key == L'!' ? VK_RETURN : 0;
+        const UINT virtualKey = *key == L'v'   ? VK_DOWN
+                                : *key == L'^' ? VK_UP
+                                : *key == L'>' ? VK_RIGHT
+                                : *key == L'!' ? VK_RETURN
+                                               : 0;
         if (virtualKey) {
             PostMessageW(menuWindow, WM_KEYDOWN, virtualKey, 0);
         } else {
@@ -70,7 +74,8 @@ void Type(HWND menuWindow, const wchar_t* keys) {
 // Imaging Component.
 bool SavePng(const wchar_t* path, int width, int height, std::vector<BYTE>& pixels) {
     IWICImagingFactory* factory = nullptr;
-    if (FAILED(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&factory))))
+    if (FAILED(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
+                                IID_PPV_ARGS(&factory))))
         return false;
     IWICStream* stream = nullptr;
     IWICBitmapEncoder* encoder = nullptr;
@@ -78,14 +83,17 @@ bool SavePng(const wchar_t* path, int width, int height, std::vector<BYTE>& pixe
     WICPixelFormatGUID format = GUID_WICPixelFormat32bppBGRA;
     const UINT stride = static_cast<UINT>(width) * 4;
     const bool saved =
-        SUCCEEDED(factory->CreateStream(&stream)) && SUCCEEDED(stream->InitializeFromFilename(path, GENERIC_WRITE)) &&
+        SUCCEEDED(factory->CreateStream(&stream)) &&
+        SUCCEEDED(stream->InitializeFromFilename(path, GENERIC_WRITE)) &&
         SUCCEEDED(factory->CreateEncoder(GUID_ContainerFormatPng, nullptr, &encoder)) &&
         SUCCEEDED(encoder->Initialize(stream, WICBitmapEncoderNoCache)) &&
-        SUCCEEDED(encoder->CreateNewFrame(&frame, nullptr)) && SUCCEEDED(frame->Initialize(nullptr)) &&
+        SUCCEEDED(encoder->CreateNewFrame(&frame, nullptr)) &&
+        SUCCEEDED(frame->Initialize(nullptr)) &&
         SUCCEEDED(frame->SetSize(static_cast<UINT>(width), static_cast<UINT>(height))) &&
-        SUCCEEDED(frame->SetPixelFormat(&format)) && IsEqualGUID(format, GUID_WICPixelFormat32bppBGRA) &&
-        SUCCEEDED(frame->WritePixels(static_cast<UINT>(height), stride, stride * static_cast<UINT>(height),
-                                     pixels.data())) &&
+        SUCCEEDED(frame->SetPixelFormat(&format)) &&
+        IsEqualGUID(format, GUID_WICPixelFormat32bppBGRA) &&
+        SUCCEEDED(frame->WritePixels(static_cast<UINT>(height), stride,
+                                     stride * static_cast<UINT>(height), pixels.data())) &&
         SUCCEEDED(frame->Commit()) && SUCCEEDED(encoder->Commit());
     if (frame) frame->Release();
     if (encoder) encoder->Release();
@@ -109,7 +117,8 @@ bool Capture(const RECT& area, std::vector<BYTE>& pixels) {
     info.bmiHeader.biBitCount = 32;
     info.bmiHeader.biCompression = BI_RGB;
     void* bits = nullptr;
-    const GdiObjectHandle bitmap(CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+    const GdiObjectHandle bitmap(
+        CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
     bool copied = false;
     if (memory && bitmap) {
         const HGDIOBJ old = SelectObject(memory, bitmap.Get());
@@ -120,7 +129,8 @@ bool Capture(const RECT& area, std::vector<BYTE>& pixels) {
     if (copied) {
         const auto* source = static_cast<const BYTE*>(bits);
         pixels.assign(source, source + static_cast<size_t>(width) * height * 4);
-        for (size_t i = 3; i < pixels.size(); i += 4) pixels[i] = 255;  // BitBlt leaves alpha undefined
+        for (size_t i = 3; i < pixels.size(); i += 4)
+            pixels[i] = 255;  // BitBlt leaves alpha undefined
     }
     if (memory) DeleteDC(memory);
     ReleaseDC(nullptr, screen);
@@ -138,8 +148,8 @@ bool Start(wchar_t** program, int count) {
     startup.cb = sizeof startup;
     PROCESS_INFORMATION process{};
     wchar_t* buffer = commandLine.GetBuffer(commandLine.GetLength());
-    const BOOL started = CreateProcessW(program[0], buffer, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                                        &process);
+    const BOOL started = CreateProcessW(program[0], buffer, nullptr, nullptr, FALSE, 0, nullptr,
+                                        nullptr, &startup, &process);
     commandLine.ReleaseBuffer(commandLine.GetLength());
     if (!started) return false;
     const KernelHandle processHandle(process.hProcess);
@@ -209,7 +219,8 @@ int wmain(int argc, wchar_t** argv) {
         if (!WaitForWindow(L"#32768", 0)) return 2;
         // The menu and any submenu open from it, each a window of its own.
         RECT rect{screen.right, screen.bottom, screen.right, screen.bottom};
-        for (HWND menu = FindWindowW(L"#32768", nullptr); menu; menu = FindWindowExW(nullptr, menu, L"#32768", nullptr)) {
+        for (HWND menu = FindWindowW(L"#32768", nullptr); menu;
+             menu = FindWindowExW(nullptr, menu, L"#32768", nullptr)) {
             RECT part;
             if (IsWindowVisible(menu) && GetWindowRect(menu, &part)) UnionRect(&rect, &rect, &part);
         }
@@ -226,8 +237,8 @@ int wmain(int argc, wchar_t** argv) {
 
     std::vector<BYTE> pixels;
     if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) return 3;
-    const bool saved =
-        Capture(area, pixels) && SavePng(output, area.right - area.left, area.bottom - area.top, pixels);
+    const bool saved = Capture(area, pixels) &&
+                       SavePng(output, area.right - area.left, area.bottom - area.top, pixels);
     CoUninitialize();
     return saved ? 0 : 3;
 }

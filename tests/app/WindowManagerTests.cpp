@@ -1,0 +1,117 @@
+// The WindowManager in this process: the configuration folder that start-up
+// chooses, and the icon's menu built against the recent lists and client
+// helpers in processes of their own, read back through the menu functions.
+#include <gtest/gtest.h>
+
+#include <optional>
+
+#include "AppPaths.h"
+#include "ProgramFolder.h"
+#include "TrayDriver.h"
+#include "WindowManager.h"
+
+namespace {
+
+TEST(WindowManagerStartup, ChoosesTheFolderThatClientsAreGiven) {
+    InstalledClients clients(true, false, false);
+    const VUnicodeString beside = GetPathBesideProgram(L"Config");
+    const struct {
+        const wchar_t* arguments;
+        bool configBeside;
+        VUnicodeString folder;
+    } cases[] = {
+        {L" -f D:\\Conf\\\\", true, L"D:\\Conf"},
+        {L" -f D:/Conf/", false, L"D:/Conf"},
+        {L" /F C:\\\\ /F D:\\Other", false, L"C:\\"},
+        {L"", true, beside},
+        {L"  ", false, GetAppConfigPath(L"Termwright")},
+    };
+    for (const auto& test : cases) {
+        if (test.configBeside) CreateDirectoryW(beside.c_str(), nullptr);
+        WindowManager manager;
+        manager.Initialize(VUnicodeString(L"\"C:\\any\\traywell.exe\"") + test.arguments);
+        RemoveDirectoryW(beside.c_str());
+        EXPECT_EQ(manager.GetClientConfigArgument(), VUnicodeString(L"/F \"") + test.folder + L"\"") << test.arguments;
+    }
+}
+
+// One text for a menu: items separated by "|", each its identifier (window
+// items: "w" and the place of the record with that identifier, terminal
+// records first) and label, "~" when greyed, "-" for a separator,
+// "[label: items]" for a submenu.
+VUnicodeString Dump(HMENU menu, WindowLists& lists) {
+    VUnicodeString text;
+    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+        wchar_t label[128] = {};
+        MENUITEMINFOW item{};
+        item.cbSize = sizeof item;
+        item.fMask = MIIM_ID | MIIM_STATE | MIIM_FTYPE | MIIM_STRING | MIIM_SUBMENU;
+        item.dwTypeData = label;
+        item.cch = 128;
+        GetMenuItemInfoW(menu, static_cast<UINT>(i), TRUE, &item);
+        VUnicodeString entry;
+        if (item.fType & MFT_SEPARATOR) {
+            entry = L"-";
+        } else if (item.hSubMenu) {
+            entry = VUnicodeString(L"[") + label + L": " + Dump(item.hSubMenu, lists) + L"]";
+        } else if (item.wID >= WindowLists::FirstCommandId) {
+            unsigned place = 0, found = 99;
+            for (const auto* list : {&lists.GetTerminalWindows(), &lists.GetTransferWindows()})
+                for (const WindowData& record : *list) {
+                    if (record.commandId == item.wID) found = place;
+                    ++place;
+                }
+            entry.FormatPositional(L"w%1!u! %2", found, label);
+        } else {
+            entry.FormatPositional(L"%1!u! %2", item.wID, label);
+        }
+        // Wine reports separators as greyed.
+        text += VUnicodeString(i > 0 ? L"|" : L"") + entry +
+                ((item.fState & MFS_GRAYED) && !(item.fType & MFT_SEPARATOR) ? L"~" : L"");
+    }
+    return text;
+}
+
+TEST(WindowManagerMenu, ItemsLabelsPrefixesGreyingAndIdentifiers) {
+    const struct {
+        bool termwright, filewright, integrated;
+        int terminalWindows, transferWindows;
+        const wchar_t* expected;
+    } cases[] = {
+        {true, false, false, 0, 0,
+         L"32772 &Connect...|[&Recent Sessions: 33000 (Empty)~]|-|32773 &Minimize All~|32776 Restore &All~|"},
+        {false, true, false, 0, 0,
+         L"32772 &Connect...|[&Recent Sessions: 33010 &1 A&&B|33011 &2 123456789012345678901234567...]|-|"
+         L"32773 &Minimize All~|32776 Restore &All~|"},
+        {true, true, true, 11, 0,
+         L"32772 &Connect...|[&Recent Terminal Sessions: 33000 (Empty)~]|[&Recent Transfer Sessions: 33010 &1 "
+         L"A&&B|33011 &2 123456789012345678901234567...]|-|32773 &Minimize All|32776 Restore &All|-|"
+         L"32778 Termwright Sessions...|w0 &1 S&&1|w1 &2 S&&1|w2 &3 S&&1|w3 &4 S&&1|w4 &5 S&&1|w5 &6 S&&1|"
+         L"w6 &7 S&&1|w7 &8 S&&1|w8 &9 S&&1|w9 &0 S&&1|"},
+        {true, true, false, 4, 8,
+         L"32772 &Connect...|[&Recent Sessions: 33000 (Empty)~]|-|32773 &Minimize All|32776 Restore &All|-|"
+         L"32778 Termwright Sessions...|w0 &1 S&&1|w1 &2 S&&1|w2 &3 S&&1|w3 &4 S&&1|-|32777 Filewright "
+         L"Sessions...|w4 &5 S&&1|w5 &6 S&&1|w6 &7 S&&1|w7 &8 S&&1|w8 &9 S&&1|w9 &0 S&&1|w10   S&&1|w11   S&&1|"},
+    };
+    for (const auto& test : cases) {
+        InstalledClients clients(test.termwright, test.filewright, test.integrated);
+        std::optional<ClientHelper> terminal, transfer;
+        if (test.terminalWindows) terminal.emplace(true, Lines{L"1,S&1"}, L"agree", test.terminalWindows);
+        if (test.transferWindows) transfer.emplace(false, Lines{L"1,S&1"}, L"agree", test.transferWindows);
+        TempFolder folder;
+        WindowManager manager;
+        manager.Initialize(VUnicodeString(L"tests.exe /F ") + folder.Path());
+        if (VRecentFileList* list = manager.GetTransferRecentList()) {
+            list->Add(L"123456789012345678901234567890 and more");
+            list->Add(L"A&B");
+        }
+        HMENU menu = nullptr;
+        manager.BuildTrayMenu(menu);
+        ASSERT_NE(menu, nullptr);
+        EXPECT_EQ(Dump(menu, manager.GetWindowLists()),
+                  VUnicodeString(test.expected) + L"-|32779 Ma&nage Agent Keys...|-|32775 &About|-|32771 E&xit");
+        DestroyMenu(menu);
+    }
+}
+
+}  // namespace
