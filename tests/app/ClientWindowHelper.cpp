@@ -1,157 +1,121 @@
-// A helper process that plays a client program for the tray program's tests.
+// Plays a client program for the tray program's tests and benchmark.
 //
 //   client_window_helper --class terminal|transfer --log FILE [--windows N]
-//                        [--session TEXT]... [--exit agree|refuse|hang]
-//                        [--hang-query]
-//       shows N (default 1) client main windows of that class, each holding
-//       the given sessions, and answers the session query through the shared
-//       buffer and the can-exit question as told (hang: never in time). It
-//       appends to FILE one line per show-selection message, "select <window>
-//       <session number>", and per WM_CLOSE, "close <window>", where <window>
-//       is the window's index from 0. A closed window goes away; the process
-//       ends when its last window has.
+//                        [--exit agree|refuse|hang] [--session TEXT]...
 //
-// Started in any other way (as Traywell starts a client program), it appends
-// its own command line to the file named by the environment variable
-// TRAYWELL_HELPER_LAUNCH_LOG and ends.
+// shows N (default 1) client main windows of that class, each holding the
+// sessions given, answers the session query through the shared buffer and
+// the can-exit question as told ("hang": never in time), and appends to FILE
+// "select <window> <session number>" for each show-selection message and
+// "close <window>" for each WM_CLOSE (<window>: its index from 0). A closed
+// window goes; the process ends with its last window. Started in any other
+// way (as Traywell starts a client), it appends its command line to the file
+// that TRAYWELL_HELPER_LAUNCH_LOG names, and ends.
 #include <windows.h>
 
-#include <cstdio>
 #include <cwchar>
 
 #include "ClientProtocol.h"
 #include "RegisteredMessages.h"
-#include "VContainers.h"
 #include "VMemoryMappedBuffer.h"
-#include "VString.h"
 #include "Win32Handle.h"
 
 namespace {
 
-constexpr DWORD HangMilliseconds = 120000;
-
-struct Options {
-    const wchar_t* windowClass = nullptr;
-    VUnicodeString log;
-    int windows = 1;
-    VArray<VUnicodeString> sessions;
-    enum { Agree, Refuse, Hang } exit = Agree;
-    bool hangQuery = false;
-};
-
-Options options;
+const wchar_t* windowClass = nullptr;
+VUnicodeString logFile;
+VArray<VUnicodeString> sessions;
+const wchar_t* exitAnswer = L"agree";
 int openWindows = 0;
 
-void AppendLine(const VUnicodeString& file, const VUnicodeString& line) {
-    const FileHandle handle(CreateFileW(file.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
+void AppendLine(const wchar_t* file, const VUnicodeString& line) {
+    const FileHandle handle(CreateFileW(file, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                         nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!handle) return;
     const VString text(line + L"\n");
     DWORD written = 0;
-    WriteFile(handle.Get(), text.c_str(), static_cast<DWORD>(text.GetLength()), &written, nullptr);
+    if (handle)
+        WriteFile(handle.Get(), text.c_str(), static_cast<DWORD>(text.GetLength()), &written,
+                  nullptr);
 }
 
-void Record(HWND window, const wchar_t* what, const wchar_t* detail = L"") {
+void Record(HWND window, const wchar_t* what, unsigned number = 0) {
     VUnicodeString line;
-    line.FormatPrintf(64, L"%ls %d%ls", what, static_cast<int>(GetWindowLongPtrW(window, GWLP_USERDATA)) - 1, detail);
-    AppendLine(options.log, line);
+    line.FormatPositional(what, static_cast<unsigned>(GetWindowLongPtrW(window, GWLP_USERDATA) - 1),
+                          number);
+    AppendLine(logFile.c_str(), line);
 }
 
 LRESULT AnswerSessionQuery(LPARAM size) {
-    if (options.hangQuery) Sleep(HangMilliseconds);
-    if (size == 0) return static_cast<LRESULT>(ClientProtocol::SessionDataSize(options.sessions));
-    const auto buffer = VRefPtr<VMemoryMappedBuffer>::Adopt(new VMemoryMappedBuffer(static_cast<size_t>(size)));
-    if (!buffer->IsMapped() || !ClientProtocol::WriteSessions(*buffer, options.sessions)) return 0;
+    if (size == 0) return static_cast<LRESULT>(ClientProtocol::SessionDataSize(sessions));
+    const auto buffer =
+        VRefPtr<VMemoryMappedBuffer>::Adopt(new VMemoryMappedBuffer(static_cast<size_t>(size)));
+    if (!buffer->IsMapped() || !ClientProtocol::WriteSessions(*buffer, sessions)) return 0;
     return static_cast<LRESULT>(buffer->GetDataLength());
 }
 
 LRESULT CALLBACK ClientWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == ClientProtocol::SessionQueryMessage) return AnswerSessionQuery(lParam);
     if (message == GetTraywellCanExitApplicationMessage()) {
-        if (options.exit == Options::Hang) Sleep(HangMilliseconds);
-        return options.exit == Options::Agree ? 0 : 1;
+        if (std::wcscmp(exitAnswer, L"hang") == 0) Sleep(120000);
+        return std::wcscmp(exitAnswer, L"agree") != 0;
     }
     if (message == GetTraywellShowSelectionMessage()) {
-        wchar_t number[16];
-        std::swprintf(number, 16, L" %u", static_cast<unsigned>(lParam));
-        Record(window, L"select", number);
+        Record(window, L"select %1!u! %2!u!", static_cast<unsigned>(lParam));
         ShowWindow(window, SW_RESTORE);
         return 0;
     }
-    switch (message) {
-        case WM_CLOSE:
-            Record(window, L"close");
-            DestroyWindow(window);
-            return 0;
-        case WM_DESTROY:
-            if (--openWindows == 0) PostQuitMessage(0);
-            return 0;
-        default:
-            return DefWindowProcW(window, message, wParam, lParam);
+    if (message == WM_CLOSE) {
+        Record(window, L"close %1!u!");
+        DestroyWindow(window);
+        return 0;
     }
-}
-
-bool ParseOptions(int argc, wchar_t** argv) {
-    for (int i = 1; i < argc; ++i) {
-        const VUnicodeString name(argv[i]);
-        if (name == L"--hang-query") {
-            options.hangQuery = true;
-            continue;
-        }
-        if (i + 1 >= argc) return false;
-        const wchar_t* value = argv[++i];
-        if (name == L"--class") {
-            options.windowClass = std::wcscmp(value, L"terminal") == 0 ? ClientProtocol::TerminalWindowClass
-                                                                     : ClientProtocol::TransferWindowClass;
-        } else if (name == L"--log") {
-            options.log = value;
-        } else if (name == L"--windows") {
-            options.windows = _wtoi(value);
-        } else if (name == L"--session") {
-            options.sessions.Add(value);
-        } else if (name == L"--exit") {
-            options.exit = std::wcscmp(value, L"refuse") == 0 ? Options::Refuse
-                           : std::wcscmp(value, L"hang") == 0 ? Options::Hang
-                                                               : Options::Agree;
-        } else {
-            return false;
-        }
-    }
-    return options.windowClass && !options.log.IsEmpty() && options.windows > 0;
-}
-
-int RecordLaunch() {
-    wchar_t file[MAX_PATH];
-    const DWORD length = GetEnvironmentVariableW(L"TRAYWELL_HELPER_LAUNCH_LOG", file, MAX_PATH);
-    if (length == 0 || length >= MAX_PATH) return 2;
-    AppendLine(file, GetCommandLineW());
-    return 0;
+    if (message == WM_DESTROY && --openWindows == 0) PostQuitMessage(0);
+    return DefWindowProcW(window, message, wParam, lParam);
 }
 
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
-    if (argc < 2 || std::wcsncmp(argv[1], L"--", 2) != 0) return RecordLaunch();
-    if (!ParseOptions(argc, argv)) return 2;
-
-    const HINSTANCE instance = GetModuleHandleW(nullptr);
-    WNDCLASSEXW windowClass{};
-    windowClass.cbSize = sizeof windowClass;
-    windowClass.lpfnWndProc = ClientWindowProc;
-    windowClass.cbWndExtra = sizeof(LONG_PTR);
-    windowClass.hInstance = instance;
-    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1);
-    windowClass.lpszClassName = options.windowClass;
-    if (!RegisterClassExW(&windowClass)) return 3;
-
-    for (int i = 0; i < options.windows; ++i) {
-        const HWND window = CreateWindowExW(0, options.windowClass, options.windowClass, WS_OVERLAPPEDWINDOW,
-                                            40 + 20 * i, 40 + 20 * i, 320, 200, nullptr, nullptr, instance, nullptr);
+    if (argc < 2 || std::wcsncmp(argv[1], L"--", 2) != 0) {
+        wchar_t file[MAX_PATH];
+        const DWORD length = GetEnvironmentVariableW(L"TRAYWELL_HELPER_LAUNCH_LOG", file, MAX_PATH);
+        if (length == 0 || length >= MAX_PATH) return 2;
+        AppendLine(file, GetCommandLineW());
+        return 0;
+    }
+    int windows = 1;
+    for (int i = 1; i + 1 < argc; i += 2) {
+        const VUnicodeString option(argv[i]);
+        if (option == L"--class")
+            windowClass = std::wcscmp(argv[i + 1], L"terminal") == 0
+                              ? ClientProtocol::TerminalWindowClass
+                              : ClientProtocol::TransferWindowClass;
+        else if (option == L"--log")
+            logFile = argv[i + 1];
+        else if (option == L"--windows")
+            windows = _wtoi(argv[i + 1]);
+        else if (option == L"--exit")
+            exitAnswer = argv[i + 1];
+        else if (option == L"--session")
+            sessions.Add(argv[i + 1]);
+        else
+            return 2;
+    }
+    WNDCLASSEXW registration{};
+    registration.cbSize = sizeof registration;
+    registration.lpfnWndProc = ClientWindowProc;
+    registration.cbWndExtra = sizeof(LONG_PTR);
+    registration.hInstance = GetModuleHandleW(nullptr);
+    registration.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1);
+    registration.lpszClassName = windowClass;
+    if (!windowClass || logFile.IsEmpty() || !RegisterClassExW(&registration)) return 2;
+    for (; openWindows < windows; ++openWindows) {
+        const HWND window =
+            CreateWindowExW(0, windowClass, windowClass, WS_OVERLAPPEDWINDOW, 40 + 20 * openWindows,
+                            40 + 20 * openWindows, 320, 200, nullptr, nullptr, nullptr, nullptr);
         if (!window) return 3;
-        ++openWindows;
         SetWindowLongW(window, 0, static_cast<LONG>(ClientProtocol::MainWindowMark));
-        SetWindowLongPtrW(window, GWLP_USERDATA, i + 1);  // the index, kept non-zero
+        SetWindowLongPtrW(window, GWLP_USERDATA, openWindows + 1);  // the index, kept non-zero
         ShowWindow(window, SW_SHOWNOACTIVATE);
     }
     MSG message;

@@ -22,14 +22,17 @@ struct WindowSearch {
         wchar_t className[256];
         GetWindowThreadProcessId(window, &owner);
         if (owner == search.process && GetClassNameW(window, className, 256) &&
-            VUnicodeString(className) == search.className && (!search.visibleOnly || IsWindowVisible(window)))
+            VUnicodeString(className) == search.className &&
+            (!search.visibleOnly || IsWindowVisible(window)))
             search.found.push_back(window);
         return TRUE;
     }
 };
 
-void SetValue(const wchar_t* client, const wchar_t* name, DWORD type, const void* data, size_t size) {
-    const VUnicodeString key = VUnicodeString(InstallationKeyPath) + (client ? L"\\" : L"") + (client ? client : L"");
+void SetValue(const wchar_t* client, const wchar_t* name, DWORD type, const void* data,
+              size_t size) {
+    const VUnicodeString key =
+        VUnicodeString(InstallationKeyPath) + (client ? L"\\" : L"") + (client ? client : L"");
     RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), name, type, data, static_cast<DWORD>(size));
 }
 
@@ -55,8 +58,8 @@ TestProcess::TestProcess(const VUnicodeString& program, const VUnicodeString& ar
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION process{};
-    if (CreateProcessW(program.c_str(), commandLine.GetBuffer(commandLine.GetLength()), nullptr, nullptr, FALSE, 0,
-                       nullptr, nullptr, &startup, &process)) {
+    if (CreateProcessW(program.c_str(), commandLine.GetBuffer(commandLine.GetLength()), nullptr,
+                       nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
         process_.Reset(process.hProcess);
         CloseHandle(process.hThread);
         id_ = process.dwProcessId;
@@ -76,7 +79,8 @@ void TestProcess::Kill() {
     }
 }
 
-std::vector<HWND> TestProcess::Windows(const wchar_t* className, size_t count, bool visibleOnly) const {
+std::vector<HWND> TestProcess::Windows(const wchar_t* className, size_t count,
+                                       bool visibleOnly) const {
     WindowSearch search{id_, className, visibleOnly, {}};
     WaitUntil([&] {
         search.found.clear();
@@ -86,14 +90,17 @@ std::vector<HWND> TestProcess::Windows(const wchar_t* className, size_t count, b
     return search.found;
 }
 
-ClientHelper::ClientHelper(bool terminal, const Lines& sessions, const wchar_t* exitAnswer, int windows)
-    : windowClass(terminal ? ClientProtocol::TerminalWindowClass : ClientProtocol::TransferWindowClass),
+ClientHelper::ClientHelper(bool terminal, const Lines& sessions, const wchar_t* exitAnswer,
+                           int windows)
+    : windowClass(terminal ? ClientProtocol::TerminalWindowClass
+                           : ClientProtocol::TransferWindowClass),
       process(GetPathBesideProgram(L"client_window_helper.exe"), [&] {
           VUnicodeString arguments;
           arguments.FormatPositional(L"--class %1 --exit %2 --windows %3!d! --log \"%4\"",
                                      terminal ? L"terminal" : L"transfer", exitAnswer, windows,
                                      (folder / L"client.log").c_str());
-          for (const VUnicodeString& session : sessions) arguments += VUnicodeString(L" --session \"") + session + L"\"";
+          for (const VUnicodeString& session : sessions)
+              arguments += VUnicodeString(L" --session \"") + session + L"\"";
           return arguments;
       }()) {
     process.Windows(windowClass, static_cast<size_t>(windows));
@@ -101,15 +108,17 @@ ClientHelper::ClientHelper(bool terminal, const Lines& sessions, const wchar_t* 
 
 Lines ClientHelper::Log(size_t count) const {
     Lines lines;
-    WaitUntil([&] { return (lines = TraywellUnderTest::ReadLines(folder / L"client.log")).GetCount() >= count; });
+    WaitUntil([&] {
+        return (lines = TraywellUnderTest::ReadLines(folder / L"client.log")).GetCount() >= count;
+    });
     return lines;
 }
 
 InstalledClients::InstalledClients(bool termwright, bool filewright, bool integrated) {
     const VUnicodeString helper = GetPathBesideProgram(L"client_window_helper.exe");
     const VUnicodeString nowhere = L"C:\\nowhere\\client.exe";
-    for (const auto& [client, installed] : {std::pair{L"Termwright", termwright}, {L"Termlet", false},
-                                            {L"Filewright", filewright}}) {
+    for (const auto& [client, installed] :
+         {std::pair{L"Termwright", termwright}, {L"Termlet", false}, {L"Filewright", filewright}}) {
         const VUnicodeString& path = installed ? helper : nowhere;
         SetValue(client, L"Path", REG_SZ, path.c_str(), (path.GetLength() + 1) * sizeof(wchar_t));
     }
@@ -122,25 +131,33 @@ InstalledClients::~InstalledClients() { RegDeleteTreeW(HKEY_CURRENT_USER, Instal
 TraywellUnderTest::TraywellUnderTest(const wchar_t* arguments, bool waitForIcon)
     : process(GetPathBesideProgram(L"traywell.exe"), [&] {
           // Inherited by Traywell, and from it by the helper when it is started as a client.
-          SetEnvironmentVariableW(L"TRAYWELL_HELPER_LAUNCH_LOG", (folder / L"launches.log").c_str());
-          return arguments ? VUnicodeString(arguments) : VUnicodeString(L"/F \"") + folder.Path() + L"\"";
+          SetEnvironmentVariableW(L"TRAYWELL_HELPER_LAUNCH_LOG",
+                                  (folder / L"launches.log").c_str());
+          return arguments ? VUnicodeString(arguments)
+                           : VUnicodeString(L"/F \"") + folder.Path() + L"\"";
       }()) {
     if (waitForIcon) process.Windows(TrayIcon::WindowClassName, 1, false);
 }
 
 void TraywellUnderTest::OpenMenu() const {
     const auto icons = process.Windows(TrayIcon::WindowClassName, 1, false);
-    if (!icons.empty()) PostMessageW(icons[0], TrayIcon::CallbackMessage, TrayIcon::IconId, WM_RBUTTONUP);
+    if (!icons.empty())
+        PostMessageW(icons[0], TrayIcon::CallbackMessage, TrayIcon::IconId, WM_RBUTTONUP);
     process.Windows(L"#32768", 1);
 }
 
 void TraywellUnderTest::Type(const wchar_t* keys) const {
     const auto menus = process.Windows(L"#32768", 1);
     for (const wchar_t* key = keys; !menus.empty() && *key; ++key) {
-        const UINT virtualKey = *key == L'v' ? VK_DOWN : *key == L'^' ? VK_UP : *key == L'>' ? VK_RIGHT
-                                : *key == L'!' ? VK_RETURN : 0;
-        if (virtualKey) PostMessageW(menus[0], WM_KEYDOWN, virtualKey, 0);
-        else PostMessageW(menus[0], WM_CHAR, *key, 0);
+        const UINT virtualKey = *key == L'v'   ? VK_DOWN
+                                : *key == L'^' ? VK_UP
+                                : *key == L'>' ? VK_RIGHT
+                                : *key == L'!' ? VK_RETURN
+                                               : 0;
+        if (virtualKey)
+            PostMessageW(menus[0], WM_KEYDOWN, virtualKey, 0);
+        else
+            PostMessageW(menus[0], WM_CHAR, *key, 0);
         Sleep(100);  // a submenu opens before the next key
     }
     WaitUntil([&] { return process.Windows(L"#32768").empty(); });
@@ -172,7 +189,8 @@ HWND TraywellUnderTest::WaitForDialog(int controlId) const {
 Lines TraywellUnderTest::ReadLines(const VUnicodeString& file) {
     Lines lines;
     const std::string bytes = ReadWholeFile(file);
-    for (size_t start = 0, end; (end = bytes.find('\n', start)) != std::string::npos; start = end + 1)
+    for (size_t start = 0, end; (end = bytes.find('\n', start)) != std::string::npos;
+         start = end + 1)
         lines.Add(VUnicodeString(VString(bytes.substr(start, end - start).c_str())));
     return lines;
 }

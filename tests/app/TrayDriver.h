@@ -36,7 +36,8 @@ public:
     void Kill();
     // Its top-level windows of className (only visible ones when visibleOnly),
     // waiting until there are count of them.
-    std::vector<HWND> Windows(const wchar_t* className, size_t count = 0, bool visibleOnly = true) const;
+    std::vector<HWND> Windows(const wchar_t* className, size_t count = 0,
+                              bool visibleOnly = true) const;
 
 private:
     KernelHandle process_;
@@ -45,7 +46,8 @@ private:
 
 // A client_window_helper with its windows up; exitAnswer "agree", "refuse" or "hang".
 struct ClientHelper {
-    ClientHelper(bool terminal, const Lines& sessions, const wchar_t* exitAnswer = L"agree", int windows = 1);
+    ClientHelper(bool terminal, const Lines& sessions, const wchar_t* exitAnswer = L"agree",
+                 int windows = 1);
     // The lines it logged, once there are count of them.
     Lines Log(size_t count = 0) const;
 

@@ -23,7 +23,8 @@ VUnicodeString DialogText(HWND dialog, int control) {
 }
 
 // The recent list of section in the INI files of folder, after writing entries when given.
-Lines RecentEntries(const VUnicodeString& folder, const wchar_t* section, const Lines& entries = {}) {
+Lines RecentEntries(const VUnicodeString& folder, const wchar_t* section,
+                    const Lines& entries = {}) {
     VIniFileStoreFactory factory(folder, L"");
     VProfileStore store(&factory);
     VProfileKey key(store.GetRootKey(), section, true);
@@ -51,7 +52,8 @@ TEST(Traywell, ASecondCopyEndsSilentlyAndExitWithoutClientsAsksNothing) {
 }
 
 TEST(Traywell, AMutexNameTakenByAnotherObjectIsReported) {
-    const KernelHandle squatter(CreateEventW(nullptr, TRUE, FALSE, L"CB427A92-D7C2-4206-BBE9-68F2A379036D"));
+    const KernelHandle squatter(
+        CreateEventW(nullptr, TRUE, FALSE, L"CB427A92-D7C2-4206-BBE9-68F2A379036D"));
     TraywellUnderTest traywell(L"", false);
     EXPECT_EQ(traywell.TakeBoxText(), L"Traywell failed to initialize.\r\nError: 0x00000006\r\n");
     EXPECT_TRUE(traywell.process.Exited());
@@ -68,7 +70,8 @@ TEST(Traywell, ConnectAndRecentSessionsStartTheClientWithTheirCommandLine) {
         {true, false, false, L"Recent File List Termwright", L"r2", L"/S \"Be&ta\""},
         {false, true, false, L"Recent File List Filewright", L"r2", L"/S \"Be&ta\""},
         {true, true, true, L"Recent File List Filewright", L"vvv>2", L"/S \"Be&ta\""},
-        {false, false, true, L"Recent File List Termwright", L"r2", nullptr},  // reordered all the same
+        {false, false, true, L"Recent File List Termwright", L"r2",
+         nullptr},  // reordered all the same
     };
     for (const auto& test : cases) {
         InstalledClients clients(test.termwright, test.filewright, test.integrated);
@@ -78,12 +81,13 @@ TEST(Traywell, ConnectAndRecentSessionsStartTheClientWithTheirCommandLine) {
         traywell.Choose(test.keys);
         if (test.section) {
             const Lines reordered{L"Be&ta", L"Alpha", L"Gamma"};
-            EXPECT_TRUE(WaitUntil([&] { return RecentEntries(folder, test.section) == reordered; })) << test.keys;
+            EXPECT_TRUE(WaitUntil([&] { return RecentEntries(folder, test.section) == reordered; }))
+                << test.keys;
         }
         Lines expected;
         if (test.arguments)
-            expected.Add(VUnicodeString(L"\"") + GetPathBesideProgram(L"client_window_helper.exe") + L"\" /F \"" +
-                         folder + L"\" " + test.arguments);
+            expected.Add(VUnicodeString(L"\"") + GetPathBesideProgram(L"client_window_helper.exe") +
+                         L"\" /F \"" + folder + L"\" " + test.arguments);
         WaitUntil([&] { return traywell.Launches().GetCount() >= expected.GetCount(); });
         EXPECT_EQ(traywell.Launches(), expected) << test.keys;
     }
@@ -100,7 +104,9 @@ TEST(Traywell, WindowCommandsReachTheirWindows) {
     } steps[] = {
         {L"2", {L"select 0 8"}, {}},
         {L"4", {L"select 0 8"}, {L"select 0 5"}},
-        {L"vvvv!", {L"select 0 8", L"select 0 0", L"select 0 0", L"select 0 0"}, {L"select 0 5", L"select 0 0"}},
+        {L"vvvv!",
+         {L"select 0 8", L"select 0 0", L"select 0 0", L"select 0 0"},
+         {L"select 0 5", L"select 0 0"}},
     };
     for (const auto& step : steps) {
         traywell.Choose(step.keys);
@@ -134,11 +140,13 @@ TEST(Traywell, ExitClosesEachWindowOnceOnlyWhenAllAgreeAndTheUserConfirms) {
         TraywellUnderTest traywell;
         traywell.Choose(L"x");
         if (test.refusal) {
-            EXPECT_EQ(traywell.TakeBoxText(), Text(test.refusal)) << test.terminalAnswer << test.transferAnswer;
+            EXPECT_EQ(traywell.TakeBoxText(), Text(test.refusal))
+                << test.terminalAnswer << test.transferAnswer;
         } else {
             const HWND dialog = traywell.WaitForDialog(IDC_EXIT_TEXT);
             EXPECT_EQ(DialogText(dialog, IDC_EXIT_TEXT),
-                      L"Exiting Quillon Software Traywell will close all windows listed on the menu.\r\n");
+                      L"Exiting Quillon Software Traywell will close all windows listed on the "
+                      L"menu.\r\n");
             PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(test.button), 0);
         }
         const bool closes = test.button == IDOK;
@@ -180,7 +188,8 @@ TEST(Traywell, GoneWindowsAreReportedAndTheAboutBoxShowsTheVersion) {
     EXPECT_EQ(traywell.TakeBoxText(), Text(TRAY_WINDOW_GONE));
 
     traywell.Choose(L"^^!");
-    const VUnicodeString version = DialogText(traywell.WaitForDialog(IDC_ABOUT_VERSION), IDC_ABOUT_VERSION);
+    const VUnicodeString version =
+        DialogText(traywell.WaitForDialog(IDC_ABOUT_VERSION), IDC_ABOUT_VERSION);
     EXPECT_TRUE(version.StartsWith(L"Version 8.3.4 (x64 build 1699)   -   ")) << version.c_str();
 }
 
