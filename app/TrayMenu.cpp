@@ -53,8 +53,11 @@ bool WindowManager::BringForwardInsteadOfMenu() {
         SetForegroundWindow(openDialog_->GetHwnd());
         return true;
     }
+    // Reading every window's class is costly where each read asks another
+    // process; the walk is only needed when such a dialog exists at all.
     HWND connectDialog = nullptr;
-    EnumWindows(ConnectDialogSearch::Visit, reinterpret_cast<LPARAM>(&connectDialog));
+    if (FindWindowW(ClientProtocol::ConnectDialogClass, nullptr))
+        EnumWindows(ConnectDialogSearch::Visit, reinterpret_cast<LPARAM>(&connectDialog));
     if (!connectDialog) return false;
     SetForegroundWindow(GetLastActivePopup(connectDialog));
     return true;

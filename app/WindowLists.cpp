@@ -53,12 +53,13 @@ BOOL CALLBACK WindowLists::AddClientWindow(HWND window, LPARAM self) {
     if (atom == 0 || (atom != lists.terminalAtom_ && atom != lists.transferAtom_)) return TRUE;
     if (static_cast<uint32_t>(GetWindowLongW(window, 0)) != ClientProtocol::MainWindowMark)
         return TRUE;
-    if (GetWindowLongPtrW(window, GWLP_USERDATA) == 0) return TRUE;
-    lists.AddSessionsOf(window, atom);
+    const LONG_PTR userData = GetWindowLongPtrW(window, GWLP_USERDATA);
+    if (userData == 0) return TRUE;
+    lists.AddSessionsOf(window, atom, userData);
     return TRUE;
 }
 
-void WindowLists::AddSessionsOf(HWND window, ATOM atom) {
+void WindowLists::AddSessionsOf(HWND window, ATOM atom, LONG_PTR userData) {
     DWORD_PTR size = 0;
     if (!SendQuery(window, ClientProtocol::SessionQueryMessage, 0, 0, size) || size == 0) return;
     const auto buffer = VRefPtr<VMemoryMappedBuffer>::Adopt(new VMemoryMappedBuffer(size));
@@ -70,7 +71,6 @@ void WindowLists::AddSessionsOf(HWND window, ATOM atom) {
     if (written == 0 || written > size) return;
     buffer->SetDataLength(written);
 
-    const LONG_PTR userData = GetWindowLongPtrW(window, GWLP_USERDATA);
     VArray<WindowData>& list = atom == terminalAtom_ ? terminal_ : transfer_;
     for (const VUnicodeString& session : ClientProtocol::ReadSessions(buffer->GetData(), written)) {
         WindowData record;

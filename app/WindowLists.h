@@ -52,7 +52,7 @@ public:
 
 private:
     static BOOL CALLBACK AddClientWindow(HWND window, LPARAM self);
-    void AddSessionsOf(HWND window, ATOM atom);
+    void AddSessionsOf(HWND window, ATOM atom, LONG_PTR userData);
 
     VArray<WindowData> terminal_;
     VArray<WindowData> transfer_;
