@@ -1,12 +1,14 @@
 // Building the tray menu with 20 client windows of 3 sessions each, the
-// clients being helper processes: the whole build against its floor, the
-// session queries' round trips alone (two sent messages and the shared
-// buffer per window, as the protocol needs). What is left is the program's
-// own work: finding the windows, reading the recent list, making the menu.
+// clients being helper processes, against its floor: the session queries'
+// round trips alone (two sent messages and the shared buffer per window, as
+// the protocol needs). The rest is the program's own work: walking the
+// desktop for the client windows, reading the installation facts and the
+// recent list, making the menu.
 //
 //   bench_tray_menu [windows]      (default 20; client_window_helper.exe beside it)
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cwchar>
 #include <vector>
@@ -20,7 +22,6 @@
 
 namespace {
 
-// Many rounds: on a busy machine the best of them is the quiet one.
 constexpr int Rounds = 40;
 
 std::vector<KernelHandle> StartHelpers(int count, const std::wstring& log) {
@@ -58,8 +59,9 @@ std::vector<HWND> ClientWindows() {
     return windows;
 }
 
-// The session query's round trips alone, for every window.
-void QueryRoundTrips(const std::vector<HWND>& windows) {
+// The session query's round trips alone, for every window; milliseconds.
+double QueryRoundTrips(const std::vector<HWND>& windows) {
+    const double start = Now();
     for (HWND window : windows) {
         DWORD_PTR size = 0, written = 0;
         SendMessageTimeoutW(window, ClientProtocol::SessionQueryMessage, 0, 0, SMTO_ABORTIFHUNG,
@@ -68,17 +70,23 @@ void QueryRoundTrips(const std::vector<HWND>& windows) {
         SendMessageTimeoutW(window, ClientProtocol::SessionQueryMessage, 0,
                             static_cast<LPARAM>(size), SMTO_ABORTIFHUNG, 5000, &written);
     }
+    return (Now() - start) * 1000;
 }
 
-double BestBuild(WindowManager& manager, size_t& items) {
-    return BestTimes({[&] {
-                         HMENU menu = nullptr;
-                         manager.BuildTrayMenu(menu);
-                         items = static_cast<size_t>(GetMenuItemCount(menu));
-                         DestroyMenu(menu);
-                     }},
-                     Rounds)[0] *
-           1000;
+// Milliseconds to build the menu; items receives its count of items.
+double BuildMenu(WindowManager& manager, size_t& items) {
+    const double start = Now();
+    HMENU menu = nullptr;
+    manager.BuildTrayMenu(menu);
+    const double took = (Now() - start) * 1000;
+    items = static_cast<size_t>(GetMenuItemCount(menu));
+    DestroyMenu(menu);
+    return took;
+}
+
+double Median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
 }
 
 }  // namespace
@@ -91,10 +99,12 @@ int wmain(int argc, wchar_t** argv) {
     manager.Initialize((L"bench_tray_menu.exe /F \"" + folder + L"\"").c_str());
     for (const wchar_t* session : {L"Build server", L"Mail", L"Database & backups", L"Router"})
         if (VRecentFileList* list = manager.GetTransferRecentList()) list->Add(session);
+
     size_t items = 0;
-    const double alone = BestBuild(manager, items);
-    std::printf("menu of %zu items without client windows: %.3f ms (best of %d)\n", items, alone,
-                Rounds);
+    std::vector<double> alone;
+    for (int round = 0; round < Rounds; ++round) alone.push_back(BuildMenu(manager, items));
+    std::printf("menu of %zu items without client windows: %.3f ms (median of %d)\n", items,
+                Median(alone), Rounds);
 
     std::vector<KernelHandle> helpers = StartHelpers(count, folder + L"\\helpers.log");
     std::vector<HWND> windows;
@@ -105,16 +115,23 @@ int wmain(int argc, wchar_t** argv) {
         std::fprintf(stderr, "only %zu of %d client windows came up\n", windows.size(), count);
         return 1;
     }
-    const double menu = BestBuild(manager, items);
-    const double roundTrips = BestTimes({[&] { QueryRoundTrips(windows); }}, Rounds)[0] * 1000;
-    const double own = menu - roundTrips;
-    std::printf("menu of %zu items, %d client windows of 3 sessions (best of %d):\n", items, count,
-                Rounds);
-    std::printf("  whole build          %8.3f ms   %5.2fx the round trips\n", menu,
-                menu / roundTrips);
-    std::printf("  round trips (floor)  %8.3f ms   %5.3f ms per window\n", roundTrips,
-                roundTrips / count);
-    std::printf("  program's own work   %8.3f ms   %5.1f%% of the whole\n", own, 100 * own / menu);
+    // Each round builds the menu and then makes the same round trips, so that
+    // a load that comes and goes on the machine touches both alike; the
+    // program's own work is the difference within a round.
+    std::vector<double> menus, trips, own;
+    for (int round = 0; round < Rounds; ++round) {
+        menus.push_back(BuildMenu(manager, items));
+        trips.push_back(QueryRoundTrips(windows));
+        own.push_back(menus.back() - trips.back());
+    }
+    const double menu = Median(menus), ownWork = Median(own);
+    std::printf("menu of %zu items, %d client windows of 3 sessions (medians of %d rounds):\n",
+                items, count, Rounds);
+    std::printf("  whole build          %8.3f ms\n", menu);
+    std::printf("  round trips (floor)  %8.3f ms   %5.3f ms per window\n", Median(trips),
+                Median(trips) / count);
+    std::printf("  program's own work   %8.3f ms   %5.1f%% of the whole\n", ownWork,
+                100 * ownWork / menu);
 
     for (const KernelHandle& helper : helpers) TerminateProcess(helper.Get(), 0);
     for (const wchar_t* file : {L"\\helpers.log", L"\\Recent File List Filewright.ini"})
