@@ -16,6 +16,7 @@ cd "$root"
 
 source "$root/scripts/build-common.sh"
 
+lock_build_tree
 configure_build
 cmake --build "$build" -j "$jobs" --target bench_ini_store
 start_wine
