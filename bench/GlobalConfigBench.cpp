@@ -8,13 +8,17 @@
 //
 // The key holds every option (a profile that has been saved whole). A load is
 // GlobalConfig::LoadFromStore: open a store and the global options key, read
-// every option with its kind and convert it. A save is GlobalConfig::Save
-// with force, which writes every option and flushes the key.
+// every option with its kind and convert it. "The store alone" opens the same
+// key and reads the same values with the store's getters, untyped: the part
+// of a load that is the store's. A save is GlobalConfig::Save with force,
+// which writes every option and flushes the key.
 #include <windows.h>
 
 #include <cstdio>
 #include <cwchar>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "BenchSupport.h"

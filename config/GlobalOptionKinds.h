@@ -4,6 +4,7 @@
 // member.
 #pragma once
 
+#include <algorithm>
 #include <stdexcept>
 #include <type_traits>
 #include <utility>

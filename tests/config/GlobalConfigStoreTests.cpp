@@ -168,7 +168,8 @@ TEST_P(GlobalConfigStore, EachProductReadsAndWritesItsOwnNames) {
     }
 }
 
-// A value found only under its former name, in the text or list form.
+// What key holds under name: one text, or lines each ended by "|"; "(none)"
+// when it holds no value of that kind.
 VUnicodeString StoredForm(VProfileKey& key, const wchar_t* name, bool list) {
     VUnicodeString text;
     VArray<VUnicodeString> lines;
