@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <set>
 #include <sstream>
-#include <string>
 
 #include "GlobalConfig.h"
 #include "RegistrySandbox.h"
@@ -14,104 +14,66 @@ namespace {
 
 constexpr GlobalProduct Products[] = {GlobalProduct::Terminal, GlobalProduct::Transfer};
 
-std::vector<std::wstring> ListedNames() {
+std::set<std::wstring> ListedNames() {
     std::istringstream lines(ReadWholeFile(VUnicodeString(GLOBAL_OPTION_NAMES_FILE)));
-    std::vector<std::wstring> names;
+    std::set<std::wstring> names;
     for (std::string line; std::getline(lines, line);) {
         if (!line.empty() && line.back() == '\r') line.pop_back();
-        if (!line.empty() && line[0] != '#') names.emplace_back(line.begin(), line.end());
+        if (!line.empty() && line[0] != '#') names.emplace(line.begin(), line.end());
     }
     return names;
 }
 
-std::wstring Upper(const VUnicodeString& name) {
-    VUnicodeString upper = name;
-    upper.MakeUpper();
-    return upper.c_str();
+std::string Narrow(const std::wstring& name) {
+    return VString(VUnicodeString(name.c_str())).c_str();
 }
 
-// Every name the table reads, upper-cased (the store compares without regard
-// to case), with the options it belongs to.
-std::map<std::wstring, std::vector<size_t>> NamesRead() {
-    std::map<std::wstring, std::vector<size_t>> read;
-    for (size_t i = 0; i < GlobalConfig::OptionCount; ++i) {
-        std::map<std::wstring, bool> ofOption;  // a name both products share counts once
-        for (const GlobalProduct product : Products) {
-            ofOption[Upper(GlobalConfig::GetValueName(i, product))] = true;
-            const VUnicodeString& former = GlobalConfig::GetFormerName(i, product);
-            if (!former.IsEmpty()) ofOption[Upper(former)] = true;
-        }
-        for (const auto& [name, unused] : ofOption) read[name].push_back(i);
-    }
-    return read;
-}
-
-TEST(GlobalOptionTable, ReadsEveryListedNameOnceAndNothingElseButTheStartUpOptions) {
-    const std::vector<std::wstring> listed = ListedNames();
-    ASSERT_EQ(listed.size(), 285u) << "the list of names is incomplete";
-    std::map<std::wstring, std::vector<size_t>> read = NamesRead();
-    for (const std::wstring& name : listed) {
-        const auto found = read.find(Upper(name.c_str()));
-        ASSERT_NE(found, read.end())
-            << "missing: " << VString(VUnicodeString(name.c_str())).c_str();
-        EXPECT_EQ(found->second.size(), 1u)
-            << "read by several options: " << VString(VUnicodeString(name.c_str())).c_str();
-        read.erase(found);
-    }
-    for (const auto& [name, options] : read) {
-        EXPECT_TRUE(GlobalConfig::IsStartUpOption(options[0]))
-            << "not a listed name: " << VString(VUnicodeString(name.c_str())).c_str();
-    }
-    EXPECT_EQ(read.size(), 2u) << "the two start-up options";
-}
-
-TEST(GlobalOptionTable, ProductDependentNamesComeInCompletePairs) {
-    const std::vector<std::wstring> listed = ListedNames();
-    std::map<std::wstring, bool> isListed;
-    for (const std::wstring& name : listed) isListed[name] = true;
-    std::map<std::wstring, bool> perProduct;
-    for (const VUnicodeString& name : GlobalConfig::GetProductDependentNames()) {
-        perProduct[name.c_str()] = true;
-        EXPECT_TRUE(isListed[name.c_str()] && isListed[std::wstring(name.c_str()) + L" FWX"])
-            << VString(name).c_str();
-    }
-    // A listed pair that the table keeps as two options would be read by both products.
-    for (const std::wstring& name : listed) {
-        const size_t suffix = name.rfind(L" FWX");
-        if (suffix == std::wstring::npos || suffix + 4 != name.size() ||
-            !isListed[name.substr(0, suffix)])
-            continue;
-        EXPECT_TRUE(perProduct[name.substr(0, suffix)])
-            << VString(VUnicodeString(name.c_str())).c_str();
-    }
-}
-
-TEST(GlobalOptionTable, LookupsByIndexAndByNameFindTheSameMember) {
+// Every name any product reads (present or former; upper-cased, as the store
+// compares them) belongs to one option, is found by the lookup, and is listed
+// or a start-up option's; and the names the products keep apart are listed
+// in pairs, which the table does not keep as two options.
+TEST(GlobalOptionTable, ReadsEveryListedNameOnceAndTheProductsPairsAsOneOption) {
+    std::map<std::wstring, std::set<size_t>> readBy;
     for (const GlobalProduct product : Products) {
         GlobalConfig config(product);
         for (size_t i = 0; i < GlobalConfig::OptionCount; ++i) {
-            const VUnicodeString& name = GlobalConfig::GetValueName(i, product);
-            EXPECT_EQ(config.GetOption(i).GetName(), name);
-            VUnicodeString otherCase = name;
-            otherCase.MakeUpper();
-            EXPECT_EQ(config.FindOption(otherCase), &config.GetOption(i)) << VString(name).c_str();
+            for (VUnicodeString name : {GlobalConfig::GetValueName(i, product),
+                                        GlobalConfig::GetFormerName(i, product)}) {
+                name.MakeUpper();
+                if (!name.IsEmpty()) readBy[name.c_str()].insert(i);
+            }
+            EXPECT_EQ(config.FindOption(GlobalConfig::GetValueName(i, product)),
+                      &config.GetOption(i));
         }
-        EXPECT_THROW(config.GetOption(GlobalConfig::OptionCount), VContainerOutOfRange);
     }
-    GlobalConfig transfer(GlobalProduct::Transfer);
-    EXPECT_EQ(transfer.FindOption(L"Show Toolbar"), nullptr) << "the terminal client's name";
-    EXPECT_EQ(&transfer.GetOption(GlobalOption::ShowToolbar),
-              transfer.FindOption(L"Show Toolbar FWX"));
+    const std::set<std::wstring> listed = ListedNames();
+    ASSERT_EQ(listed.size(), 285u) << "the list of names is incomplete";
+    for (const std::wstring& name : listed) {
+        VUnicodeString upper(name.c_str());
+        upper.MakeUpper();
+        EXPECT_EQ(readBy[upper.c_str()].size(), 1u) << Narrow(name);
+        readBy.erase(upper.c_str());
+    }
+    ASSERT_EQ(readBy.size(), 2u) << "besides the listed names, the two start-up options";
+    for (const auto& [name, options] : readBy)
+        EXPECT_TRUE(GlobalConfig::IsStartUpOption(*options.begin())) << Narrow(name);
+
+    std::set<std::wstring> perProduct;
+    for (const VUnicodeString& name : GlobalConfig::GetProductDependentNames())
+        perProduct.insert(name.c_str());
+    for (const std::wstring& name : listed) {
+        const std::wstring plain = name.substr(0, name.size() - 4);
+        if (name.ends_with(L" FWX") && listed.count(plain)) {
+            EXPECT_TRUE(perProduct.count(plain)) << Narrow(name);
+        }
+    }
 }
 
-TEST(GlobalOptionTable, ReadSwitchTakesThePolicyForStartUpOptionsOnly) {
+TEST(GlobalOptionTable, ReadSwitchTakesAPolicyForTheStartUpOptionsOnly) {
     GlobalConfig config;
-    config.EnableFipsMode.Set(false);
-    config.MinimizeToTray.Set(false);
     bool value = true;
     EXPECT_FALSE(config.ReadSwitch(L"Log File", value)) << "not a switch";
     EXPECT_FALSE(config.ReadSwitch(L"No Such Option", value));
-    EXPECT_TRUE(value) << "untouched";
 
     RegistrySandbox sandbox;
     PredefinedKeyRedirect machine(HKEY_LOCAL_MACHINE, sandbox, L"machine");
@@ -121,30 +83,12 @@ TEST(GlobalOptionTable, ReadSwitchTakesThePolicyForStartUpOptionsOnly) {
               ERROR_SUCCESS);
     const RegistryKeyHandle owned(policies);
     const DWORD on = 1;
-    RawSetValue(policies, L"Enable FIPS Mode", REG_DWORD, &on, sizeof on);
-    RawSetValue(policies, L"Minimize To Tray", REG_DWORD, &on, sizeof on);
+    for (const wchar_t* name : {L"Enable FIPS Mode", L"Minimize To Tray"})
+        RawSetValue(policies, name, REG_DWORD, &on, sizeof on);
     ASSERT_TRUE(config.ReadSwitch(L"enable fips mode", value));
     EXPECT_TRUE(value) << "an administrator's policy wins";
     ASSERT_TRUE(config.ReadSwitch(L"Minimize To Tray", value));
-    EXPECT_FALSE(value) << "policies apply to start-up options only";
-}
-
-TEST(GlobalOptionTable, TreeStatesAreTextsOfZerosAndOnes) {
-    const struct {
-        const wchar_t* text;
-        bool valid;
-        size_t nodes;
-    } cases[] = {{L"", true, 0},      {L"1001000100", true, 10}, {L"0", true, 1},
-                 {L"10 1", false, 0}, {L"102", false, 0},        {L"1,0", false, 0}};
-    for (const auto& c : cases) {
-        VTreeState state;
-        state.expanded.Add(true);  // a refused text leaves it so
-        ASSERT_EQ(VTreeState::Parse(c.text, state), c.valid)
-            << VString(VUnicodeString(c.text)).c_str();
-        EXPECT_EQ(state.expanded.GetCount(), c.valid ? c.nodes : 1u);
-        if (!c.valid) continue;
-        EXPECT_EQ(state.Format(), c.text) << "written back as read";
-    }
+    EXPECT_FALSE(value) << "the user's own, its default";
 }
 
 }  // namespace
