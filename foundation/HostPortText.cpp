@@ -53,7 +53,8 @@ bool SplitHostPort(const char* text, VString& host, uint16_t& port) {
 template <class Char>
 VBasicString<Char> JoinHostPort(const VBasicString<Char>& host, const VBasicString<Char>& port) {
     VBasicString<Char> joined;
-    const bool bracketed = host.IsEmpty() || host.Find(Literal<Char>(':')) != VBasicString<Char>::npos;
+    const bool bracketed =
+        host.IsEmpty() || host.Find(Literal<Char>(':')) != VBasicString<Char>::npos;
     if (bracketed) joined += Literal<Char>('[');
     joined += host;
     if (bracketed) joined += Literal<Char>(']');

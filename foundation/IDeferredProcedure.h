@@ -4,6 +4,7 @@
 #pragma once
 
 #include <windows.h>
+
 #include <unknwn.h>
 
 #include <cstdint>
@@ -23,11 +24,11 @@ protected:
 };
 
 struct CompletionInfo {
-    void* context = nullptr;              // the request's, handed back untouched
-    VRefPtr<IThreadedCommandSink> sink;   // called by the worker thread when the command ends
-    VRefPtr<IThreadedCommandSink> next;   // the request's own handler, which goes on with it
-    DWORD code = 0;                       // the exit code, or the error that kept the command from starting
-    uint8_t flag = 0;                     // the procedure's flag byte when the command ended
+    void* context = nullptr;             // the request's, handed back untouched
+    VRefPtr<IThreadedCommandSink> sink;  // called by the worker thread when the command ends
+    VRefPtr<IThreadedCommandSink> next;  // the request's own handler, which goes on with it
+    DWORD code = 0;    // the exit code, or the error that kept the command from starting
+    uint8_t flag = 0;  // the procedure's flag byte when the command ended
 };
 
 // What a caller defers until a command has ended.

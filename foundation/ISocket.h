@@ -18,11 +18,12 @@ public:
     // the event sink then hear its outcome, possibly before Connect returns.
     // False, with the Winsock error in report and nobody told, when it is
     // refused at once: bad text, no port, or a connection already there.
-    virtual bool Connect(const char* destination, ISocketSink* completion, VReportMessageParams& report) = 0;
+    virtual bool Connect(const char* destination, ISocketSink* completion,
+                         VReportMessageParams& report) = 0;
     // As above, to host at port; with port 0, at the port that service names
     // (a number, or a name the system knows, such as "ssh").
-    virtual bool Connect(const char* service, const char* host, uint16_t port, ISocketSink* completion,
-                         VReportMessageParams& report) = 0;
+    virtual bool Connect(const char* service, const char* host, uint16_t port,
+                         ISocketSink* completion, VReportMessageParams& report) = 0;
     virtual bool IsConnected() const = 0;
     // Sends no more: the peer reads the end of the stream. False, with the
     // Winsock error in report, when that fails.

@@ -32,7 +32,8 @@ bool OpenKey(const wchar_t* path, RegistryKeyHandle& key, LSTATUS& status) {
 // A missing name leaves target empty: the rules are what counts.
 void ReadName(HKEY key, const wchar_t* value, WCHAR (&target)[32]) {
     DWORD size = sizeof target;
-    if (RegGetValueW(key, nullptr, value, RRF_RT_REG_SZ, nullptr, target, &size) != ERROR_SUCCESS) target[0] = 0;
+    if (RegGetValueW(key, nullptr, value, RRF_RT_REG_SZ, nullptr, target, &size) != ERROR_SUCCESS)
+        target[0] = 0;
 }
 
 }  // namespace
@@ -53,7 +54,8 @@ bool FindTimeZone(const VUnicodeString& name, VTimeZone& zone, VReportMessagePar
     if (!OpenKey((VUnicodeString(DatabaseKey) + L"\\" + name).c_str(), key, status)) return fail();
     StoredRules rules{};
     DWORD size = sizeof rules;
-    if (RegGetValueW(key.Get(), nullptr, L"TZI", RRF_RT_REG_BINARY, nullptr, &rules, &size) != ERROR_SUCCESS ||
+    if (RegGetValueW(key.Get(), nullptr, L"TZI", RRF_RT_REG_BINARY, nullptr, &rules, &size) !=
+            ERROR_SUCCESS ||
         size != sizeof rules)
         return fail();
 

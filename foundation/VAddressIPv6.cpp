@@ -11,7 +11,8 @@ constexpr char ScopeMark = '%';
 // Only decimal digits, nothing around them, within 32 bits.
 bool ParseScope(const char* text, ULONG& scope) {
     const char* end = text + std::strlen(text);
-    if (text == end || !std::all_of(text, end, [](char c) { return c >= '0' && c <= '9'; })) return false;
+    if (text == end || !std::all_of(text, end, [](char c) { return c >= '0' && c <= '9'; }))
+        return false;
     uint32_t value = 0;
     const auto parsed = std::from_chars(text, end, value);
     if (parsed.ec != std::errc() || parsed.ptr != end) return false;
@@ -27,7 +28,8 @@ bool IPv6Family::ParseHost(const char* host, SocketAddress& address) {
     if (!mark) return inet_pton(AF_INET6, host, &address.sin6_addr) == 1;
     // The system's literal reader knows no scope: it gets the address alone.
     const VString literal(host, static_cast<size_t>(mark - host));
-    return ParseScope(mark + 1, address.sin6_scope_id) && inet_pton(AF_INET6, literal.c_str(), &address.sin6_addr) == 1;
+    return ParseScope(mark + 1, address.sin6_scope_id) &&
+           inet_pton(AF_INET6, literal.c_str(), &address.sin6_addr) == 1;
 }
 
 VString IPv6Family::FormatHost(const SocketAddress& address) {
@@ -44,6 +46,7 @@ VString IPv6Family::FormatHost(const SocketAddress& address) {
 }
 
 bool IPv6Family::IsLoopback(const SocketAddress& address) {
-    static constexpr uint8_t loopback[AddressLength] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1};
+    static constexpr uint8_t loopback[AddressLength] = {0, 0, 0, 0, 0, 0, 0, 0,
+                                                        0, 0, 0, 0, 0, 0, 0, 1};
     return std::memcmp(Bytes(address), loopback, AddressLength) == 0;
 }

@@ -1,7 +1,7 @@
 #include "VCommandSocket.h"
 
-VCommandSocket::VCommandSocket(IStreamSocket* inner, ISocketEvents* sink, ISocketCommandStatus* reporter,
-                               const VUnicodeString& commandLine)
+VCommandSocket::VCommandSocket(IStreamSocket* inner, ISocketEvents* sink,
+                               ISocketCommandStatus* reporter, const VUnicodeString& commandLine)
     : inner_(inner),
       sink_(sink),
       commandLine_(commandLine),
@@ -11,13 +11,16 @@ VCommandSocket::VCommandSocket(IStreamSocket* inner, ISocketEvents* sink, ISocke
 
 VCommandSocket::~VCommandSocket() { inner_->SetEventSink(nullptr); }
 
-bool VCommandSocket::Connect(const char* destination, ISocketSink* completion, VReportMessageParams& report) {
+bool VCommandSocket::Connect(const char* destination, ISocketSink* completion,
+                             VReportMessageParams& report) {
     return Defer({this, RequestKind::Text, VString(destination), VString(), 0, completion}, report);
 }
 
-bool VCommandSocket::Connect(const char* service, const char* host, uint16_t port, ISocketSink* completion,
-                             VReportMessageParams& report) {
-    return Defer({this, RequestKind::HostAndPort, VString(service), VString(host), port, completion}, report);
+bool VCommandSocket::Connect(const char* service, const char* host, uint16_t port,
+                             ISocketSink* completion, VReportMessageParams& report) {
+    return Defer(
+        {this, RequestKind::HostAndPort, VString(service), VString(host), port, completion},
+        report);
 }
 
 bool VCommandSocket::Defer(DeferredConnect request, VReportMessageParams& report) {
@@ -61,8 +64,8 @@ void VCommandSocket::OnCommandComplete(void* context, CompletionInfo& info) {
     VReportMessageParams report;
     const bool taken = request->kind == RequestKind::Text
                            ? inner_->Connect(request->text.c_str(), completion, report)
-                           : inner_->Connect(request->text.c_str(), request->host.c_str(), request->port,
-                                             completion, report);
+                           : inner_->Connect(request->text.c_str(), request->host.c_str(),
+                                             request->port, completion, report);
     if (!taken && completion) completion->OnConnect(report.GetMessageCode());
 }
 

@@ -37,7 +37,8 @@ public:
     // worker thread, where completion hears its outcome. False, with
     // WSAEALREADY in report, while an earlier request waits for its command.
     // Throws std::system_error when no thread can be started.
-    bool Connect(const char* destination, ISocketSink* completion, VReportMessageParams& report) override;
+    bool Connect(const char* destination, ISocketSink* completion,
+                 VReportMessageParams& report) override;
     bool Connect(const char* service, const char* host, uint16_t port, ISocketSink* completion,
                  VReportMessageParams& report) override;
     bool IsConnected() const override { return inner_->IsConnected(); }

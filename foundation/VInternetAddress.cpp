@@ -54,7 +54,8 @@ bool VInternetAddress<Family>::MatchesPrefix(const IInternetAddress& other, uint
 template <class Family>
 bool VInternetAddress<Family>::IsAnyAddress() const {
     const uint8_t* bytes = GetAddressBytes();
-    return valid_ && std::all_of(bytes, bytes + AddressLength, [](uint8_t byte) { return byte == 0; });
+    return valid_ &&
+           std::all_of(bytes, bytes + AddressLength, [](uint8_t byte) { return byte == 0; });
 }
 
 template <class Family>
@@ -65,7 +66,8 @@ bool VInternetAddress<Family>::IsLoopback() const {
 template <class Family>
 bool VInternetAddress<Family>::SetFromSocketAddress(const sockaddr* address, int length) {
     valid_ = false;
-    if (!address || length < static_cast<int>(sizeof(SocketAddress)) || address->sa_family != Family::Family)
+    if (!address || length < static_cast<int>(sizeof(SocketAddress)) ||
+        address->sa_family != Family::Family)
         return false;
     std::memcpy(&address_, address, sizeof(SocketAddress));
     valid_ = true;

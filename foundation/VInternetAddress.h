@@ -64,7 +64,9 @@ struct IPv4Family {
     static const uint8_t* Bytes(const SocketAddress& address) {
         return reinterpret_cast<const uint8_t*>(&address.sin_addr);
     }
-    static uint8_t* Bytes(SocketAddress& address) { return reinterpret_cast<uint8_t*>(&address.sin_addr); }
+    static uint8_t* Bytes(SocketAddress& address) {
+        return reinterpret_cast<uint8_t*>(&address.sin_addr);
+    }
     static u_short& Port(SocketAddress& address) { return address.sin_port; }
     static u_short Port(const SocketAddress& address) { return address.sin_port; }
     // A dotted literal, refusing the limited broadcast address.
@@ -81,7 +83,9 @@ struct IPv6Family {
     static const uint8_t* Bytes(const SocketAddress& address) {
         return reinterpret_cast<const uint8_t*>(&address.sin6_addr);
     }
-    static uint8_t* Bytes(SocketAddress& address) { return reinterpret_cast<uint8_t*>(&address.sin6_addr); }
+    static uint8_t* Bytes(SocketAddress& address) {
+        return reinterpret_cast<uint8_t*>(&address.sin6_addr);
+    }
     static u_short& Port(SocketAddress& address) { return address.sin6_port; }
     static u_short Port(const SocketAddress& address) { return address.sin6_port; }
     // A literal with an optional "%<decimal scope identifier>".

@@ -26,15 +26,16 @@ bool VTcpSocket::Broken(DWORD error, VReportMessageParams& report) {
     return Refuse(error, report);
 }
 
-bool VTcpSocket::Connect(const char* destination, ISocketSink* completion, VReportMessageParams& report) {
+bool VTcpSocket::Connect(const char* destination, ISocketSink* completion,
+                         VReportMessageParams& report) {
     VString host;
     uint16_t port = 0;
     if (!SplitHostPort(destination, host, port)) return Refuse(WSAEINVAL, report);
     return Connect(nullptr, host.c_str(), port, completion, report);
 }
 
-bool VTcpSocket::Connect(const char* service, const char* host, uint16_t port, ISocketSink* completion,
-                         VReportMessageParams& report) {
+bool VTcpSocket::Connect(const char* service, const char* host, uint16_t port,
+                         ISocketSink* completion, VReportMessageParams& report) {
     if (!StartWinsock(report)) return false;
     if (!host || !*host || (port == 0 && (!service || !*service))) return Refuse(WSAEINVAL, report);
     if (connected_) return Refuse(WSAEISCONN, report);
@@ -54,12 +55,15 @@ DWORD VTcpSocket::ConnectTo(const char* host, const char* service) {
     hints.ai_socktype = SOCK_STREAM;
     hints.ai_protocol = IPPROTO_TCP;
     addrinfo* found = nullptr;
-    if (const int error = getaddrinfo(host, service, &hints, &found)) return static_cast<DWORD>(error);
+    if (const int error = getaddrinfo(host, service, &hints, &found))
+        return static_cast<DWORD>(error);
     const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> owner(found, freeaddrinfo);
     DWORD error = WSAHOST_NOT_FOUND;
     for (const addrinfo* address = found; address; address = address->ai_next) {
-        SocketHandle candidate(socket(address->ai_family, address->ai_socktype, address->ai_protocol));
-        if (candidate && connect(candidate.Get(), address->ai_addr, static_cast<int>(address->ai_addrlen)) == 0) {
+        SocketHandle candidate(
+            socket(address->ai_family, address->ai_socktype, address->ai_protocol));
+        if (candidate && connect(candidate.Get(), address->ai_addr,
+                                 static_cast<int>(address->ai_addrlen)) == 0) {
             socket_ = std::move(candidate);
             return 0;
         }
@@ -70,7 +74,8 @@ DWORD VTcpSocket::ConnectTo(const char* host, const char* service) {
 
 bool VTcpSocket::Shutdown(VReportMessageParams& report) {
     if (!connected_) return Refuse(WSAENOTCONN, report);
-    if (shutdown(socket_.Get(), SD_SEND) != 0) return Refuse(static_cast<DWORD>(WSAGetLastError()), report);
+    if (shutdown(socket_.Get(), SD_SEND) != 0)
+        return Refuse(static_cast<DWORD>(WSAGetLastError()), report);
     return true;
 }
 
@@ -84,7 +89,8 @@ bool VTcpSocket::Send(const void* data, size_t length, VReportMessageParams& rep
     if (!connected_) return Refuse(WSAENOTCONN, report);
     const char* next = static_cast<const char*>(data);
     while (length > 0) {
-        const int sent = send(socket_.Get(), next, static_cast<int>(std::min<size_t>(length, INT_MAX)), 0);
+        const int sent =
+            send(socket_.Get(), next, static_cast<int>(std::min<size_t>(length, INT_MAX)), 0);
         if (sent == SOCKET_ERROR) return Broken(static_cast<DWORD>(WSAGetLastError()), report);
         next += sent;
         length -= static_cast<size_t>(sent);
@@ -98,7 +104,8 @@ bool VTcpSocket::Receive(DWORD timeoutMilliseconds, VReportMessageParams& report
     fd_set readable;
     FD_ZERO(&readable);
     FD_SET(socket_.Get(), &readable);
-    timeval wait{static_cast<long>(timeoutMilliseconds / 1000), static_cast<long>(timeoutMilliseconds % 1000) * 1000};
+    timeval wait{static_cast<long>(timeoutMilliseconds / 1000),
+                 static_cast<long>(timeoutMilliseconds % 1000) * 1000};
     const int ready = select(0, &readable, nullptr, nullptr, &wait);
     if (ready == 0) return true;
     if (ready == SOCKET_ERROR) return Broken(static_cast<DWORD>(WSAGetLastError()), report);

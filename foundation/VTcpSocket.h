@@ -16,7 +16,8 @@ public:
     void SetEventSink(ISocketEvents* sink) override { sink_ = sink; }
     // Connecting blocks until the connection is made or every address of
     // the host has failed; the outcome is told before Connect returns.
-    bool Connect(const char* destination, ISocketSink* completion, VReportMessageParams& report) override;
+    bool Connect(const char* destination, ISocketSink* completion,
+                 VReportMessageParams& report) override;
     bool Connect(const char* service, const char* host, uint16_t port, ISocketSink* completion,
                  VReportMessageParams& report) override;
     bool IsConnected() const override { return connected_; }

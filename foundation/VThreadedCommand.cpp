@@ -27,7 +27,8 @@ void VThreadedCommand::Start(const VUnicodeString& commandLine, const DeferredRe
         .detach();
 }
 
-void VThreadedCommand::Run(std::wstring commandLine, CompletionInfo info, [[maybe_unused]] VRefPtr<VThreadedCommand> command,
+void VThreadedCommand::Run(std::wstring commandLine, CompletionInfo info,
+                           [[maybe_unused]] VRefPtr<VThreadedCommand> command,
                            const std::atomic<uint8_t>* flag) {
     // CreateProcessW may write into the command line.
     std::vector<wchar_t> writable(commandLine.begin(), commandLine.end());
@@ -40,7 +41,8 @@ void VThreadedCommand::Run(std::wstring commandLine, CompletionInfo info, [[mayb
     startup.lpReserved2 = nullptr;
     PROCESS_INFORMATION process{};
     DWORD code = 0;
-    if (CreateProcessW(nullptr, writable.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
+    if (CreateProcessW(nullptr, writable.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                       &startup, &process)) {
         const KernelHandle processHandle(process.hProcess);
         const KernelHandle threadHandle(process.hThread);
         WaitForSingleObject(processHandle.Get(), INFINITE);

@@ -34,8 +34,8 @@ private:
 
     // The worker thread: owns its copy of the command line and the record;
     // its reference to the command keeps the flag byte alive.
-    static void Run(std::wstring commandLine, CompletionInfo info, VRefPtr<VThreadedCommand> command,
-                    const std::atomic<uint8_t>* flag);
+    static void Run(std::wstring commandLine, CompletionInfo info,
+                    VRefPtr<VThreadedCommand> command, const std::atomic<uint8_t>* flag);
     void Report(VReportMessageParams& report);
 
     VRefPtr<ISocketCommandStatus> reporter_;

@@ -26,8 +26,10 @@ bool ToCount(const SYSTEMTIME& time, uint64_t& count) {
 
 // count moved by minutes; false when that leaves the unsigned 64-bit range.
 bool AddMinutes(uint64_t count, int64_t minutes, uint64_t& result) {
-    const uint64_t distance = static_cast<uint64_t>(minutes < 0 ? -minutes : minutes) * UnitsPerMinute;
-    if (minutes < 0 ? count < distance : count > std::numeric_limits<uint64_t>::max() - distance) return false;
+    const uint64_t distance =
+        static_cast<uint64_t>(minutes < 0 ? -minutes : minutes) * UnitsPerMinute;
+    if (minutes < 0 ? count < distance : count > std::numeric_limits<uint64_t>::max() - distance)
+        return false;
     result = minutes < 0 ? count - distance : count + distance;
     return true;
 }
@@ -57,7 +59,8 @@ bool Transition(const SYSTEMTIME& rule, WORD year, uint64_t& moment) {
     uint64_t first = 0;
     WORD days = 0;
     if (!ToCount(day, first) || !DaysInMonth(year, rule.wMonth, days)) return false;
-    const WORD firstWeekday = static_cast<WORD>((first / UnitsPerDay + OriginWeekday) % DaysPerWeek);
+    const WORD firstWeekday =
+        static_cast<WORD>((first / UnitsPerDay + OriginWeekday) % DaysPerWeek);
     // The walk stops before the month's last day on purpose: a rule of the
     // last Sunday in a month whose last day is a Sunday picks the Sunday
     // before. The family's other programs keep zones the same way, and their
@@ -98,7 +101,8 @@ bool VTimeZone::GetDaylightStateAt(uint64_t utc, int& state) const {
     }
     uint64_t standardClock = 0;
     SYSTEMTIME date;
-    if (!AddMinutes(utc, -static_cast<int64_t>(zone.Bias) - zone.StandardBias, standardClock)) return false;
+    if (!AddMinutes(utc, -static_cast<int64_t>(zone.Bias) - zone.StandardBias, standardClock))
+        return false;
     const FILETIME standardTime = ToFileTime(standardClock);
     if (!FileTimeToSystemTime(&standardTime, &date)) return false;
 
@@ -107,8 +111,8 @@ bool VTimeZone::GetDaylightStateAt(uint64_t utc, int& state) const {
     uint64_t standardStart = 0;
     if (!Transition(zone.DaylightDate, date.wYear, daylightStart) ||
         !Transition(zone.StandardDate, date.wYear, standardStartOnDaylightClock) ||
-        !AddMinutes(standardStartOnDaylightClock, static_cast<int64_t>(zone.DaylightBias) - zone.StandardBias,
-                    standardStart))
+        !AddMinutes(standardStartOnDaylightClock,
+                    static_cast<int64_t>(zone.DaylightBias) - zone.StandardBias, standardStart))
         return false;
 
     if (daylightStart <= standardStart)  // northern: daylight time within the year
@@ -133,7 +137,8 @@ bool VTimeZone::UtcToLocal(const FILETIME& utc, FILETIME& local) const {
     const uint64_t count = ToCount(utc);
     int state = 0;
     uint64_t result = 0;
-    if (!GetDaylightStateAt(count, state) || !AddMinutes(count, -static_cast<int64_t>(OffsetFor(state)), result))
+    if (!GetDaylightStateAt(count, state) ||
+        !AddMinutes(count, -static_cast<int64_t>(OffsetFor(state)), result))
         return false;
     local = ToFileTime(result);
     return true;
@@ -144,7 +149,8 @@ bool VTimeZone::LocalToUtc(const FILETIME& local, FILETIME& utc) const {
     uint64_t asStandardTime = 0;
     int state = 0;
     uint64_t result = 0;
-    if (!AddMinutes(count, static_cast<int64_t>(information_.Bias) + information_.StandardBias, asStandardTime) ||
+    if (!AddMinutes(count, static_cast<int64_t>(information_.Bias) + information_.StandardBias,
+                    asStandardTime) ||
         !GetDaylightStateAt(asStandardTime, state) || !AddMinutes(count, OffsetFor(state), result))
         return false;
     utc = ToFileTime(result);

@@ -11,10 +11,18 @@ public:
     VTimeZoneI() = default;
     explicit VTimeZoneI(const VTimeZone& zone) : zone_(zone) {}
 
-    bool GetDaylightState(const FILETIME* utc, int& state) const override { return zone_.GetDaylightState(utc, state); }
-    bool GetOffset(const FILETIME* utc, LONG& minutes) const override { return zone_.GetOffset(utc, minutes); }
-    bool UtcToLocal(const FILETIME& utc, FILETIME& local) const override { return zone_.UtcToLocal(utc, local); }
-    bool LocalToUtc(const FILETIME& local, FILETIME& utc) const override { return zone_.LocalToUtc(local, utc); }
+    bool GetDaylightState(const FILETIME* utc, int& state) const override {
+        return zone_.GetDaylightState(utc, state);
+    }
+    bool GetOffset(const FILETIME* utc, LONG& minutes) const override {
+        return zone_.GetOffset(utc, minutes);
+    }
+    bool UtcToLocal(const FILETIME& utc, FILETIME& local) const override {
+        return zone_.UtcToLocal(utc, local);
+    }
+    bool LocalToUtc(const FILETIME& local, FILETIME& utc) const override {
+        return zone_.LocalToUtc(local, utc);
+    }
 
     const VTimeZone& GetZone() const { return zone_; }
 

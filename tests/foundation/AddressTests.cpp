@@ -35,7 +35,8 @@ std::string Reading(const Text* text) {
     const bool is4 = v4.SetFromText(text);
     const bool is6 = v6.SetFromText(text);
     if (is4 == is6) return is4 ? "both" : "bad";
-    return is4 ? "v4 " + std::string(v4.ToString(true).c_str()) : "v6 " + std::string(v6.ToString(true).c_str());
+    return is4 ? "v4 " + std::string(v4.ToString(true).c_str())
+               : "v6 " + std::string(v6.ToString(true).c_str());
 }
 
 TEST(Addresses, TextsReadAsTheHostAndPortRulesSay) {
@@ -98,11 +99,15 @@ TEST(Addresses, HostAndPortJoinForDisplay) {
         const wchar_t* port;
         const wchar_t* joined;
     } cases[] = {
-        {L"example.org", L"22", L"example.org:22"}, {L"::1", L"22", L"[::1]:22"}, {L"", L"", L"[]"},
-        {L"", L"22", L"[]:22"},                     {L"10.0.0.1", L"", L"10.0.0.1"},
+        {L"example.org", L"22", L"example.org:22"},
+        {L"::1", L"22", L"[::1]:22"},
+        {L"", L"", L"[]"},
+        {L"", L"22", L"[]:22"},
+        {L"10.0.0.1", L"", L"10.0.0.1"},
     };
     for (const auto& c : cases)
-        EXPECT_STREQ(JoinHostPort(VUnicodeString(c.host), VUnicodeString(c.port)).c_str(), c.joined) << c.host;
+        EXPECT_STREQ(JoinHostPort(VUnicodeString(c.host), VUnicodeString(c.port)).c_str(), c.joined)
+            << c.host;
 }
 
 template <class Address>
@@ -111,7 +116,8 @@ bool Compare(const char* a, const char* b, int bits) {
     Address second;
     first.SetFromText(a);
     second.SetFromText(b);
-    return bits < 0 ? first.Equals(second) : first.MatchesPrefix(second, static_cast<uint32_t>(bits));
+    return bits < 0 ? first.Equals(second)
+                    : first.MatchesPrefix(second, static_cast<uint32_t>(bits));
 }
 
 TEST(Addresses, EqualityAndPrefixesFollowThePortRule) {
@@ -120,19 +126,28 @@ TEST(Addresses, EqualityAndPrefixesFollowThePortRule) {
         const char* b;
         int bits;  // -1: equality
         bool expected;
-    } v4[] = {
-        {"10.0.0.1", "10.0.0.1:22", -1, true},      {"10.0.0.1:21", "10.0.0.1:22", -1, false},
-        {"10.0.0.1:22", "10.0.0.2:22", -1, false},  {"10.1.2.3", "10.1.200.9", 16, true},
-        {"10.1.2.3", "10.1.200.9", 17, false},      {"10.0.0.1", "10.0.0.1", 33, true},
-        {"10.0.0.1", "10.0.0.2", 40, false},        {"0.0.0.0:1", "9.9.9.9:1", 0, true},
-        {"0.0.0.0:1", "9.9.9.9:2", 0, false},       {"255.255.255.255", "255.255.255.255", -1, false},
-    }, v6[] = {
-        {"fe80::1", "fe80::2", 126, true},          {"fe80::1", "fe80::2", 127, false},
-        {"[fe80::1]:22", "fe80::1", -1, true},      {"[fe80::1]:22", "[fe80::1]:23", 64, false},
-        {"fe80::1%3", "fe80::1%4", -1, true},
-    };
-    for (const auto& c : v4) EXPECT_EQ(Compare<VAddressIPv4>(c.a, c.b, c.bits), c.expected) << c.a << " " << c.b;
-    for (const auto& c : v6) EXPECT_EQ(Compare<VAddressIPv6>(c.a, c.b, c.bits), c.expected) << c.a << " " << c.b;
+    } v4[] =
+        {
+            {"10.0.0.1", "10.0.0.1:22", -1, true},
+            {"10.0.0.1:21", "10.0.0.1:22", -1, false},
+            {"10.0.0.1:22", "10.0.0.2:22", -1, false},
+            {"10.1.2.3", "10.1.200.9", 16, true},
+            {"10.1.2.3", "10.1.200.9", 17, false},
+            {"10.0.0.1", "10.0.0.1", 33, true},
+            {"10.0.0.1", "10.0.0.2", 40, false},
+            {"0.0.0.0:1", "9.9.9.9:1", 0, true},
+            {"0.0.0.0:1", "9.9.9.9:2", 0, false},
+            {"255.255.255.255", "255.255.255.255", -1, false},
+        },
+      v6[] = {
+          {"fe80::1", "fe80::2", 126, true},     {"fe80::1", "fe80::2", 127, false},
+          {"[fe80::1]:22", "fe80::1", -1, true}, {"[fe80::1]:22", "[fe80::1]:23", 64, false},
+          {"fe80::1%3", "fe80::1%4", -1, true},
+      };
+    for (const auto& c : v4)
+        EXPECT_EQ(Compare<VAddressIPv4>(c.a, c.b, c.bits), c.expected) << c.a << " " << c.b;
+    for (const auto& c : v6)
+        EXPECT_EQ(Compare<VAddressIPv6>(c.a, c.b, c.bits), c.expected) << c.a << " " << c.b;
 
     VAddressIPv4 v4Address;
     VAddressIPv6 v6Address;
@@ -155,8 +170,10 @@ TEST(Addresses, AnyAndLoopback) {
     for (const auto& c : cases) {
         VAddressIPv4 v4;
         VAddressIPv6 v6;
-        const bool any = v4.SetFromText(c.text) ? v4.IsAnyAddress() : v6.SetFromText(c.text) && v6.IsAnyAddress();
-        const bool loopback = v4.SetFromText(c.text) ? v4.IsLoopback() : v6.SetFromText(c.text) && v6.IsLoopback();
+        const bool any = v4.SetFromText(c.text) ? v4.IsAnyAddress()
+                                                : v6.SetFromText(c.text) && v6.IsAnyAddress();
+        const bool loopback =
+            v4.SetFromText(c.text) ? v4.IsLoopback() : v6.SetFromText(c.text) && v6.IsLoopback();
         EXPECT_EQ(any, c.any) << c.text;
         EXPECT_EQ(loopback, c.loopback) << c.text;
     }
@@ -196,7 +213,8 @@ TEST(Addresses, SystemRecordsAndBytesSetOnlyTheirOwnFamily) {
 }
 
 uint64_t TestSeed() {
-    if (const char* fixed = std::getenv("TRAYWELL_TEST_SEED")) return std::strtoull(fixed, nullptr, 0);
+    if (const char* fixed = std::getenv("TRAYWELL_TEST_SEED"))
+        return std::strtoull(fixed, nullptr, 0);
     return std::random_device()() * 0x100000000ull + std::random_device()();
 }
 
@@ -211,7 +229,8 @@ void ExpectRoundTrip(const Address& address) {
     ASSERT_TRUE(wide.SetFromText(address.ToUnicodeString(true).c_str())) << text.c_str();
     for (const Address* read : {&narrow, &wide}) {
         EXPECT_EQ(Hex(read->GetAddressBytes(), Address::AddressLength),
-                  Hex(address.GetAddressBytes(), Address::AddressLength)) << text.c_str();
+                  Hex(address.GetAddressBytes(), Address::AddressLength))
+            << text.c_str();
         EXPECT_EQ(read->GetPort(), address.GetPort()) << text.c_str();
         EXPECT_EQ(read->ToString(true), text);
     }
@@ -237,7 +256,8 @@ TEST(Addresses, FormattedRandomAddressesReadBackTheSame) {
         std::memcpy(&socketAddress.sin6_addr, bytes, 16);
         socketAddress.sin6_port = htons(port);
         socketAddress.sin6_scope_id = random() % 2 ? 0 : static_cast<ULONG>(random());
-        ASSERT_TRUE(v6.SetFromSocketAddress(reinterpret_cast<const sockaddr*>(&socketAddress), sizeof socketAddress));
+        ASSERT_TRUE(v6.SetFromSocketAddress(reinterpret_cast<const sockaddr*>(&socketAddress),
+                                            sizeof socketAddress));
         ExpectRoundTrip(v6);
         ASSERT_FALSE(testing::Test::HasFailure()) << "case " << i;
     }
@@ -245,7 +265,8 @@ TEST(Addresses, FormattedRandomAddressesReadBackTheSame) {
 
 std::string Unhex(const std::string& hex) {
     std::string bytes;
-    for (size_t i = 0; i + 1 < hex.size(); i += 2) bytes += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
+    for (size_t i = 0; i + 1 < hex.size(); i += 2)
+        bytes += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
     return bytes;
 }
 
@@ -287,15 +308,19 @@ TEST(Addresses, GeneratedTextsReadAsPythonsIpaddressExpects) {
         if (reading != expected && reading == systemReading) {
             ++decimalReadings;
         } else if (reading != expected && ++unexplained <= 20) {
-            ADD_FAILURE() << "text \"" << text << "\": ours " << reading << ", expected " << expected;
+            ADD_FAILURE() << "text \"" << text << "\": ours " << reading << ", expected "
+                          << expected;
         }
         // Whatever was accepted must also survive its own formatting.
         VAddressIPv6 v6;
         if (v6.SetFromText(text.c_str())) ExpectRoundTrip(v6);
     }
-    std::printf("%s: %d texts tried (ipaddress: %d IPv4, %d IPv6, %d refused); disagreements: %d where the system "
-                "reads an IPv4 part of an IPv6 address with leading zeros as decimal, %d others\n",
-                header.c_str(), tried, kinds["v4"], kinds["v6"], kinds["bad"], decimalReadings, unexplained);
+    std::printf(
+        "%s: %d texts tried (ipaddress: %d IPv4, %d IPv6, %d refused); disagreements: %d where the "
+        "system "
+        "reads an IPv4 part of an IPv6 address with leading zeros as decimal, %d others\n",
+        header.c_str(), tried, kinds["v4"], kinds["v6"], kinds["bad"], decimalReadings,
+        unexplained);
     EXPECT_GE(tried, 100000);
     EXPECT_EQ(unexplained, 0);
 }

@@ -58,7 +58,8 @@ public:
     }
     void OnShutdown(DWORD error) override { Add("shutdown " + std::to_string(error)); }
     void OnCommandStatus(VReportMessageParams& report) override {
-        Add("level " + std::to_string(report.GetLevel()) + ": " + VString(report.GetTextAsString()).c_str());
+        Add("level " + std::to_string(report.GetLevel()) + ": " +
+            VString(report.GetTextAsString()).c_str());
     }
     void OnCommandComplete(void* context, CompletionInfo& info) override {
         context_ = context;
@@ -80,12 +81,12 @@ VRefPtr<Recorder> NewRecorder(Log& log, const char* name) {
 
 // The two status lines that recorder hears for command and its code.
 std::string Started(const char* recorder, const wchar_t* command) {
-    return std::string(recorder) + " level 1: Running the command " + VString(VUnicodeString(command)).c_str() +
-           " before connecting.";
+    return std::string(recorder) + " level 1: Running the command " +
+           VString(VUnicodeString(command)).c_str() + " before connecting.";
 }
 std::string Ended(const char* recorder, const char* code) {
-    return std::string(recorder) + " level 1: The command run before connecting ended with code " + code +
-           " (its exit code, or the system error that kept it from starting).";
+    return std::string(recorder) + " level 1: The command run before connecting ended with code " +
+           code + " (its exit code, or the system error that kept it from starting).";
 }
 
 class Listener {
@@ -126,9 +127,9 @@ protected:
     }
 
     VRefPtr<VCommandSocket> NewCommandSocket(const wchar_t* commandLine) {
-        return VRefPtr<VCommandSocket>::Adopt(new VCommandSocket(VRefPtr<VTcpSocket>::Adopt(new VTcpSocket()).Get(),
-                                                                 events_.Get(), events_.Get(),
-                                                                 VUnicodeString(commandLine)));
+        return VRefPtr<VCommandSocket>::Adopt(
+            new VCommandSocket(VRefPtr<VTcpSocket>::Adopt(new VTcpSocket()).Get(), events_.Get(),
+                               events_.Get(), VUnicodeString(commandLine)));
     }
 
     Log log_;
@@ -153,9 +154,11 @@ TEST_F(CommandSocket, ThreadedCommandsReportTheirEndOnTheirThreadAndHandOnTheReq
         const VRefPtr<Recorder> handler = NewRecorder(log, "handler");
         const auto command = VRefPtr<VThreadedCommand>::Adopt(new VThreadedCommand(status.Get()));
         int context = 0;
-        command->Start(VUnicodeString(c.command), {&context, VRefPtr<IThreadedCommandSink>(handler.Get())});
+        command->Start(VUnicodeString(c.command),
+                       {&context, VRefPtr<IThreadedCommandSink>(handler.Get())});
         if (c.cancel) command->Cancel();
-        const std::vector<std::string> expected = {Started("status", c.command), Ended("status", c.code), c.done};
+        const std::vector<std::string> expected = {Started("status", c.command),
+                                                   Ended("status", c.code), c.done};
         EXPECT_EQ(log.Lines(3), expected);
         EXPECT_EQ(handler->context_, &context);
         EXPECT_EQ(log.Thread(0), GetCurrentThreadId());
@@ -181,14 +184,16 @@ TEST_F(CommandSocket, DeferredConnectsRunTheCommandThenReachTheListener) {
         Listener listener;
         const VRefPtr<VCommandSocket> socket = NewCommandSocket(c.command);
         VReportMessageParams report;
-        const bool taken = c.hostAndPort
-                               ? socket->Connect(std::to_string(listener.Port()).c_str(), "localhost", 0,
-                                                 completion_.Get(), report)
-                               : socket->Connect(listener.Destination().c_str(), completion_.Get(), report);
+        const bool taken =
+            c.hostAndPort
+                ? socket->Connect(std::to_string(listener.Port()).c_str(), "localhost", 0,
+                                  completion_.Get(), report)
+                : socket->Connect(listener.Destination().c_str(), completion_.Get(), report);
         ASSERT_TRUE(taken);
         EXPECT_TRUE(socket->IsWaitingForCommand());
-        const std::vector<std::string> expected = {Started("events", c.command), Ended("events", c.code),
-                                                   "completion connect 0", "events connect 0"};
+        const std::vector<std::string> expected = {Started("events", c.command),
+                                                   Ended("events", c.code), "completion connect 0",
+                                                   "events connect 0"};
         EXPECT_EQ(log.Lines(4), expected);
         EXPECT_NE(log.Thread(2), GetCurrentThreadId());
         DWORD status = 0;
@@ -232,7 +237,8 @@ TEST_F(CommandSocket, RequestsThatCannotGoOnTellTheirCompletionWhy) {
         EXPECT_FALSE(socket->Connect(c.destination.c_str(), completion_.Get(), report));
         EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(WSAEALREADY));
         if (c.closeWhileWaiting) socket->Close();
-        EXPECT_EQ(log.Lines(1), std::vector<std::string>{"completion connect " + std::to_string(c.error)})
+        EXPECT_EQ(log.Lines(1),
+                  std::vector<std::string>{"completion connect " + std::to_string(c.error)})
             << c.destination;
         EXPECT_FALSE(socket->IsConnected());
     }
