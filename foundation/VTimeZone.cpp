@@ -133,26 +133,25 @@ bool VTimeZone::GetOffset(const FILETIME* utc, LONG& minutes) const {
     return true;
 }
 
-bool VTimeZone::UtcToLocal(const FILETIME& utc, FILETIME& local) const {
-    const uint64_t count = ToCount(utc);
+bool VTimeZone::Shift(const FILETIME& time, uint64_t stateAt, int64_t direction,
+                      FILETIME& result) const {
     int state = 0;
-    uint64_t result = 0;
-    if (!GetDaylightStateAt(count, state) ||
-        !AddMinutes(count, -static_cast<int64_t>(OffsetFor(state)), result))
+    uint64_t shifted = 0;
+    if (!GetDaylightStateAt(stateAt, state) ||
+        !AddMinutes(ToCount(time), direction * OffsetFor(state), shifted))
         return false;
-    local = ToFileTime(result);
+    result = ToFileTime(shifted);
     return true;
 }
 
+bool VTimeZone::UtcToLocal(const FILETIME& utc, FILETIME& local) const {
+    return Shift(utc, ToCount(utc), -1, local);
+}
+
 bool VTimeZone::LocalToUtc(const FILETIME& local, FILETIME& utc) const {
-    const uint64_t count = ToCount(local);
     uint64_t asStandardTime = 0;
-    int state = 0;
-    uint64_t result = 0;
-    if (!AddMinutes(count, static_cast<int64_t>(information_.Bias) + information_.StandardBias,
-                    asStandardTime) ||
-        !GetDaylightStateAt(asStandardTime, state) || !AddMinutes(count, OffsetFor(state), result))
-        return false;
-    utc = ToFileTime(result);
-    return true;
+    return AddMinutes(ToCount(local),
+                      static_cast<int64_t>(information_.Bias) + information_.StandardBias,
+                      asStandardTime) &&
+           Shift(local, asStandardTime, 1, utc);
 }

@@ -36,6 +36,9 @@ public:
 private:
     bool GetDaylightStateAt(uint64_t utc, int& state) const;
     LONG OffsetFor(int state) const;
+    // time moved by the offset in force at the UTC time stateAt: subtracted
+    // (direction -1, UTC to local) or added (1, local to UTC).
+    bool Shift(const FILETIME& time, uint64_t stateAt, int64_t direction, FILETIME& result) const;
 
     TIME_ZONE_INFORMATION information_;
 };
