@@ -4,14 +4,15 @@ expects of each, for the address tests to compare against.
 
 The host is judged by Python's ipaddress module; the "host:port" rules are
 written here from their description, with regular expressions, not after our
-C++ code. Each output line is tab-separated:
+C++ code. Each output line is
 
-    text-as-hex  kind  address-bytes-hex  port  scope  system-reading
+    text-as-hex TAB kind TAB address-bytes-hex TAB port TAB scope | system-reading
 
 kind is "v4", "v6" or "bad". ipaddress refuses leading zeros in the IPv4
 part that ends an IPv6 address, which the system's reader takes as decimal;
-for such texts the last field is that decimal reading (kind, bytes, port and
-scope joined by tabs), otherwise "-". The first line is "# seed <n> count <n>".
+for such texts the system reading is that decimal reading (kind, bytes, port
+and scope as before), otherwise "-". The first line names the seed and the
+counts.
 """
 
 import argparse
@@ -26,6 +27,17 @@ BRACKETED = re.compile(r"\[([^\]]*)\](?::(.*))?\Z", re.S)
 SCOPE = re.compile(r"([^%]*)%([0-9]+)\Z", re.S)
 
 ALPHABET = "0123456789abcdefABCDEF:.[]%" + " \t+-x/\r\n" + "\xa0\xe9"
+
+# Written first: the cases the rules name and the tricky ones.
+FIXED = [
+    "10.0.0.1:22", "10.0.0.1", "0.0.0.0", "255.255.255.255", "255.255.255.255:22", "10.0.0.1:70000",
+    "10.0.0.1:65535", "10.0.0.1:65536", "10.0.0.1:22 \t\r\n", "10.0.0.1:22x", "10.0.0.1:-1", "10.0.0.1:+22",
+    "10.0.0.1:", "", ":22", " 10.0.0.1", "10.0.0.1 ", "010.0.0.1", "1.2.3", "1.2.3.4.5", "[10.0.0.1]:22",
+    "[fe80::1]:2222", "fe80::1", "fe80::1]", "x[::1]:22", "[::1", "[::1]", "[::1]x:22", "[::1]:22:", "[::]:0",
+    "[FE80:0000::0001]:7", "[fe80::1%3]:22", "fe80::1%0", "fe80::1%4294967295", "fe80::1%4294967296",
+    "fe80::1%eth0", "fe80::1%", "fe80::1%%3", "[fe80::1]%3", "10.0.0.1%3", "::ffff:10.0.0.1", "::ffff:010.0.0.1",
+    "[64:ff9b::10.0.0.1]:53", "::1.2.3", "1:2:3:4:5:6:7:8", "1:2:3:4:5:6:7:8:9", "1::2::3", "12345::1",
+]
 
 
 def read_port(text):
@@ -198,10 +210,10 @@ def main():
 
     texts = Texts(arguments.seed)
     with open(arguments.output, "w", encoding="ascii", newline="\n") as output:
-        output.write("# seed %d count %d\n" % (arguments.seed, arguments.count))
-        for _ in range(arguments.count):
-            text = texts.next()
-            output.write("%s\t%s\t%s\n" % (text.encode("latin-1").hex(), line(expect(text)), line(decimal_reading(text))))
+        output.write("# seed %d: %d fixed and %d generated texts\n" % (arguments.seed, len(FIXED), arguments.count))
+        for index in range(len(FIXED) + arguments.count):
+            text = FIXED[index] if index < len(FIXED) else texts.next()
+            output.write("%s\t%s|%s\n" % (text.encode("latin-1").hex(), line(expect(text)), line(decimal_reading(text))))
 
 
 if __name__ == "__main__":
