@@ -1,6 +1,7 @@
 #include "TimeZoneDatabase.h"
 
 #include <cwchar>
+#include <iterator>
 
 #include "ConfigMessages.h"
 #include "Win32Handle.h"
@@ -29,11 +30,14 @@ bool OpenKey(const wchar_t* path, RegistryKeyHandle& key, LSTATUS& status) {
     return status == ERROR_SUCCESS;
 }
 
-// A missing name leaves target empty: the rules are what counts.
+// A missing name leaves target empty, a long one is cut to fit, as the
+// system's own record has them: the rules are what counts.
 void ReadName(HKEY key, const wchar_t* value, WCHAR (&target)[32]) {
-    DWORD size = sizeof target;
-    if (RegGetValueW(key, nullptr, value, RRF_RT_REG_SZ, nullptr, target, &size) != ERROR_SUCCESS)
-        target[0] = 0;
+    wchar_t name[LongestKeyName];
+    DWORD size = sizeof name;
+    if (RegGetValueW(key, nullptr, value, RRF_RT_REG_SZ, nullptr, name, &size) != ERROR_SUCCESS)
+        name[0] = 0;
+    wcsncpy_s(target, std::size(target), name, _TRUNCATE);
 }
 
 }  // namespace
