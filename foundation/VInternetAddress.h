@@ -56,38 +56,33 @@ private:
     SocketAddress address_{};
 };
 
-struct IPv4Family {
-    using SocketAddress = sockaddr_in;
-    static constexpr ADDRESS_FAMILY Family = AF_INET;
-    static constexpr size_t AddressLength = 4;
+// Where a family's socket address keeps its address bytes and its port.
+template <class Address, ADDRESS_FAMILY family, size_t length, auto addressField, auto portField>
+struct FamilyLayout {
+    using SocketAddress = Address;
+    static constexpr ADDRESS_FAMILY Family = family;
+    static constexpr size_t AddressLength = length;
 
-    static const uint8_t* Bytes(const SocketAddress& address) {
-        return reinterpret_cast<const uint8_t*>(&address.sin_addr);
+    static const uint8_t* Bytes(const Address& address) {
+        return reinterpret_cast<const uint8_t*>(&(address.*addressField));
     }
-    static uint8_t* Bytes(SocketAddress& address) {
-        return reinterpret_cast<uint8_t*>(&address.sin_addr);
+    static uint8_t* Bytes(Address& address) {
+        return reinterpret_cast<uint8_t*>(&(address.*addressField));
     }
-    static u_short& Port(SocketAddress& address) { return address.sin_port; }
-    static u_short Port(const SocketAddress& address) { return address.sin_port; }
+    static u_short& Port(Address& address) { return address.*portField; }
+    static u_short Port(const Address& address) { return address.*portField; }
+};
+
+struct IPv4Family
+    : FamilyLayout<sockaddr_in, AF_INET, 4, &sockaddr_in::sin_addr, &sockaddr_in::sin_port> {
     // A dotted literal, refusing the limited broadcast address.
     static bool ParseHost(const char* host, SocketAddress& address);
     static VString FormatHost(const SocketAddress& address);
     static bool IsLoopback(const SocketAddress& address);
 };
 
-struct IPv6Family {
-    using SocketAddress = sockaddr_in6;
-    static constexpr ADDRESS_FAMILY Family = AF_INET6;
-    static constexpr size_t AddressLength = 16;
-
-    static const uint8_t* Bytes(const SocketAddress& address) {
-        return reinterpret_cast<const uint8_t*>(&address.sin6_addr);
-    }
-    static uint8_t* Bytes(SocketAddress& address) {
-        return reinterpret_cast<uint8_t*>(&address.sin6_addr);
-    }
-    static u_short& Port(SocketAddress& address) { return address.sin6_port; }
-    static u_short Port(const SocketAddress& address) { return address.sin6_port; }
+struct IPv6Family
+    : FamilyLayout<sockaddr_in6, AF_INET6, 16, &sockaddr_in6::sin6_addr, &sockaddr_in6::sin6_port> {
     // A literal with an optional "%<decimal scope identifier>".
     static bool ParseHost(const char* host, SocketAddress& address);
     static VString FormatHost(const SocketAddress& address);
