@@ -41,7 +41,8 @@ public:
     // The address in network order: 4 bytes for IPv4, 16 for IPv6.
     virtual bool SetFromBytes(const void* bytes, size_t length) = 0;
 
-    // The address as text, with ":port" when asked ("[...]:port" for IPv6);
+    // The address as text, with ":" and the decimal port when asked (for IPv6
+    // too: "fe80::1:22", which JoinHostPort writes readably as "[fe80::1]:22");
     // empty for an invalid address.
     virtual VString ToString(bool withPort) const = 0;
     virtual VUnicodeString ToUnicodeString(bool withPort) const = 0;

@@ -142,7 +142,9 @@ VString VInternetAddress<Family>::ToString(bool withPort) const {
     if (!withPort) return host;
     char digits[8];
     const auto written = std::to_chars(digits, digits + sizeof digits, GetPort());
-    return JoinHostPort(host, VString(digits, static_cast<size_t>(written.ptr - digits)));
+    // "address:port" for both families, as settings have always been written;
+    // for IPv6 that text does not read back (JoinHostPort's "[address]:port" does).
+    return host + ":" + VString(digits, static_cast<size_t>(written.ptr - digits));
 }
 
 template <class Family>
