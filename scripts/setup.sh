@@ -26,6 +26,7 @@ PACKAGES=(
     cmake
     ninja-build
     dpkg-dev
+    python3
     ccache
 )
 
