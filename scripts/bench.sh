@@ -1,14 +1,20 @@
 #!/usr/bin/env bash
-# Builds and runs the INI-file store's benchmark under Wine.
+# Builds and runs a benchmark under Wine.
 #
-#   scripts/bench.sh [sessions]     (default 5000 session keys in the tree)
+#   scripts/bench.sh [sessions]                (the INI-file store; default 5000 session keys)
+#   scripts/bench.sh global-config [rounds]    (the global options; default 30 rounds)
 #
-# Configures and builds bench_ini_store in ./build (or $TRAYWELL_BUILD_DIR),
-# runs it in that build tree's Wine prefix and prints its figures: loading
-# and saving keys of 1, 250 and 10,000 values and loading a tree of session
-# keys, each against ReadFile plus MultiByteToWideChar and against
-# GetPrivateProfileStringW on the same data. Takes a few minutes, most of
-# them spent in GetPrivateProfileStringW.
+# Configures and builds the benchmark in ./build (or $TRAYWELL_BUILD_DIR),
+# runs it in that build tree's Wine prefix and prints its figures.
+#
+# The INI-file store's: loading and saving keys of 1, 250 and 10,000 values
+# and loading a tree of session keys, each against ReadFile plus
+# MultiByteToWideChar and against GetPrivateProfileStringW on the same data.
+# Takes a few minutes, most of them spent in GetPrivateProfileStringW.
+#
+# The global options': loading and saving the whole object from an INI file
+# and from the registry, each against reading (writing) the same bytes or the
+# same registry values with no parsing. Takes a few seconds.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -16,7 +22,14 @@ cd "$root"
 
 source "$root/scripts/build-common.sh"
 
+target=bench_ini_store
+if [ "${1:-}" = global-config ]; then
+    target=global_config_bench
+    shift
+fi
+
+lock_build_tree
 configure_build
-cmake --build "$build" -j "$jobs" --target bench_ini_store
+cmake --build "$build" -j "$jobs" --target "$target"
 start_wine
-"$root/scripts/wine-run" --prefix "$prefix" "$build/bin/bench_ini_store.exe" "$@"
+"$root/scripts/wine-run" --prefix "$prefix" "$build/bin/$target.exe" "$@"
