@@ -3,12 +3,14 @@
 #include <stdexcept>
 
 #include "AboutDialog.h"
+#include "AgentUi.h"
 #include "ClientApplication.h"
 #include "ClientProtocol.h"
 #include "EscapeAmpersand.h"
 #include "ExitDialog.h"
 #include "Installation.h"
 #include "SessionListDialog.h"
+#include "SharedGlobalConfig.h"
 #include "TraywellMessages.h"
 #include "VMessageBox.h"
 #include "VUiHandle.h"
@@ -158,6 +160,9 @@ void WindowManager::OnTrayCommand(int commandId) {
             ShowDialog(sessions);
             return;
         }
+        case AgentKeysCommand:
+            ManageAgentKeys();
+            return;
         case TerminalSessionsCommand: {
             SessionListDialog sessions(ClientProtocol::TerminalName, windows_.GetTerminalWindows());
             ShowDialog(sessions);
@@ -219,6 +224,16 @@ void WindowManager::LaunchRecent(VRecentFileList* list, size_t index, const wcha
     list->AddToMostRecent(index);
     if (executable)
         LaunchClient(executable, configArgument_, VUnicodeString(L"/S \"") + session + L"\"");
+}
+
+void WindowManager::ManageAgentKeys() {
+    GlobalConfig* config = nullptr;
+    GetGlobalConfig(config, -1);
+    SSH2::LaunchManageAgentKeys(config->TraywellAgentKeysListViewState, nullptr, &openDialog_);
+    openDialog_ = nullptr;
+    // Keeps the layout the user left the window's columns in.
+    VReportMessageParams report;
+    if (!config->SaveToStore(report)) VMessageBox(report, MB_OK | MB_ICONEXCLAMATION);
 }
 
 INT_PTR WindowManager::ShowDialog(VDialog& dialog) {

@@ -4,6 +4,7 @@
 #include "ClientConfigUi.h"
 #include "CommonUi.h"
 #include "ConfigPassphrase.h"
+#include "SharedGlobalConfig.h"
 #include "Ssh2.h"
 #include "TraywellMessages.h"
 #include "VMessageBox.h"
@@ -46,8 +47,11 @@ bool Traywell::InitInstance() {
 
     windowManager_->Initialize(VUnicodeString(GetCommandLineW(), Str::Sensitive));
 
-    const bool smartCard = false;
-    const bool fips = false;
+    GlobalConfig* config = nullptr;
+    GetGlobalConfig(config, -1);
+    bool smartCard = false, fips = false;
+    config->ReadSwitch(L"Disconnect Sessions On Smart Card Removal", smartCard);
+    config->ReadSwitch(L"Enable FIPS Mode", fips);
 
     VReportMessageParams report;
     sshInitialized_ = SSH2::Init(fips, smartCard, report);

@@ -4,10 +4,11 @@
 
 #include "AppPaths.h"
 #include "ClientApplication.h"
-#include "ConfigPassphrase.h"
+#include "ConfigPassphraseStartup.h"
 #include "Installation.h"
 #include "ProgramFolder.h"
 #include "QlsPathVariables.h"
+#include "SharedGlobalConfig.h"
 #include "StartupPaths.h"
 #include "TraywellResources.h"
 #include "VCommandLine.h"
@@ -44,16 +45,14 @@ void WindowManager::Initialize(const VUnicodeString& commandLine) {
     VUnicodeString trimmed = commandLine;
     trimmed.Trim();
     VUnicodeString folder;
+    VUnicodeString passphrase(Str::Sensitive);
     if (!trimmed.IsEmpty()) {
         VCommandLine parser;
         VReportMessageParams report;
         // A bad option only means no folder: the rules below find one.
         parser.Parse(trimmed, report);
         folder = parser.GetConfigFolder();
-        VUnicodeString passphrase(Str::Sensitive);
-        if (parser.GetTextOption(L"/ConfigPassphrase", passphrase, report, false) &&
-            !passphrase.IsEmpty())
-            SetConfigPassphrase(passphrase);
+        parser.GetTextOption(L"/ConfigPassphrase", passphrase, report, false);
     }
 
     const ClientApplication client = SelectClientApplication();
@@ -84,7 +83,25 @@ void WindowManager::Initialize(const VUnicodeString& commandLine) {
     iniFactory_ = std::make_unique<VIniFileStoreFactory>(configFolder_, personalFolder);
     SetIniFileStoreFactory(iniFactory_.get());
 
+    // The first use loads the global options, from the INI files now.
+    GlobalConfig* config = nullptr;
+    GetGlobalConfig(config, -1);
+    // The pass phrase only now: its check is one of the global options.
+    VReportMessageParams report;
+    if (!StartConfigPassphrase(*config, passphrase, report))
+        VMessageBox(report, MB_OK | MB_ICONEXCLAMATION);
+    if (config->KeepSharedMemoryAgentOpen.Get()) KeepSharedMemoryCaches();
     if (!trayIcon_) CreateTrayIcon();
+}
+
+void WindowManager::KeepSharedMemoryCaches() {
+    // A new cache replaces the one held, which goes first.
+    agentCache_ = VRefPtr<VSharedMemoryCache>();
+    agentCache_ =
+        VRefPtr<VSharedMemoryCache>::Adopt(new VSharedMemoryCache(AgentCacheName, AgentCacheSize));
+    keyCache_ = VRefPtr<VSharedMemoryCache>();
+    keyCache_ =
+        VRefPtr<VSharedMemoryCache>::Adopt(new VSharedMemoryCache(KeyCacheName, KeyCacheSize));
 }
 
 void WindowManager::CreateTrayIcon() {

@@ -75,6 +75,7 @@ public:
     bool HoldsSharedMemoryCaches() const { return agentCache_ && keyCache_; }
 
 private:
+    void KeepSharedMemoryCaches();
     void CreateTrayIcon();
 
     // The menu's parts.
@@ -87,6 +88,7 @@ private:
     void Exit();
     void Connect();
     void LaunchRecent(VRecentFileList* list, size_t index, const wchar_t* executable);
+    void ManageAgentKeys();
     // Shows dialog modally as the open dialog; returns DoModal's result.
     INT_PTR ShowDialog(VDialog& dialog);
 

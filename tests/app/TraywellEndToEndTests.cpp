@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "ManageAgentKeysDialog.h"
 #include "ProgramFolder.h"
 #include "TrayDriver.h"
 #include "TraywellMessages.h"
@@ -159,7 +160,7 @@ TEST(Traywell, ExitClosesEachWindowOnceOnlyWhenAllAgreeAndTheUserConfirms) {
     }
 }
 
-TEST(Traywell, GoneWindowsAreReportedAndTheAboutBoxShowsTheVersion) {
+TEST(Traywell, GoneWindowsAreReportedAndTheDialogsShowWhatTheyShould) {
     InstalledClients clients(true, false, false);
     ClientHelper one(true, {L"1,One"}), two(true, {L"2,Two"}), three(true, {L"3,Three"});
     TraywellUnderTest traywell;

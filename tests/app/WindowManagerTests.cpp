@@ -9,7 +9,11 @@
 
 #include "AppPaths.h"
 #include "ProgramFolder.h"
+#include "SharedGlobalConfig.h"
+#include "Ssh2TestSeam.h"
 #include "TrayDriver.h"
+#include "Traywell.h"
+#include "VMessageBoxHook.h"
 #include "WindowManager.h"
 
 namespace {
@@ -34,6 +38,46 @@ TEST(WindowManagerStartup, ChoosesTheFolderThatClientsAreGiven) {
         EXPECT_EQ(manager.GetClientConfigArgument(), VUnicodeString(L"/F \"") + test.folder + L"\"")
             << test.arguments;
     }
+}
+
+TEST(WindowManagerStartup, HoldsTheSharedMemoryCachesOnlyWhenTheOptionIsOn) {
+    InstalledClients clients(true, false, false);
+    GlobalConfig* config = nullptr;
+    GetGlobalConfig(config, -1);  // the process's one object, which start-up reads
+    for (const bool keep : {true, false}) {
+        config->KeepSharedMemoryAgentOpen.Set(keep);
+        TempFolder folder;
+        WindowManager manager;
+        manager.Initialize(VUnicodeString(L"tests.exe /F ") + folder.Path());
+        // A second holder in this process sees whether the first one exists.
+        const auto probe = VRefPtr<VSharedMemoryCache>::Adopt(
+            new VSharedMemoryCache(WindowManager::KeyCacheName, WindowManager::KeyCacheSize));
+        EXPECT_EQ(probe->GetHolderCount(), keep ? 2u : 1u);
+    }
+    config->KeepSharedMemoryAgentOpen.Set(true);
+}
+
+TEST(TraywellStartup, AFailedSelfTestInFipsModeStopsItWithTheLibrarysText) {
+    static VUnicodeString shown;
+    VMessageBoxHook previous = SetMessageBoxHookForTests([](const VMessageBoxCall& call) {
+        shown = call.text;
+        return IDOK;
+    });
+    const DWORD on = 1;
+    RegSetKeyValueW(HKEY_CURRENT_USER, L"Software\\Policies\\Quillon", L"Enable FIPS Mode",
+                    REG_DWORD, &on, sizeof on);
+    SSH2::Testing::BreakSelfTest(L"sha256");
+    {
+        Traywell traywell;
+        PostQuitMessage(0);  // should it start after all, its message loop ends at once
+        EXPECT_EQ(traywell.Main(GetModuleHandleW(nullptr), SW_SHOWNORMAL), 1);
+        EXPECT_FALSE(traywell.IsSshInitialized());
+    }
+    SSH2::Testing::RepairSelfTests();
+    RegDeleteKeyValueW(HKEY_CURRENT_USER, L"Software\\Policies\\Quillon", L"Enable FIPS Mode");
+    SetMessageBoxHookForTests(previous);
+    EXPECT_TRUE(shown.StartsWith(L"Could not initialize SSH2:\r\nThe self-test of the sha256 code"))
+        << shown.c_str();
 }
 
 // One text for a menu: items separated by "|", each its identifier (window
