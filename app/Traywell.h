@@ -20,7 +20,6 @@ public:
     // thread's last error).
     ~Traywell() override;
 
-    WindowManager& GetWindowManager() { return *windowManager_; }
     bool IsSshInitialized() const { return sshInitialized_; }
 
 protected:

@@ -68,19 +68,19 @@ void WindowManager::Initialize(const VUnicodeString& commandLine) {
             folder = GetAppConfigPath(client.name.c_str());
         }
     }
-    configFolder_ = StripTrailingSeparators(folder);
-    configArgument_ = VUnicodeString(L"/F \"") + configFolder_ + L"\"";
+    const VUnicodeString configFolder = StripTrailingSeparators(folder);
+    configArgument_ = VUnicodeString(L"/F \"") + configFolder + L"\"";
 
     VUnicodeString personalFolder;
     if (!client.name.IsEmpty() && UsePersonalDataPath(client.name.c_str()))
-        personalFolder = GetAppPersonalDataPath(client.name.c_str(), configFolder_.c_str());
+        personalFolder = GetAppPersonalDataPath(client.name.c_str(), configFolder.c_str());
 
-    SetQlsConfigPathSub(configFolder_.c_str());
+    SetQlsConfigPathSub(configFolder.c_str());
     SetQlsInstallPathSub(programFolder.c_str());
     SetQlsUserDataPathSub(DocumentsFolder().c_str());
     SetQlsSshDataPathSub(SshDataFolder().c_str());
 
-    iniFactory_ = std::make_unique<VIniFileStoreFactory>(configFolder_, personalFolder);
+    iniFactory_ = std::make_unique<VIniFileStoreFactory>(configFolder, personalFolder);
     SetIniFileStoreFactory(iniFactory_.get());
 
     // The first use loads the global options, from the INI files now.

@@ -66,13 +66,9 @@ public:
 
     WindowLists& GetWindowLists() { return windows_; }
     const VUnicodeString& GetCommandLine() const { return commandLine_; }
-    const VUnicodeString& GetConfigFolder() const { return configFolder_; }
     // "/F \"<configuration folder>\"", put before every client's arguments.
     const VUnicodeString& GetClientConfigArgument() const { return configArgument_; }
-    TrayIcon* GetTrayIcon() const { return trayIcon_.get(); }
-    VRecentFileList* GetTerminalRecentList() const { return terminalRecent_.get(); }
     VRecentFileList* GetTransferRecentList() const { return transferRecent_.get(); }
-    bool HoldsSharedMemoryCaches() const { return agentCache_ && keyCache_; }
 
 private:
     void KeepSharedMemoryCaches();
@@ -93,7 +89,6 @@ private:
     INT_PTR ShowDialog(VDialog& dialog);
 
     VUnicodeString commandLine_;
-    VUnicodeString configFolder_;
     VUnicodeString configArgument_;
     std::unique_ptr<VIniFileStoreFactory> iniFactory_;
     VRefPtr<VSharedMemoryCache> agentCache_;

@@ -2,54 +2,18 @@
 
 #include <gtest/gtest.h>
 
+#include <cwchar>
+#include <utility>
+
 #include "ClientProtocol.h"
 #include "Installation.h"
 #include "ProgramFolder.h"
 #include "TrayIcon.h"
-#include "TraywellResources.h"
 
 namespace {
 
-struct WindowSearch {
-    DWORD process;
-    const wchar_t* className;
-    bool visibleOnly;
-    std::vector<HWND> found;
-
-    static BOOL CALLBACK Visit(HWND window, LPARAM self) {
-        auto& search = *reinterpret_cast<WindowSearch*>(self);
-        DWORD owner = 0;
-        wchar_t className[256];
-        GetWindowThreadProcessId(window, &owner);
-        if (owner == search.process && GetClassNameW(window, className, 256) &&
-            VUnicodeString(className) == search.className &&
-            (!search.visibleOnly || IsWindowVisible(window)))
-            search.found.push_back(window);
-        return TRUE;
-    }
-};
-
-void SetValue(const wchar_t* client, const wchar_t* name, DWORD type, const void* data,
-              size_t size) {
-    const VUnicodeString key =
-        VUnicodeString(InstallationKeyPath) + (client ? L"\\" : L"") + (client ? client : L"");
-    RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), name, type, data, static_cast<DWORD>(size));
-}
-
-// A message box's text (its static controls but the icon); empty for the
-// program's own dialogs.
-VUnicodeString BoxText(HWND box) {
-    VUnicodeString text;
-    for (const int control : {IDC_EXIT_TEXT, IDC_SESSIONS_LIST, IDC_ABOUT_VERSION})
-        if (GetDlgItem(box, control)) return text;
-    for (HWND child = GetWindow(box, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
-        wchar_t className[32], part[1024];
-        if (!GetClassNameW(child, className, 32) || _wcsicmp(className, L"Static") != 0) continue;
-        if ((GetWindowLongW(child, GWL_STYLE) & SS_TYPEMASK) == SS_ICON) continue;
-        if (SendMessageW(child, WM_GETTEXT, 1024, reinterpret_cast<LPARAM>(part)) > 0) text += part;
-    }
-    return text;
-}
+// The control of a message box that holds its text (our dialogs have no such control).
+constexpr int MessageBoxTextId = 0xFFFF;
 
 }  // namespace
 
@@ -81,13 +45,18 @@ void TestProcess::Kill() {
 
 std::vector<HWND> TestProcess::Windows(const wchar_t* className, size_t count,
                                        bool visibleOnly) const {
-    WindowSearch search{id_, className, visibleOnly, {}};
+    std::vector<HWND> found;
     WaitUntil([&] {
-        search.found.clear();
-        EnumWindows(WindowSearch::Visit, reinterpret_cast<LPARAM>(&search));
-        return search.found.size() >= count;
+        found.clear();
+        for (HWND window = nullptr;
+             (window = FindWindowExW(nullptr, window, className, nullptr));) {
+            DWORD owner = 0;
+            GetWindowThreadProcessId(window, &owner);
+            if (owner == id_ && (!visibleOnly || IsWindowVisible(window))) found.push_back(window);
+        }
+        return found.size() >= count;
     });
-    return search.found;
+    return found;
 }
 
 ClientHelper::ClientHelper(bool terminal, const Lines& sessions, const wchar_t* exitAnswer,
@@ -114,16 +83,19 @@ Lines ClientHelper::Log(size_t count) const {
     return lines;
 }
 
+// Clients not named keep the default path, beside the test, where there is none.
 InstalledClients::InstalledClients(bool termwright, bool filewright, bool integrated) {
     const VUnicodeString helper = GetPathBesideProgram(L"client_window_helper.exe");
-    const VUnicodeString nowhere = L"C:\\nowhere\\client.exe";
     for (const auto& [client, installed] :
-         {std::pair{L"Termwright", termwright}, {L"Termlet", false}, {L"Filewright", filewright}}) {
-        const VUnicodeString& path = installed ? helper : nowhere;
-        SetValue(client, L"Path", REG_SZ, path.c_str(), (path.GetLength() + 1) * sizeof(wchar_t));
-    }
+         {std::pair{L"Termwright", termwright}, {L"Filewright", filewright}})
+        if (installed)
+            RegSetKeyValueW(HKEY_CURRENT_USER,
+                            (VUnicodeString(InstallationKeyPath) + L"\\" + client).c_str(), L"Path",
+                            REG_SZ, helper.c_str(),
+                            static_cast<DWORD>((helper.GetLength() + 1) * sizeof(wchar_t)));
     const DWORD value = integrated;
-    SetValue(nullptr, L"Integrated", REG_DWORD, &value, sizeof value);
+    RegSetKeyValueW(HKEY_CURRENT_USER, InstallationKeyPath, L"Integrated", REG_DWORD, &value,
+                    sizeof value);
 }
 
 InstalledClients::~InstalledClients() { RegDeleteTreeW(HKEY_CURRENT_USER, InstallationKeyPath); }
@@ -148,14 +120,11 @@ void TraywellUnderTest::OpenMenu() const {
 
 void TraywellUnderTest::Type(const wchar_t* keys) const {
     const auto menus = process.Windows(L"#32768", 1);
+    static constexpr wchar_t named[] = L"v^>!";
+    static constexpr UINT virtualKeys[] = {VK_DOWN, VK_UP, VK_RIGHT, VK_RETURN};
     for (const wchar_t* key = keys; !menus.empty() && *key; ++key) {
-        const UINT virtualKey = *key == L'v'   ? VK_DOWN
-                                : *key == L'^' ? VK_UP
-                                : *key == L'>' ? VK_RIGHT
-                                : *key == L'!' ? VK_RETURN
-                                               : 0;
-        if (virtualKey)
-            PostMessageW(menus[0], WM_KEYDOWN, virtualKey, 0);
+        if (const wchar_t* name = std::wcschr(named, *key))
+            PostMessageW(menus[0], WM_KEYDOWN, virtualKeys[name - named], 0);
         else
             PostMessageW(menus[0], WM_CHAR, *key, 0);
         Sleep(100);  // a submenu opens before the next key
@@ -164,13 +133,9 @@ void TraywellUnderTest::Type(const wchar_t* keys) const {
 }
 
 VUnicodeString TraywellUnderTest::TakeBoxText() const {
-    HWND box = nullptr;
-    WaitUntil([&] {
-        for (HWND window : process.Windows(L"#32770"))
-            if (!BoxText(window).IsEmpty()) box = window;
-        return box != nullptr;
-    });
-    const VUnicodeString text = box ? BoxText(box) : VUnicodeString();
+    const HWND box = WaitForDialog(MessageBoxTextId);
+    wchar_t text[1024] = {};
+    GetDlgItemTextW(box, MessageBoxTextId, text, 1024);
     PostMessageW(box, WM_COMMAND, IDOK, 0);
     WaitUntil([&] { return !IsWindow(box); });
     return text;

@@ -1,7 +1,7 @@
-// Drives the real traywell.exe and the client helpers from a test: their
-// processes and windows, the installation facts that make the helper a
-// client, Traywell's menu, boxes and dialogs. Every wait has a time limit, and
-// a process still running when its object goes is ended.
+// Drives the real traywell.exe and the client helpers from a test: processes,
+// windows, the installation facts that make the helper a client, Traywell's
+// menu, boxes and dialogs. Every wait has a time limit; a process still
+// running when its object goes is ended.
 #pragma once
 
 #include <windows.h>
@@ -17,7 +17,7 @@
 using Lines = VArray<VUnicodeString>;
 inline constexpr DWORD WaitLimit = 15000;
 
-// Polls until done() holds or the time limit passes; returns done()'s last answer.
+// Polls until done() holds or the time limit passes; done()'s last answer.
 template <class Condition>
 bool WaitUntil(Condition done, DWORD limit = WaitLimit) {
     for (DWORD waited = 0; !done(); waited += 50) {
@@ -31,11 +31,11 @@ class TestProcess {
 public:
     TestProcess(const VUnicodeString& program, const VUnicodeString& arguments);
     ~TestProcess() { Kill(); }
-    // True when the process ended within limit, with its exit code.
+    // Whether it ended within limit, with its exit code.
     bool Exited(DWORD limit = WaitLimit, DWORD* code = nullptr) const;
     void Kill();
-    // Its top-level windows of className (only visible ones when visibleOnly),
-    // waiting until there are count of them.
+    // Its top-level windows of className (visible ones only when visibleOnly),
+    // once there are count of them.
     std::vector<HWND> Windows(const wchar_t* className, size_t count = 0,
                               bool visibleOnly = true) const;
 
@@ -48,16 +48,14 @@ private:
 struct ClientHelper {
     ClientHelper(bool terminal, const Lines& sessions, const wchar_t* exitAnswer = L"agree",
                  int windows = 1);
-    // The lines it logged, once there are count of them.
-    Lines Log(size_t count = 0) const;
+    Lines Log(size_t count = 0) const;  // once it has count lines
 
     const wchar_t* windowClass;
     TempFolder folder;
     TestProcess process;
 };
 
-// Installation facts naming the helper as the given clients (the others are
-// not installed), removed again at the end.
+// The helper installed as the clients named (no other is), until the end.
 struct InstalledClients {
     InstalledClients(bool termwright, bool filewright, bool integrated);
     ~InstalledClients();
@@ -68,7 +66,7 @@ struct InstalledClients {
 class TraywellUnderTest {
 public:
     explicit TraywellUnderTest(const wchar_t* arguments = nullptr, bool waitForIcon = true);
-    // Opens the menu as a right click does, and waits until it shows.
+    // Opens the menu as a right click does, once it shows.
     void OpenMenu() const;
     // Types into the open menu ("v" Down, "^" Up, ">" Right, "!" Enter, other
     // characters themselves) and waits for it to close.
@@ -77,9 +75,9 @@ public:
         OpenMenu();
         Type(keys);
     }
-    // The text of the message box it shows, which is then closed; empty when none comes.
+    // The text of its message box, which is then closed; empty when none comes.
     VUnicodeString TakeBoxText() const;
-    // Its dialog that holds control controlId; null when none comes.
+    // Its dialog with control controlId; null when none comes.
     HWND WaitForDialog(int controlId) const;
     // The command lines of the clients it started.
     Lines Launches() const { return ReadLines(folder / L"launches.log"); }

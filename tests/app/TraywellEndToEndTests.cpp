@@ -39,7 +39,7 @@ Lines RecentEntries(const VUnicodeString& folder, const wchar_t* section,
     return read;
 }
 
-TEST(Traywell, ASecondCopyEndsSilentlyAndExitWithoutClientsAsksNothing) {
+TEST(Traywell, OneCopyAtATimeAndExitWithoutClientsAsksNothing) {
     InstalledClients clients(true, false, false);
     TraywellUnderTest first;
     for (const wchar_t* arguments : {L"", L"/F C:\\elsewhere"}) {
@@ -50,14 +50,13 @@ TEST(Traywell, ASecondCopyEndsSilentlyAndExitWithoutClientsAsksNothing) {
     }
     first.Choose(L"x");
     EXPECT_TRUE(first.process.Exited());
-}
 
-TEST(Traywell, AMutexNameTakenByAnotherObjectIsReported) {
+    // The mutex's name taken by another kind of object: it cannot be made.
     const KernelHandle squatter(
         CreateEventW(nullptr, TRUE, FALSE, L"CB427A92-D7C2-4206-BBE9-68F2A379036D"));
-    TraywellUnderTest traywell(L"", false);
-    EXPECT_EQ(traywell.TakeBoxText(), L"Traywell failed to initialize.\r\nError: 0x00000006\r\n");
-    EXPECT_TRUE(traywell.process.Exited());
+    TraywellUnderTest third(L"", false);
+    EXPECT_EQ(third.TakeBoxText(), L"Traywell failed to initialize.\r\nError: 0x00000006\r\n");
+    EXPECT_TRUE(third.process.Exited());
 }
 
 TEST(Traywell, ConnectAndRecentSessionsStartTheClientWithTheirCommandLine) {
