@@ -38,8 +38,12 @@ fi
 
 source "$root/scripts/build-common.sh"
 
+# The build tree is locked while it is built (a test run may be using it),
+# not while Traywell runs.
+lock_build_tree
 configure_build
 cmake --build "$build" -j "$jobs" --target traywell traywell_screenshot
+exec 8>&-
 
 run_prefix=$build/run-wineprefix
 wine_run() { "$root/scripts/wine-run" --prefix "$run_prefix" "$@"; }
