@@ -48,6 +48,35 @@ struct ConnectDialogSearch {
     }
 };
 
+void AppendRecentSubmenu(HMENU menu, DWORD labelCode, VRecentFileList* list, int firstCommand) {
+    MenuHandle submenu(CreatePopupMenu());
+    if (!submenu) return;
+    // The clients add to the lists while Traywell runs.
+    size_t shown = 0;
+    if (list && list->Reload()) {
+        for (; shown < list->GetSize() && shown < PrefixCount; ++shown) {
+            if (list->GetEntry(shown).IsEmpty()) break;
+            AppendItem(submenu.Get(), firstCommand + shown,
+                       ItemPrefix(shown) + EscapeAmpersand(list->GetDisplayName(shown)));
+        }
+    }
+    if (shown == 0) AppendItem(submenu.Get(), firstCommand, L"(Empty)", MF_STRING | MF_GRAYED);
+    AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(submenu.Get()),
+                Label(labelCode).c_str());
+    submenu.Release();  // the menu owns it now
+}
+
+void AppendWindowItems(HMENU menu, const wchar_t* clientName, int sessionsCommand,
+                       const VArray<WindowData>& windows, size_t& prefixIndex) {
+    if (windows.IsEmpty()) return;
+    AppendSeparator(menu);
+    AppendItem(menu, sessionsCommand,
+               VUnicodeString(clientName) + L" " + Label(TRAY_MENU_SESSIONS));
+    for (size_t i = 0; i < windows.GetCount() && i < MaxWindowItems; ++i, ++prefixIndex)
+        AppendItem(menu, windows[i].commandId,
+                   ItemPrefix(prefixIndex) + EscapeAmpersand(windows[i].caption));
+}
+
 }  // namespace
 
 bool WindowManager::BringForwardInsteadOfMenu() {
@@ -106,36 +135,6 @@ void WindowManager::BuildTrayMenu(HMENU& menu) {
     menu = popup.Release();
 }
 
-void WindowManager::AppendRecentSubmenu(HMENU menu, DWORD labelCode, VRecentFileList* list,
-                                        int firstCommand) {
-    MenuHandle submenu(CreatePopupMenu());
-    if (!submenu) return;
-    // The clients add to the lists while Traywell runs.
-    size_t shown = 0;
-    if (list && list->Reload()) {
-        for (; shown < list->GetSize() && shown < PrefixCount; ++shown) {
-            if (list->GetEntry(shown).IsEmpty()) break;
-            AppendItem(submenu.Get(), firstCommand + shown,
-                       ItemPrefix(shown) + EscapeAmpersand(list->GetDisplayName(shown)));
-        }
-    }
-    if (shown == 0) AppendItem(submenu.Get(), firstCommand, L"(Empty)", MF_STRING | MF_GRAYED);
-    AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(submenu.Get()),
-                Label(labelCode).c_str());
-    submenu.Release();  // the menu owns it now
-}
-
-void WindowManager::AppendWindowItems(HMENU menu, const wchar_t* clientName, int sessionsCommand,
-                                      const VArray<WindowData>& windows, size_t& prefixIndex) {
-    if (windows.IsEmpty()) return;
-    AppendSeparator(menu);
-    AppendItem(menu, sessionsCommand,
-               VUnicodeString(clientName) + L" " + Label(TRAY_MENU_SESSIONS));
-    for (size_t i = 0; i < windows.GetCount() && i < MaxWindowItems; ++i, ++prefixIndex)
-        AppendItem(menu, windows[i].commandId,
-                   ItemPrefix(prefixIndex) + EscapeAmpersand(windows[i].caption));
-}
-
 void WindowManager::OnTrayCommand(int commandId) {
     switch (commandId) {
         case ExitCommand:
@@ -160,14 +159,14 @@ void WindowManager::OnTrayCommand(int commandId) {
             ShowDialog(sessions);
             return;
         }
-        case AgentKeysCommand:
-            ManageAgentKeys();
-            return;
         case TerminalSessionsCommand: {
             SessionListDialog sessions(ClientProtocol::TerminalName, windows_.GetTerminalWindows());
             ShowDialog(sessions);
             return;
         }
+        case AgentKeysCommand:
+            ManageAgentKeys();
+            return;
         default:
             break;
     }

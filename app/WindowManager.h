@@ -55,7 +55,8 @@ public:
     // makes the profile use the INI files of that folder, holds the caches
     // when asked to, and shows the icon with its recent lists. Failures are
     // not fatal: without a folder nothing of this is set up, and without an
-    // icon there are no recent lists.
+    // icon there are no recent lists. A pass phrase ("/ConfigPassphrase")
+    // that does not open the stored check is told to the user in a box.
     void Initialize(const VUnicodeString& commandLine);
     // Exit: takes the icon away and destroys the recent lists. Safe when
     // Initialize never ran or stopped early.
@@ -74,10 +75,6 @@ private:
     void KeepSharedMemoryCaches();
     void CreateTrayIcon();
 
-    // The menu's parts.
-    void AppendRecentSubmenu(HMENU menu, DWORD labelCode, VRecentFileList* list, int firstCommand);
-    void AppendWindowItems(HMENU menu, const wchar_t* clientName, int sessionsCommand,
-                           const VArray<WindowData>& windows, size_t& prefixIndex);
     bool BringForwardInsteadOfMenu();
 
     // The commands.
