@@ -106,7 +106,7 @@ void WindowLists::MinimizeAll() {
     for (const auto* list : {&terminal_, &transfer_}) {
         for (const WindowData& record : *list) {
             if (IsIconic(record.window)) continue;
-            // Hidden first, so that the client's restore brings it back where it was.
+            // Hidden and then minimised, on purpose: the clients are built around that order.
             ShowWindow(record.window, SW_HIDE);
             ShowWindow(record.window, SW_MINIMIZE);
         }
