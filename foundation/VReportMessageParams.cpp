@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "ProgramFolder.h"
 #include "ReportExceptions.h"
 #include "Win32Handle.h"
 
@@ -172,12 +173,9 @@ bool VReportMessageParams::LoadFallbackModule(const wchar_t* fileName) {
     static LibraryHandle loaded;
     const std::lock_guard<std::mutex> guard(loading);
     if (!loaded) {
-        std::vector<wchar_t> path(32768);
-        const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-        if (length == 0 || length == path.size()) return false;
-        const wchar_t* lastSeparator = wcsrchr(path.data(), L'\\');
-        const VUnicodeString folder(path.data(), lastSeparator ? lastSeparator - path.data() + 1 : 0);
-        loaded.Reset(LoadLibraryExW((folder + fileName).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+        const VUnicodeString path = GetPathBesideProgram(fileName);
+        if (path.IsEmpty()) return false;
+        loaded.Reset(LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
         if (!loaded) return false;
     }
     SetFallbackModule(loaded.Get());

@@ -1,17 +1,30 @@
 #!/usr/bin/env bash
-# Builds and runs the profile store's benchmarks under Wine.
+# Builds and runs a benchmark under Wine.
 #
-#   scripts/bench.sh [sessions]     (default 5000 session keys in the tree)
+#   scripts/bench.sh [sessions]                (the INI-file store; default 5000 session keys)
+#   scripts/bench.sh registry-store            (the registry store)
+#   scripts/bench.sh global-config [rounds]    (the global options; default 30 rounds)
+#   scripts/bench.sh tray-menu [windows]       (the tray menu; default 20 client windows)
 #
-# Configures and builds bench_ini_store and bench_registry_store in ./build
-# (or $TRAYWELL_BUILD_DIR), runs them in that build tree's Wine prefix and
-# prints their figures: loading and saving keys of 1, 250, 10,000 and
+# Configures and builds the benchmark in ./build (or $TRAYWELL_BUILD_DIR),
+# runs it in that build tree's Wine prefix and prints its figures.
+#
+# The INI-file store's: loading and saving keys of 1, 250, 10,000 and
 # 100,000 values and loading a tree of session keys, each against ReadFile
 # plus MultiByteToWideChar and against GetPrivateProfileStringW on the same
-# data; a typed read of a loaded value against a plain variable; and a
-# registry key of 250 values read by name and through its value iterator,
-# and written, against bare RegQueryValueExW and RegSetValueExW loops.
-# Takes a few minutes, most of them spent in GetPrivateProfileStringW.
+# data, and a typed read of a loaded value against a plain variable. Takes a
+# few minutes, most of them spent in GetPrivateProfileStringW.
+#
+# The registry store's: a key of 250 values read by name and through its
+# value iterator, and written, against bare RegQueryValueExW and
+# RegSetValueExW loops on the same values. Takes a few seconds.
+#
+# The global options': loading and saving the whole object from an INI file
+# and from the registry, each against reading (writing) the same bytes or the
+# same registry values with no parsing. Takes a few seconds.
+#
+# The tray menu's: building it with client windows of 3 sessions each (helper
+# processes) against the session queries' round trips alone. A few seconds.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -19,9 +32,15 @@ cd "$root"
 
 source "$root/scripts/build-common.sh"
 
+target=bench_ini_store
+case ${1:-} in
+    registry-store) target=bench_registry_store; shift ;;
+    global-config) target=global_config_bench; shift ;;
+    tray-menu) target=bench_tray_menu; shift ;;
+esac
+
+lock_build_tree
 configure_build
-cmake --build "$build" -j "$jobs" --target bench_ini_store bench_registry_store
+cmake --build "$build" -j "$jobs" --target "$target"
 start_wine
-"$root/scripts/wine-run" --prefix "$prefix" "$build/bin/bench_ini_store.exe" "$@"
-echo
-"$root/scripts/wine-run" --prefix "$prefix" "$build/bin/bench_registry_store.exe"
+"$root/scripts/wine-run" --prefix "$prefix" "$build/bin/$target.exe" "$@"

@@ -11,6 +11,19 @@ jobs=$(nproc 2>/dev/null || echo 2)
 # project: paths below the clone count as relative, and the folder is not hashed.
 export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
 
+# One run at a time per build tree: a second test.sh or bench.sh in the same
+# clone waits here, since both would rebuild the same tree and the first to end
+# would stop the Wine server that the other still uses. The lock is fd 8, which
+# scripts/wine-run closes in the servers it leaves running.
+lock_build_tree() {
+    mkdir -p "$build"
+    exec 8>"$build/.run.lock"
+    if ! flock -n 8; then
+        printf 'waiting for another run in %s to end\n' "$build" >&2
+        flock 8
+    fi
+}
+
 # Installs what is missing, then configures the build tree (once with the
 # toolchain; later runs only refresh the Crypto++ location).
 configure_build() {

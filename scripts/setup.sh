@@ -26,16 +26,20 @@ PACKAGES=(
     cmake
     ninja-build
     dpkg-dev
+    python3
     ccache
 )
 
 log() { printf 'setup: %s\n' "$*" >&2; }
 
+# Root rights only when something must be installed: with everything present,
+# any user can build and test.
 SUDO=()
-if [ "$(id -u)" -ne 0 ]; then
-    command -v sudo >/dev/null 2>&1 || { log "run as root (or install sudo)"; exit 1; }
+need_root() {
+    [ "$(id -u)" -eq 0 ] && return 0
+    command -v sudo >/dev/null 2>&1 || { log "missing packages: run as root (or install sudo)"; exit 1; }
     SUDO=(sudo -n)
-fi
+}
 
 # Another apt run may hold the dpkg lock (an image being provisioned, a
 # colleague's install): wait for it instead of failing.
@@ -53,6 +57,7 @@ install_packages() {
     if [ ${#missing[@]} -eq 0 ]; then
         return
     fi
+    need_root
     log "installing ${missing[*]}"
     mkdir -p "$CACHE_ROOT"
     local apt_log=$CACHE_ROOT/apt-install.log

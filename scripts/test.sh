@@ -13,6 +13,7 @@ cd "$root"
 
 source "$root/scripts/build-common.sh"
 
+lock_build_tree
 configure_build
 cmake --build "$build" -j "$jobs"
 start_wine

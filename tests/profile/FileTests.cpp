@@ -158,18 +158,20 @@ TEST_F(FileTest, FolderChainCreatesEveryMissingParentAndRefusesAFileInTheWay) {
 }
 
 // The folders a chain creates and the file Open creates get the descriptor;
-// what existed before, or is made without one, keeps the default.
+// what existed before, or is made without one, keeps the default. The
+// read-only descriptor is tried on one new folder: below it, a chain could not
+// add the next one (on Windows, and under Wine for any user but root), and
+// Wine stores a descriptor that grants writing only as the file's mode bits.
 TEST_F(FileTest, CreationAppliesTheHeldDescriptor) {
     VUnicodeString user;
     ASSERT_TRUE(GetCurrentUserSidString(user));
     VSecurityDescriptor readOnly;
     ASSERT_TRUE(readOnly.FromText({VUnicodeString(L"allow,0x001200a9,") + user}));
     ASSERT_TRUE(CreateFolderChain(folder_ / L"open"));
-    ASSERT_TRUE(CreateFolderChain(folder_ / L"open\\closed\\inner", &readOnly));
+    ASSERT_TRUE(CreateFolderChain(folder_ / L"open\\closed", &readOnly));
     EXPECT_TRUE(UserRights(folder_ / L"open", user) & FILE_ADD_FILE);
     EXPECT_FALSE(UserRights(folder_ / L"open\\closed", user) & FILE_ADD_FILE);
     EXPECT_TRUE(UserRights(folder_ / L"open\\closed", user) & FILE_LIST_DIRECTORY);
-    EXPECT_FALSE(UserRights(folder_ / L"open\\closed\\inner", user) & FILE_ADD_FILE);
 
     VFile file;
     file.SetSecurityDescriptor(&readOnly);

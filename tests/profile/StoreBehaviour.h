@@ -1,7 +1,9 @@
 // The behaviour that every back end of the profile store shares, as one
-// value-parameterised suite (StoreBehaviourTests.cpp). Each back end
-// instantiates it with a StoreBackEnd that gives every test a fresh place of
-// its own (a registry key, a pair of folders) and opens stores on it.
+// value-parameterised suite (StoreBehaviourTests.cpp), instantiated with a
+// StoreBackEnd per back end (StoreBackEnds.cpp) that gives every test a fresh
+// place of its own (a registry key, a pair of folders) and opens stores on it.
+// Suites of the libraries above the store derive from StoreBehaviour to run
+// against both back ends too.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -35,6 +37,10 @@ struct StoreBackEnd {
     std::string name;
     std::function<std::unique_ptr<StorePlace>()> makePlace;
 };
+
+// The registry under a sandbox key, and the INI files in a temporary folder.
+StoreBackEnd RegistryBackEnd();
+StoreBackEnd IniFileBackEnd();
 
 inline std::ostream& operator<<(std::ostream& out, const StoreBackEnd& backEnd) { return out << backEnd.name; }
 

@@ -347,4 +347,7 @@ TEST_P(StoreBehaviour, FlushMakesWritesVisibleWhileTheKeyLives) {
     EXPECT_EQ(number, 5u);
 }
 
+INSTANTIATE_TEST_SUITE_P(BackEnds, StoreBehaviour, ::testing::Values(RegistryBackEnd(), IniFileBackEnd()),
+                         BackEndName);
+
 }  // namespace

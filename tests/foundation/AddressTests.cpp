@@ -1,0 +1,200 @@
+// Addresses: formatting, comparison and the setters, then two seeded checks:
+// random addresses read back from their text, and fixed and generated texts
+// read as Python's ipaddress expects (address_oracle.py, seed fixed at build
+// time by TRAYWELL_ADDRESS_SEED). TRAYWELL_TEST_SEED replays a round trip.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <random>
+#include <string>
+
+#include "HostPortText.h"
+#include "VAddressIPv4.h"
+#include "VAddressIPv6.h"
+
+namespace {
+
+std::string Hex(const uint8_t* bytes, size_t length) {
+    std::string text;
+    for (size_t i = 0; i < length; ++i)
+        text += {"0123456789abcdef"[bytes[i] >> 4], "0123456789abcdef"[bytes[i] & 15]};
+    return text;
+}
+
+// The address text reads as: IPv4 if it can, else IPv6 (perhaps invalid).
+template <class Char>
+VRefPtr<IInternetAddress> Parse(const Char* text) {
+    auto v4 = VRefPtr<IInternetAddress>::Adopt(new VAddressIPv4());
+    if (v4->SetFromText(text)) return v4;
+    auto v6 = VRefPtr<IInternetAddress>::Adopt(new VAddressIPv6());
+    v6->SetFromText(text);
+    return v6;
+}
+
+template <class Char>
+std::string Reading(const Char* text) {
+    const VRefPtr<IInternetAddress> address = Parse(text);
+    if (!address->IsValid()) return "bad";
+    return std::string(address->ToString(true).c_str()) + (address->IsAnyAddress() ? " any" : "") +
+           (address->IsLoopback() ? " loopback" : "");
+}
+
+// Which texts are addresses is the oracle's part (below); here, how they
+// are written back.
+TEST(Addresses, TextsReadAndFormatAsTheRulesSay) {
+    const struct {
+        const char* text;
+        const char* reading;
+    } cases[] = {{"10.0.0.1:22", "10.0.0.1:22"},
+                 {"0.0.0.0", "0.0.0.0:0 any"},
+                 {"127.255.0.1", "127.255.0.1:0 loopback"},
+                 {"[fe80::1]:2222", "fe80::1:2222"},
+                 {"fe80::1", "fe80::1:0"},
+                 {"[::1]", "::1:0 loopback"},
+                 {"[::]:0", ":::0 any"},
+                 {"[FE80:0000::0001]:7", "fe80::1:7"},
+                 {"[fe80::1%3]:22", "fe80::1%3:22"},
+                 {"fe80::1%0", "fe80::1:0"},
+                 {"::ffff:127.0.0.1", "::ffff:127.0.0.1:0"},
+                 {"10.0.0.1%3", "bad"}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(Reading(c.text), c.reading) << c.text;
+        const std::wstring wide(c.text, c.text + std::strlen(c.text));
+        EXPECT_EQ(Reading(wide.c_str()), c.reading) << c.text << " (wide)";
+    }
+    // Look-alike digits must not turn into real ones on the way to narrow text.
+    EXPECT_EQ(Reading(L"\uFF11\uFF10.0.0.1"), "bad");
+    EXPECT_EQ(Reading(static_cast<const char*>(nullptr)), "bad");
+
+    const wchar_t* joins[][3] = {{L"example.org", L"22", L"example.org:22"},
+                                 {L"::1", L"22", L"[::1]:22"},
+                                 {L"", L"", L"[]"},
+                                 {L"10.0.0.1", L"", L"10.0.0.1"}};
+    for (const auto& join : joins)
+        EXPECT_STREQ(JoinHostPort(VUnicodeString(join[0]), VUnicodeString(join[1])).c_str(),
+                     join[2]);
+}
+
+TEST(Addresses, EqualityAndPrefixesFollowThePortRule) {
+    const struct {
+        const char* a;
+        const char* b;
+        int bits;  // -1: equality
+        bool expected;
+    } cases[] = {
+        {"10.0.0.1", "10.0.0.1:22", -1, true},    {"10.0.0.1:21", "10.0.0.1:22", -1, false},
+        {"10.1.2.3", "10.1.200.9", 16, true},     {"10.1.2.3", "10.1.200.9", 17, false},
+        {"10.0.0.1", "10.0.0.1", 33, true},       {"0.0.0.0:1", "9.9.9.9:1", 0, true},
+        {"fe80::1", "fe80::2", 126, true},        {"fe80::1", "fe80::2", 127, false},
+        {"fe80::1%3", "fe80::1%4", -1, true},     {"[fe80::1]:22", "[fe80::1]:23", 64, false},
+        {"::ffff:10.0.0.1", "10.0.0.1", 0, false}};
+    for (const auto& c : cases) {
+        const VRefPtr<IInternetAddress> a = Parse(c.a);
+        const VRefPtr<IInternetAddress> b = Parse(c.b);
+        EXPECT_EQ(c.bits < 0 ? a->Equals(*b) : a->MatchesPrefix(*b, static_cast<uint32_t>(c.bits)),
+                  c.expected)
+            << c.a << " " << c.b << " " << c.bits;
+    }
+}
+
+TEST(Addresses, SystemRecordsAndBytesSetOnlyTheirOwnFamily) {
+    const addrinfo hints{AI_NUMERICHOST, AF_UNSPEC, SOCK_DGRAM, IPPROTO_UDP, 0,
+                         nullptr,        nullptr,   nullptr};
+    addrinfo* found = nullptr;
+    ASSERT_EQ(getaddrinfo("127.0.0.2", "8080", &hints, &found), 0);
+    VAddressIPv4 v4;
+    VAddressIPv6 v6;
+    EXPECT_TRUE(!v6.SetFromAddressInfo(*found) && v4.SetFromAddressInfo(*found));
+    EXPECT_EQ(v4.ToString(true), "127.0.0.2:8080");
+    EXPECT_EQ(v4.GetSocketType() * 100 + v4.GetProtocol(), SOCK_DGRAM * 100 + IPPROTO_UDP);
+    EXPECT_FALSE(v4.SetFromSocketAddress(found->ai_addr, static_cast<int>(found->ai_addrlen) - 1) ||
+                 v4.IsValid() || v4.SetFromBytes("\1\2\3\4", 5) || v6.SetFromBytes("\1\2\3\4", 4));
+    freeaddrinfo(found);
+}
+
+// The address joined with its port for display reads back, narrow and
+// wide, as an equal address with the same port that formats the same.
+template <class Address>
+void ExpectRoundTrip(const Address& address) {
+    const VString port(std::to_string(address.GetPort()).c_str());
+    const VString text = JoinHostPort(address.ToString(false), port);
+    Address narrow;
+    Address wide;
+    EXPECT_TRUE(narrow.SetFromText(text.c_str()) &&
+                wide.SetFromText(VUnicodeString(text).c_str()) && narrow.Equals(address) &&
+                narrow.GetPort() == address.GetPort() &&
+                narrow.ToString(true) == address.ToString(true) &&
+                wide.ToString(true) == address.ToString(true))
+        << text.c_str();
+}
+
+TEST(Addresses, FormattedRandomAddressesReadBackTheSame) {
+    const char* fixed = std::getenv("TRAYWELL_TEST_SEED");
+    const uint64_t seed = fixed ? std::strtoull(fixed, nullptr, 0) : std::random_device()();
+    std::printf("round-trip seed %llu (TRAYWELL_TEST_SEED)\n",
+                static_cast<unsigned long long>(seed));
+    std::mt19937_64 random(seed);
+    for (int i = 0; i < 20000 && !testing::Test::HasFailure(); ++i) {
+        sockaddr_in6 socketAddress = VAddressIPv6().GetSocketAddress();
+        uint8_t* bytes = reinterpret_cast<uint8_t*>(&socketAddress.sin6_addr);
+        // Mostly zero bytes, so that runs of zero groups (and "::") are common.
+        for (int b = 0; b < 16; ++b) bytes[b] = random() % 3 ? 0 : static_cast<uint8_t>(random());
+        socketAddress.sin6_port = static_cast<uint16_t>(random());
+        socketAddress.sin6_scope_id = random() % 2 ? 0 : static_cast<ULONG>(random());
+        VAddressIPv4 v4;
+        VAddressIPv6 v6;
+        v4.SetFromBytes(bytes, 4);
+        v4.SetPort(ntohs(socketAddress.sin6_port));
+        if (std::memcmp(bytes, "\xff\xff\xff\xff", 4) != 0) ExpectRoundTrip(v4);  // refused as text
+        ASSERT_TRUE(v6.SetFromSocketAddress(reinterpret_cast<const sockaddr*>(&socketAddress),
+                                            sizeof socketAddress));
+        ExpectRoundTrip(v6);
+    }
+}
+
+// What our classes make of text, in the oracle's line format.
+std::string OurReading(const std::string& text) {
+    VAddressIPv4 v4;
+    VAddressIPv6 v6;
+    if (v4.SetFromText(text.c_str()))
+        return "v4\t" + Hex(v4.GetAddressBytes(), 4) + "\t" + std::to_string(v4.GetPort()) + "\t0";
+    if (!v6.SetFromText(text.c_str())) return "bad\t\t0\t0";
+    ExpectRoundTrip(v6);
+    return "v6\t" + Hex(v6.GetAddressBytes(), 16) + "\t" + std::to_string(v6.GetPort()) + "\t" +
+           std::to_string(v6.GetScopeId());
+}
+
+TEST(Addresses, TextsReadAsPythonsIpaddressExpects) {
+    std::ifstream cases(ADDRESS_CASES_FILE);
+    std::string header;
+    ASSERT_TRUE(std::getline(cases, header)) << ADDRESS_CASES_FILE;
+    std::map<std::string, int> counts;
+    for (std::string line; std::getline(cases, line);) {
+        // hex text, tab, the expected reading, "|", the system's decimal reading or "-"
+        const size_t tab = line.find('\t');
+        const size_t bar = line.find('|');
+        std::string text;
+        for (size_t i = 0; i + 1 < tab; i += 2)
+            text += static_cast<char>(std::stoi(line.substr(i, 2), nullptr, 16));
+        const std::string expected = line.substr(tab + 1, bar - tab - 1);
+        const std::string reading = OurReading(text);
+        ++counts[expected.substr(0, expected.find('\t'))];
+        if (reading != expected && reading == line.substr(bar + 1)) {
+            ++counts["decimal"];
+        } else if (reading != expected && ++counts["other"] <= 20) {
+            ADD_FAILURE() << "\"" << text << "\": ours " << reading << ", expected " << expected;
+        }
+    }
+    std::printf(
+        "%s (ipaddress: %d IPv4, %d IPv6, %d refused); disagreements: %d where the system "
+        "reads an IPv4 part of an IPv6 address with leading zeros as decimal, %d others\n",
+        header.c_str(), counts["v4"], counts["v6"], counts["bad"], counts["decimal"],
+        counts["other"]);
+    EXPECT_GE(counts["v4"] + counts["v6"] + counts["bad"], 100000);
+    EXPECT_EQ(counts["other"], 0);
+}
+
+}  // namespace

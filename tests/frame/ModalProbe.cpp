@@ -1,0 +1,49 @@
+#include "ModalProbe.h"
+
+#include <cwchar>
+
+namespace {
+
+ModalProbe* g_probe = nullptr;  // one probe at a time, on the test's thread
+
+}  // namespace
+
+ModalProbe::ModalProbe(std::function<bool()> action)
+    : action_(std::move(action)), timer_(SetTimer(nullptr, 0, 50, OnTimer)) {
+    g_probe = this;
+}
+
+ModalProbe::~ModalProbe() {
+    KillTimer(nullptr, timer_);
+    g_probe = nullptr;
+}
+
+void CALLBACK ModalProbe::OnTimer(HWND, UINT, UINT_PTR, DWORD) {
+    if (g_probe && !g_probe->done_) g_probe->done_ = g_probe->action_();
+}
+
+HWND FindOwnWindow(const wchar_t* className, const wchar_t* title) {
+    struct Search {
+        const wchar_t *className, *title;
+        HWND found;
+    } search{className, title, nullptr};
+    auto matches = [](HWND window, LPARAM parameter) -> BOOL {
+        auto& wanted = *reinterpret_cast<Search*>(parameter);
+        wchar_t name[256] = {}, text[256] = {};
+        GetClassNameW(window, name, 256);
+        GetWindowTextW(window, text, 256);
+        if (!IsWindowVisible(window) || wcscmp(name, wanted.className) != 0 ||
+            (wanted.title && wcscmp(text, wanted.title) != 0))
+            return TRUE;
+        wanted.found = window;
+        return FALSE;
+    };
+    EnumThreadWindows(GetCurrentThreadId(), matches, reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+std::wstring MessageBoxText(HWND box) {
+    wchar_t text[1024] = {};
+    GetDlgItemTextW(box, 0xFFFF, text, 1024);  // a message box's text control
+    return text;
+}

@@ -1,0 +1,33 @@
+// Test helpers for windows of the test's own thread. ModalProbe runs a check
+// from inside a modal loop (a dialog, a message box, a popup menu) through a
+// thread timer, which every such loop dispatches, so a test can look at the
+// window and close it without a second thread.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+
+class ModalProbe {
+public:
+    // action runs every 50 ms until it returns true (done).
+    explicit ModalProbe(std::function<bool()> action);
+    ~ModalProbe();
+    ModalProbe(const ModalProbe&) = delete;
+    ModalProbe& operator=(const ModalProbe&) = delete;
+
+private:
+    static void CALLBACK OnTimer(HWND, UINT, UINT_PTR, DWORD);
+
+    std::function<bool()> action_;
+    UINT_PTR timer_;
+    bool done_ = false;
+};
+
+// A visible window of class className (and title, unless null) of this
+// thread: tests of other programs may show boxes and menus meanwhile.
+HWND FindOwnWindow(const wchar_t* className, const wchar_t* title = nullptr);
+
+// The text of a message box (its static text control); empty for none.
+std::wstring MessageBoxText(HWND box);

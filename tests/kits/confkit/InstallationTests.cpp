@@ -1,0 +1,119 @@
+// The installation facts and application folders, read from a registry whose
+// per-user and machine-wide hives are redirected into a sandbox, with fake
+// client executables in a temporary folder.
+
+#include <gtest/gtest.h>
+
+#include <shlobj.h>
+
+#include <array>
+
+#include "AppPaths.h"
+#include "Installation.h"
+#include "ProgramFolder.h"
+#include "RegistrySandbox.h"
+#include "TempFolder.h"
+
+namespace {
+
+VUnicodeString ShellFolder(int csidl) {
+    wchar_t folder[MAX_PATH] = {};
+    SHGetFolderPathW(nullptr, csidl, nullptr, SHGFP_TYPE_CURRENT, folder);
+    return VUnicodeString(folder);
+}
+
+class InstallationTest : public testing::Test {
+protected:
+    InstallationTest() {
+        WriteWholeFile(folder_ / L"Termwright.exe", "MZ");
+        WriteWholeFile(folder_ / L"Filewright.exe", "MZ");
+        CreateDirectoryW((folder_ / L"Termlet.exe").c_str(), nullptr);  // a folder, not a program
+    }
+
+    // Sets value name of the installation key's subkey (empty: the key) in hive
+    // "user" or "machine", as text (REG_SZ) or number (REG_DWORD).
+    void Set(const wchar_t* hive, const wchar_t* subkey, const wchar_t* name,
+             const VUnicodeString& text) {
+        ASSERT_EQ(
+            RegSetKeyValueW(sandbox_.Get(), Path(hive, subkey).c_str(), name, REG_SZ, text.c_str(),
+                            static_cast<DWORD>((text.GetLength() + 1) * sizeof(wchar_t))),
+            ERROR_SUCCESS);
+    }
+    void Set(const wchar_t* hive, const wchar_t* subkey, const wchar_t* name, DWORD number) {
+        ASSERT_EQ(RegSetKeyValueW(sandbox_.Get(), Path(hive, subkey).c_str(), name, REG_DWORD,
+                                  &number, 4),
+                  ERROR_SUCCESS);
+    }
+    static VUnicodeString Path(const wchar_t* hive, const wchar_t* subkey) {
+        return VUnicodeString(hive) + L"\\" + InstallationKeyPath + (*subkey ? L"\\" : L"") +
+               subkey;
+    }
+
+    // Termwright, Termlet and Filewright installed, integrated, and Termwright or Termlet.
+    static std::array<bool, 5> Installed() {
+        return {IsTermwrightInstalled(), IsTermletInstalled(), IsFilewrightInstalled(),
+                IsIntegrated(), IsTermwrightOrTermletInstalled()};
+    }
+
+    const VUnicodeString appData_ = ShellFolder(CSIDL_APPDATA);
+    const VUnicodeString localAppData_ = ShellFolder(CSIDL_LOCAL_APPDATA);
+    TempFolder folder_;
+    RegistrySandbox sandbox_;
+    PredefinedKeyRedirect user_{HKEY_CURRENT_USER, sandbox_, L"user"};
+    PredefinedKeyRedirect machine_{HKEY_LOCAL_MACHINE, sandbox_, L"machine"};
+};
+
+using Facts = std::array<bool, 5>;
+
+}  // namespace
+
+TEST_F(InstallationTest, ClientsAreInstalledWhereTheRegistrySaysAndTheUserWins) {
+    EXPECT_EQ(VUnicodeString(GetTermwrightPath()), GetPathBesideProgram(L"Termwright.exe"));
+    EXPECT_EQ(Installed(), (Facts{false, false, false, false, false}))
+        << "nothing set, nothing beside the tests";
+
+    Set(L"machine", L"Termwright", L"Path", folder_ / L"Termwright.exe");
+    Set(L"machine", L"Filewright", L"Path", folder_ / L"Filewright.exe");
+    Set(L"machine", L"Termlet", L"Path", folder_ / L"Termlet.exe");
+    EXPECT_EQ(Installed(), (Facts{true, false, true, true, true}))
+        << "integrated since both are there";
+    const wchar_t* machinePath = GetTermwrightPath();
+
+    Set(L"machine", L"", L"Integrated", 0);
+    Set(L"user", L"Termwright", L"Path", folder_ / L"Gone.exe");
+    EXPECT_EQ(Installed(), (Facts{false, false, true, false, false})) << "the user's path wins";
+    EXPECT_EQ(VUnicodeString(GetTermwrightPath()), folder_ / L"Gone.exe");
+    EXPECT_EQ(VUnicodeString(machinePath), folder_ / L"Termwright.exe")
+        << "a path handed out stays valid";
+
+    SetEnvironmentVariableW(L"TRAYWELL_TEST_CLIENTS", folder_.Path().c_str());
+    Set(L"user", L"Termwright", L"Path", L"%TRAYWELL_TEST_CLIENTS%\\Termwright.exe");
+    Set(L"user", L"", L"Integrated", 1);
+    EXPECT_EQ(Installed(), (Facts{true, false, true, true, true})) << "variables expanded";
+}
+
+TEST_F(InstallationTest, ApplicationFoldersHaveDefaultsUnderTheUsersApplicationData) {
+    const struct {
+        const wchar_t* app;
+        const wchar_t* config;
+        VUnicodeString configPath, personalPath;
+    } defaults[] = {
+        {L"Termwright", L"C:\\Config", appData_ + L"\\Quillon\\Termwright",
+         localAppData_ + L"\\Quillon\\Termwright\\Personal Data\\C__Config"},
+        {L"Filewright", L"\\\\server\\share\\cfg", appData_ + L"\\Quillon\\Filewright",
+         localAppData_ + L"\\Quillon\\Filewright\\Personal Data\\__server_share_cfg"},
+        {L"", L"C:\\Config", L"", L""},
+    };
+    for (const auto& test : defaults) {
+        EXPECT_EQ(GetAppConfigPath(test.app), test.configPath) << test.app;
+        EXPECT_FALSE(UsePersonalDataPath(test.app)) << test.app;
+        EXPECT_EQ(GetAppPersonalDataPath(test.app, test.config), test.personalPath) << test.app;
+    }
+
+    Set(L"machine", L"Termwright", L"Config Folder", L"S:\\Shared\\Config");
+    Set(L"user", L"Termwright", L"Use Personal Data Folder", 1);
+    Set(L"user", L"Termwright", L"Personal Data Folder", L"H:\\Mine");
+    EXPECT_EQ(GetAppConfigPath(L"Termwright"), L"S:\\Shared\\Config");
+    EXPECT_TRUE(UsePersonalDataPath(L"Termwright"));
+    EXPECT_EQ(GetAppPersonalDataPath(L"Termwright", L"S:\\Shared\\Config"), L"H:\\Mine");
+}
