@@ -14,11 +14,10 @@ inline constexpr unsigned KillValueCount = 300;
 struct Generation {
     unsigned writer = 0;
     unsigned number = 0;
-    bool operator==(const Generation&) const = default;
 };
 
-// Stores generation number of writer in key: count values of every kind
-// ("v000" first) and, with withPrivate, a value under each private value name.
+// Stores generation number of writer in key: count texts ("v000" on) and,
+// with withPrivate, one under each private value name.
 void StoreGeneration(VProfilePrivateKey& key, Generation generation, unsigned count, bool withPrivate);
 
 // The generations that key's values belong to: main (those StoreGeneration

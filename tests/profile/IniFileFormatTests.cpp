@@ -273,11 +273,6 @@ TEST_F(IniFileFormat, PrivateValuesGoToThePrivateFileInTheListsOrder) {
               ReadWholeFile(PrivateValuesFile()));
 }
 
-TEST_F(IniFileFormat, WithoutPrivateFolderPrivateValuesStayInTheMainFile) {
-    EXPECT_EQ(Bom + "S:\"Username\"=me\r\nS:\"Host\"=h\r\n", Save({{L"Host", S(L"h")}, {L"Username", S(L"me")}}));
-}
-
-
 TEST_F(IniFileFormat, ThePrivateFileOverridesTheMainFileAndTakesOverItsPrivateValues) {
     ASSERT_TRUE(WriteWholeFile(ValuesFile(), Bom + "S:\"Password\"=old\r\nS:\"Account\"=acct\r\nD:\"Port\"=00000016\r\n"));
     ASSERT_TRUE(CreateDirectoryW((folder_ / L"Private").c_str(), nullptr));

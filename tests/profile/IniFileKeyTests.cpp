@@ -163,44 +163,41 @@ TEST_F(IniFileKey, ASecurityDescriptorIsKeptExactlyAsTextOrAsBinary) {
     }
 }
 
-// A file is replaced at every save; the new one keeps what the old one had.
+// A file is replaced at every save; the new one keeps the old one's access
+// list (the private file's protection) and attributes, and no leftover.
 TEST_F(IniFileKey, ASaveKeepsTheFilesAccessListsAndAttributes) {
     VSecurityDescriptor perUser;
     ASSERT_TRUE(perUser.AssignCurrentUserAccess());
-    {
-        VIniFileKey key(keyFolder_, privateFolder_, false, &perUser);
-        ASSERT_TRUE(key.SetDword(W(L"n"), 1));
-        ASSERT_TRUE(key.SetString(W(L"Password"), W(L"x")));
-    }
     const VUnicodeString files[] = {ValuesFile(), VIniFileKey::ValuesFilePath(privateFolder_)};
     const auto accessList = [](const VUnicodeString& path) {
         PSECURITY_DESCRIPTOR descriptor = nullptr;
-        EXPECT_EQ(0u, GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
-                                            nullptr, nullptr, &descriptor));
+        GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr,
+                              nullptr, &descriptor);
         const LocalMemory owner(descriptor);
-        VSecurityDescriptor copy;
-        EXPECT_TRUE(copy.Assign(descriptor));
-        return std::string(reinterpret_cast<const char*>(copy.Get()), copy.GetLength());
+        return std::string(static_cast<const char*>(descriptor), descriptor ? GetSecurityDescriptorLength(descriptor) : 0);
     };
     std::string before[2];
-    for (int i = 0; i < 2; ++i) {
-        ASSERT_TRUE(SetFileAttributesW(files[i].c_str(), FILE_ATTRIBUTE_HIDDEN));
-        before[i] = accessList(files[i]);
-    }
-    {
-        VIniFileKey key(keyFolder_, privateFolder_, false, nullptr);
-        ASSERT_TRUE(key.SetDword(W(L"n"), 2));
-        ASSERT_TRUE(key.SetString(W(L"Password"), W(L"y")));
-        ASSERT_TRUE(key.Flush());
-    }
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_EQ(before[i], accessList(files[i]));
-        // A file that changed is marked for backup, as any write marks it.
-        EXPECT_EQ(static_cast<DWORD>(FILE_ATTRIBUTE_HIDDEN), GetFileAttributesW(files[i].c_str()) & ~FILE_ATTRIBUTE_ARCHIVE);
+    const VSecurityDescriptor* const securities[] = {&perUser, nullptr};  // made with one, then saved without
+    for (const VSecurityDescriptor* security : securities) {
+        {
+            VIniFileKey key(keyFolder_, privateFolder_, false, security);
+            ASSERT_TRUE(key.SetDword(W(L"n"), security ? 1 : 2));
+            ASSERT_TRUE(key.SetString(W(L"Password"), W(security ? L"x" : L"y")));
+        }
+        for (int i = 0; i < 2; ++i) {
+            if (security) {
+                ASSERT_TRUE(SetFileAttributesW(files[i].c_str(), FILE_ATTRIBUTE_HIDDEN));
+                before[i] = accessList(files[i]);
+                continue;
+            }
+            EXPECT_EQ(before[i], accessList(files[i]));
+            // A file that changed is marked for backup, as any write marks it.
+            EXPECT_EQ(FILE_ATTRIBUTE_HIDDEN, GetFileAttributesW(files[i].c_str()) & ~FILE_ATTRIBUTE_ARCHIVE);
+        }
     }
     EXPECT_EQ(Bom + "D:\"n\"=00000002\r\n", ReadWholeFile(ValuesFile()));
     WIN32_FIND_DATAW found;
-    EXPECT_FALSE(FindHandle(FindFirstFileW((folder_ / L"*.tmp").c_str(), &found))) << "no temporary file is left";
+    EXPECT_FALSE(FindHandle(FindFirstFileW((folder_ / L"*.tmp").c_str(), &found)));
 }
 
 TEST_F(IniFileKey, IsWritableFollowsTheKeyAndItsFile) {
@@ -247,6 +244,7 @@ TEST_F(IniFileKey, ASaveThatCannotBeDoneFailsAndDamagesNothing) {
         std::function<bool()> arrange;
         std::function<void()> clear;
         DWORD code;  // 0: any
+        bool unreadable = false;  // the load failed: the key's reads say why, not "absent"
         std::function<void()> afterLoad = [] {};
     };
     const Case cases[] = {
@@ -274,7 +272,7 @@ TEST_F(IniFileKey, ASaveThatCannotBeDoneFailsAndDamagesNothing) {
              DWORD written = 0;
              return held && WriteFile(held.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
          },
-         [] {}, ERROR_SHARING_VIOLATION, [&] { held.Reset(); }},
+         [] {}, ERROR_SHARING_VIOLATION, true, [&] { held.Reset(); }},
         // A sparse file far beyond the limit; its size must not be trusted to
         // size anything, and no exception may escape a getter.
         {"values file too large to read", keyFolder_,
@@ -284,7 +282,7 @@ TEST_F(IniFileKey, ASaveThatCannotBeDoneFailsAndDamagesNothing) {
              end.QuadPart = 1LL << 36;
              return file && SetFilePointerEx(file.Get(), end, nullptr, FILE_BEGIN) && SetEndOfFile(file.Get());
          },
-         [&] { DeleteFileW(ValuesFile().c_str()); }, ERROR_FILE_TOO_LARGE},
+         [&] { DeleteFileW(ValuesFile().c_str()); }, ERROR_FILE_TOO_LARGE, true},
     };
     for (const Case& test : cases) {
         SCOPED_TRACE(test.what);
@@ -293,6 +291,9 @@ TEST_F(IniFileKey, ASaveThatCannotBeDoneFailsAndDamagesNothing) {
         ASSERT_TRUE(key.SetDword(W(L"n"), 2));
         ASSERT_TRUE(key.SetString(W(L"Password"), W(L"new")));
         test.afterLoad();
+        uint32_t number = 0;
+        EXPECT_FALSE(key.GetDword(W(L"absent"), number));
+        EXPECT_EQ(test.unreadable ? test.code : CONFIG_VALUE_ABSENT, LastCode(key));
         Tree before;
         Snapshot(folder_.Path().c_str(), before);
         EXPECT_FALSE(key.Flush());
@@ -308,18 +309,6 @@ TEST_F(IniFileKey, ASaveThatCannotBeDoneFailsAndDamagesNothing) {
         EXPECT_EQ(Bom + "D:\"n\"=00000002\r\n", ReadWholeFile(VIniFileKey::ValuesFilePath(test.keyFolder)));
         DeleteFileW(privateFile.c_str());
     }
-}
-
-// A getter of a key whose file could not be read says why, rather than
-// taking every value for absent.
-TEST_F(IniFileKey, AFileThatCouldNotBeReadIsNoEmptyKey) {
-    ASSERT_TRUE(WriteWholeFile(ValuesFile(), Bom + "D:\"n\"=00000001\r\n"));
-    const FileHandle held(CreateFileW(ValuesFile().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-    ASSERT_TRUE(held);
-    const auto key = Key();
-    uint32_t value = 0;
-    EXPECT_FALSE(key->GetDword(W(L"n"), value));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_SHARING_VIOLATION), LastCode(*key));
 }
 
 TEST_F(IniFileKey, InputTheFormatCannotHoldIsRefusedAndChangesNothing) {

@@ -135,46 +135,38 @@ public:
 
 // The pass phrase changes (from none, to none, to another), and the values
 // are saved again: every one, whether sealed by an edit or loaded before the
-// change, must open with the new pass phrase and not with the old one.
+// change, must open with the new pass phrase and not with the old one (with
+// none, the logon seals it, which opens whatever the pass phrase).
 TEST_F(ProtectedValueTest, AfterThePassphraseChangesASaveSealsTheValuesUnderTheNewOne) {
-    const struct {
-        const wchar_t* before;
-        const wchar_t* after;
-    } changes[] = {{L"old phrase", L"new phrase"}, {L"", L"new phrase"}, {L"old phrase", L""}};
-    for (const auto& change : changes) {
-        SCOPED_TRACE(testing::PrintToString(std::wstring(change.before) + L" -> " + change.after));
+    const std::pair<const wchar_t*, const wchar_t*> changes[] = {
+        {L"old phrase", L"new phrase"}, {L"", L"new phrase"}, {L"old phrase", L""}};
+    for (const auto& [before, after] : changes) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(before) + L" -> " + after));
         const VRefPtr<ChangingPassphraseProvider> provider =
             VRefPtr<ChangingPassphraseProvider>::Adopt(new ChangingPassphraseProvider());
-        provider->phrase = change.before;
+        provider->phrase = before;
         VProfileEncryptedString edited(L"Edited", provider.Get());
         VProfileEncryptedString loaded(L"Loaded", provider.Get());
         VReportMessageParams report;
-        ASSERT_TRUE(edited.SetPlainText(L"edited secret", report));
-        ASSERT_TRUE(loaded.SetPlainText(L"loaded secret", report));
+        ASSERT_TRUE(edited.SetPlainText(L"secret", report));
+        ASSERT_TRUE(loaded.SetPlainText(L"secret", report));
         ASSERT_TRUE(loaded.Save(*store_.OpenKey(), false));
         ASSERT_TRUE(loaded.LoadEncrypted(*store_.OpenKey()));
 
-        provider->phrase = change.after;
+        provider->phrase = after;
         {
             auto key = store_.OpenKey();
             ASSERT_TRUE(edited.Save(*key, false));
             ASSERT_TRUE(loaded.Save(*key, false));
         }
-        for (const auto& [name, plain] : {std::pair{L"Edited", L"edited secret"}, std::pair{L"Loaded", L"loaded secret"}}) {
-            const VUnicodeString stored = Stored(name);
+        const VRefPtr<IPassphraseProvider> old =
+            VRefPtr<IPassphraseProvider>::Adopt(new VFixedPassphraseProvider(VUnicodeString(before)));
+        for (const wchar_t* name : {L"Edited", L"Loaded"}) {
             VUnicodeString opened;
-            EXPECT_TRUE(VEncryptedString(stored, provider.Get()).GetPlainText(opened, name, report)) << name;
-            EXPECT_EQ(opened, plain);
-            // Without a pass phrase the text is sealed with the logon, which
-            // opens whatever the pass phrase.
-            if (!*change.after) {
-                EXPECT_TRUE(stored.StartsWith(L"CAPI:")) << name;
-            } else if (*change.before) {
-                const VRefPtr<IPassphraseProvider> old =
-                    VRefPtr<IPassphraseProvider>::Adopt(new VFixedPassphraseProvider(VUnicodeString(change.before)));
-                EXPECT_FALSE(VEncryptedString(stored, old.Get()).GetPlainText(opened, name, report))
-                    << "still sealed under the old pass phrase";
-            }
+            EXPECT_TRUE(VEncryptedString(Stored(name), provider.Get()).GetPlainText(opened, name, report)) << name;
+            EXPECT_EQ(opened, L"secret");
+            if (*after) EXPECT_FALSE(*before && VEncryptedString(Stored(name), old.Get()).GetPlainText(opened, name, report));
+            else EXPECT_TRUE(Stored(name).StartsWith(L"CAPI:")) << name;
         }
     }
 }
