@@ -34,10 +34,13 @@ public:
                            nullptr, nullptr, &startup, &started)) {
             process_.Reset(started.hProcess);
             CloseHandle(started.hThread);
+        } else {
+            startError_ = GetLastError();
         }
     }
 
     bool IsRunning() const { return process_.IsValid(); }
+    DWORD StartError() const { return startError_; }
 
     // Ends the process at once, as the task manager would, and waits until it is gone.
     void Kill() {
@@ -56,6 +59,7 @@ public:
 
 private:
     KernelHandle process_;
+    DWORD startError_ = ERROR_SUCCESS;
 };
 
 VUnicodeString Quoted(const VUnicodeString& text) { return L"\"" + text + L"\""; }
@@ -168,7 +172,7 @@ TEST(IniFileProcesses, AProcessKilledWhileSavingLeavesEachFileWithItsOldOrItsNew
         arguments.FormatPositional(L"save-generations %1 %2 %3", Quoted(keyFolder).c_str(),
                                    Quoted(privateFolder).c_str(), ready.Name().c_str());
         HelperProcess helper(arguments);
-        ASSERT_TRUE(helper.IsRunning());
+        ASSERT_TRUE(helper.IsRunning()) << "error " << helper.StartError() << " at kill " << kill;
         ASSERT_TRUE(ready.WaitSignalled(GenerousWait)) << "exit code " << helper.Wait(0);
         // A few saves' time: the kill falls anywhere in a save, or between two.
         const auto delay = static_cast<LONGLONG>(random() % 4000) * frequency.QuadPart / 1000000;
