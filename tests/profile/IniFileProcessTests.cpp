@@ -165,7 +165,7 @@ TEST(IniFileProcesses, AProcessKilledWhileSavingLeavesEachFileWithItsOldOrItsNew
     std::mt19937 random(seed);
     LARGE_INTEGER frequency;
     QueryPerformanceFrequency(&frequency);
-    unsigned previous = 0, midSave = 0, betweenFiles = 0;
+    unsigned previous = 0, midSave = 0, betweenFiles = 0, temporaries = 0;
     for (unsigned kill = 0; kill < kills && !HasFailure(); ++kill) {
         const NamedEvent ready;
         VUnicodeString arguments;
@@ -174,14 +174,18 @@ TEST(IniFileProcesses, AProcessKilledWhileSavingLeavesEachFileWithItsOldOrItsNew
         HelperProcess helper(arguments);
         ASSERT_TRUE(helper.IsRunning()) << "error " << helper.StartError() << " at kill " << kill;
         ASSERT_TRUE(ready.WaitSignalled(GenerousWait)) << "exit code " << helper.Wait(0);
-        // A few saves' time: the kill falls anywhere in a save, or between two.
-        const auto delay = static_cast<LONGLONG>(random() % 4000) * frequency.QuadPart / 1000000;
+        // Up to about two saves' time: the kill falls anywhere in the first
+        // save, in the values set for the next, or in that one.
+        const auto delay = static_cast<LONGLONG>(random() % 5000) * frequency.QuadPart / 1000000;
         LARGE_INTEGER start, now;
         QueryPerformanceCounter(&start);
         do QueryPerformanceCounter(&now); while (now.QuadPart - start.QuadPart < delay);
         helper.Kill();
 
-        midSave += leftovers() > 0;
+        // A temporary file more than before: the kill fell before its rename.
+        const unsigned left = leftovers();
+        midSave += left > temporaries;
+        temporaries = left;
         const SavedFiles files{ReadWholeFile(VIniFileKey::ValuesFilePath(keyFolder)),
                                ReadWholeFile(VIniFileKey::ValuesFilePath(privateFolder))};
         VIniFileKey key(keyFolder, privateFolder, true, nullptr);
@@ -194,8 +198,8 @@ TEST(IniFileProcesses, AProcessKilledWhileSavingLeavesEachFileWithItsOldOrItsNew
         betweenFiles += personal.number == main.number + 1;
         previous = main.number;
     }
-    std::printf("%u kills: %u generations saved; %u kills left a temporary file behind, %u fell between the two "
-                "files' replacements\n",
+    std::printf("%u kills: %u generations saved; %u kills left a temporary file behind, after %u the private file "
+                "was a generation ahead\n",
                 kills, previous, midSave, betweenFiles);
     save(keyFolder, privateFolder, previous + 2);
     EXPECT_EQ(0u, leftovers()) << "a save removes what killed saves left";

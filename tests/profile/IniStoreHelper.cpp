@@ -8,9 +8,9 @@
 //       to the result file, last being the counter of its last save.
 //   ini_store_helper save-generations <key folder> <private folder> <event>
 //       Loads the key (main and private file, GenerationValues.h with
-//       private values, KillValueCount values), signals the named event and
-//       saves the following generations of the same writer one after the
-//       other until it is killed.
+//       private values, KillValueCount values) and saves the following
+//       generations of the same writer one after the other until it is
+//       killed; signals the named event as the first save starts.
 //   ini_store_helper hold <file> exclusive|shared <milliseconds> <event> [<text>]
 //       Opens file, locks its first 4 bytes, signals the named event and keeps
 //       the lock for the given time. Exclusive: then rewrites the file with
@@ -105,10 +105,11 @@ int SaveGenerations(const wchar_t* folder, const wchar_t* privateFolder, const w
     VIniFileKey key(VUnicodeString(folder), VUnicodeString(privateFolder), false, nullptr);
     Generation main, personal;
     if (!ReadGeneration(key, KillValueCount, true, main, personal)) return 1;
-    SetEvent(ready.Get());
-    for (;;) {
+    for (bool first = true;; first = false) {
         ++main.number;
         StoreGeneration(key, main, KillValueCount, true);
+        // The kill is timed from the start of the first save.
+        if (first) SetEvent(ready.Get());
         if (!key.Flush()) return 2;
     }
 }
