@@ -1,0 +1,155 @@
+#include "AgentPipeServer.h"
+
+#include <string>
+
+#include "AgentMessageTypes.h"
+#include "AgentMessages.h"
+#include "VSecurityDescriptor.h"
+
+namespace {
+
+constexpr DWORD BufferBytes = 64 * 1024;
+constexpr DWORD ExpiryCheckMs = 1000;
+
+uint32_t BigEndian(const uint8_t* bytes) {
+    return (uint32_t{bytes[0]} << 24) | (uint32_t{bytes[1]} << 16) | (uint32_t{bytes[2]} << 8) | bytes[3];
+}
+
+}  // namespace
+
+VUnicodeString PipeClientName(HANDLE pipe) {
+    ULONG id = 0;
+    if (!GetNamedPipeClientProcessId(pipe, &id)) return VUnicodeString(L"an unknown program");
+    std::wstring name = L"process " + std::to_wstring(id);
+    if (const KernelHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, id)); process) {
+        wchar_t path[MAX_PATH];
+        DWORD length = MAX_PATH;
+        if (QueryFullProcessImageNameW(process.Get(), 0, path, &length)) {
+            const std::wstring full(path, length);
+            name = full.substr(full.find_last_of(L"\\/") + 1) + L" (" + std::to_wstring(id) + L")";
+        }
+    }
+    return VUnicodeString(name.c_str());
+}
+
+AgentPipeServer::AgentPipeServer(AgentProtocol& protocol, AgentKeyStore& store, const wchar_t* pipeName)
+    : protocol_(protocol), store_(store), pipeName_(pipeName), stopEvent_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
+
+AgentPipeServer::~AgentPipeServer() { Stop(); }
+
+FileHandle AgentPipeServer::CreateInstance(bool first) {
+    VSecurityDescriptor descriptor;
+    if (!descriptor.AssignCurrentUserAccess()) return FileHandle();
+    SECURITY_ATTRIBUTES attributes = descriptor.GetSecurityAttributes();
+    return FileHandle(CreateNamedPipeW(
+        pipeName_.c_str(), PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED | (first ? FILE_FLAG_FIRST_PIPE_INSTANCE : 0),
+        PIPE_TYPE_BYTE | PIPE_READMODE_BYTE | PIPE_WAIT | PIPE_REJECT_REMOTE_CLIENTS, PIPE_UNLIMITED_INSTANCES,
+        BufferBytes, BufferBytes, 0, &attributes));
+}
+
+bool AgentPipeServer::Start(VReportMessageParams& report) {
+    report.Clear();
+    FileHandle pipe = CreateInstance(true);
+    if (!pipe) {
+        const DWORD error = GetLastError();
+        if (error == ERROR_ACCESS_DENIED || error == ERROR_PIPE_BUSY)
+            SetAgentReport(report, AGENT_PIPE_IN_USE, pipeName_);
+        else
+            SetAgentReport(report, AGENT_PIPE_FAILED, pipeName_, ErrorCodeText(error));
+        return false;
+    }
+    ResetEvent(stopEvent_.Get());
+    acceptThread_ = std::thread(&AgentPipeServer::AcceptLoop, this, std::move(pipe));
+    return true;
+}
+
+void AgentPipeServer::Stop() {
+    if (!acceptThread_.joinable()) return;
+    SetEvent(stopEvent_.Get());
+    acceptThread_.join();
+    std::unique_lock<std::mutex> hold(mutex_);
+    allGone_.wait(hold, [this] { return clients_.load() == 0; });
+}
+
+void AgentPipeServer::AcceptLoop(FileHandle pipe) {
+    const KernelHandle connected(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    while (pipe) {
+        OVERLAPPED overlapped{};
+        overlapped.hEvent = connected.Get();
+        ResetEvent(connected.Get());
+        bool isConnected = ConnectNamedPipe(pipe.Get(), &overlapped) || GetLastError() == ERROR_PIPE_CONNECTED;
+        if (!isConnected && GetLastError() != ERROR_IO_PENDING) {
+            pipe = CreateInstance(false);  // this instance is broken: try a fresh one
+            if (WaitForSingleObject(stopEvent_.Get(), 100) == WAIT_OBJECT_0) return;
+            continue;
+        }
+        const HANDLE events[] = {connected.Get(), stopEvent_.Get()};
+        while (!isConnected) {
+            const DWORD woken = WaitForMultipleObjects(2, events, FALSE, ExpiryCheckMs);
+            if (woken == WAIT_OBJECT_0) {
+                DWORD ignored;
+                isConnected = GetOverlappedResult(pipe.Get(), &overlapped, &ignored, FALSE) != FALSE;
+                if (!isConnected) break;
+            } else if (woken == WAIT_TIMEOUT) {
+                store_.RemoveExpired();
+            } else {
+                CancelIoEx(pipe.Get(), &overlapped);
+                DWORD ignored;
+                GetOverlappedResult(pipe.Get(), &overlapped, &ignored, TRUE);
+                return;
+            }
+        }
+        if (isConnected && clients_.load() < MaximumClients) {
+            ++clients_;
+            std::thread(&AgentPipeServer::Serve, this, std::move(pipe)).detach();
+        }
+        pipe = CreateInstance(false);
+    }
+}
+
+// Moves count bytes, giving up after timeout (INFINITE: only the server's
+// stop ends the wait), when the client goes, or when the server stops.
+bool AgentPipeServer::Transfer(HANDLE pipe, void* data, size_t count, bool write, DWORD timeout) {
+    const KernelHandle done(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    auto* bytes = static_cast<uint8_t*>(data);
+    while (count > 0) {
+        OVERLAPPED overlapped{};
+        overlapped.hEvent = done.Get();
+        const DWORD chunk = static_cast<DWORD>(std::min<size_t>(count, BufferBytes));
+        DWORD moved = 0;
+        const BOOL started = write ? WriteFile(pipe, bytes, chunk, nullptr, &overlapped)
+                                   : ReadFile(pipe, bytes, chunk, nullptr, &overlapped);
+        if (!started && GetLastError() != ERROR_IO_PENDING) return false;
+        const HANDLE events[] = {done.Get(), stopEvent_.Get()};
+        if (WaitForMultipleObjects(2, events, FALSE, timeout) != WAIT_OBJECT_0) CancelIoEx(pipe, &overlapped);
+        if (!GetOverlappedResult(pipe, &overlapped, &moved, TRUE) || moved == 0) return false;
+        bytes += moved;
+        count -= moved;
+    }
+    return true;
+}
+
+void AgentPipeServer::Serve(FileHandle pipe) {
+    const VUnicodeString client = PipeClientName(pipe.Get());
+    AgentBytes request, reply;
+    for (;;) {
+        uint8_t length[4];
+        // A client may stay connected, silent, as long as it likes (ssh keeps
+        // its agent connection for the whole session); inside a message it may not.
+        if (!Transfer(pipe.Get(), length, 1, false, INFINITE) ||
+            !Transfer(pipe.Get(), length + 1, 3, false, MessageTimeoutMs))
+            break;
+        const uint32_t count = BigEndian(length);
+        if (count == 0 || count > MaximumAgentMessage) break;
+        request.resize(count);
+        if (!Transfer(pipe.Get(), request.data(), count, false, MessageTimeoutMs)) break;
+        protocol_.Handle(request.data(), request.size(), client, reply);
+        AgentBytes frame;
+        SshWriter(frame).String(reply);
+        if (!Transfer(pipe.Get(), frame.data(), frame.size(), true, MessageTimeoutMs)) break;
+    }
+    DisconnectNamedPipe(pipe.Get());
+    pipe.Reset();
+    std::lock_guard<std::mutex> hold(mutex_);
+    if (--clients_ == 0) allGone_.notify_all();
+}
