@@ -3,7 +3,6 @@
 #include <cryptopp/base64.h>
 #include <cryptopp/eccrypto.h>
 #include <cryptopp/oids.h>
-#include <cryptopp/osrng.h>
 #include <cryptopp/rsa.h>
 #include <cryptopp/sha.h>
 #include <cryptopp/xed25519.h>
@@ -11,6 +10,8 @@
 #include <cstring>
 #include <iterator>
 #include <string_view>
+
+#include "AgentRandom.h"
 
 namespace {
 
@@ -33,11 +34,6 @@ constexpr char Ed25519Name[] = "ssh-ed25519";
 constexpr char RsaName[] = "ssh-rsa";
 constexpr size_t Ed25519Bytes = 32;
 
-CryptoPP::RandomNumberGenerator& Random() {
-    thread_local CryptoPP::AutoSeededRandomPool random;
-    return random;
-}
-
 bool Equals(const uint8_t* data, size_t count, std::string_view text) {
     return count == text.size() && std::memcmp(data, text.data(), count) == 0;
 }
@@ -56,7 +52,7 @@ void SignEcdsa(int curve, const Integer& d, const uint8_t* data, size_t count, A
     typename CryptoPP::ECDSA<CryptoPP::ECP, Hash>::Signer signer;
     signer.AccessKey().Initialize(Curves[curve].oid(), d);
     AgentBytes raw(signer.MaxSignatureLength());
-    raw.resize(signer.SignMessage(Random(), data, count, raw.data()));
+    raw.resize(signer.SignMessage(AgentRandom(), data, count, raw.data()));
     // Crypto++ gives r and s side by side at the field's width; the wire wants two mpints.
     const size_t half = raw.size() / 2;
     AgentBytes pair;
@@ -73,7 +69,7 @@ void SignRsa(const CryptoPP::InvertibleRSAFunction& key, const char* name, const
              size_t count, AgentBytes& out) {
     typename CryptoPP::RSASS<CryptoPP::PKCS1v15, Hash>::Signer signer(key);
     AgentBytes raw(signer.MaxSignatureLength());
-    raw.resize(signer.SignMessage(Random(), data, count, raw.data()));
+    raw.resize(signer.SignMessage(AgentRandom(), data, count, raw.data()));
     SshWriter writer(out);
     writer.String(name);
     writer.String(raw);
@@ -227,7 +223,7 @@ bool AgentKey::Sign(const uint8_t* data, size_t count, uint32_t flags, AgentByte
     case Kind::Ed25519: {
         CryptoPP::ed25519Signer signer(publicBytes_.data(), seed_.data());
         uint8_t raw[CryptoPP::ed25519Signer::SIGNATURE_LENGTH];
-        signer.SignMessage(Random(), data, count, raw);
+        signer.SignMessage(AgentRandom(), data, count, raw);
         SshWriter writer(signature);
         writer.String(Ed25519Name);
         writer.String(raw, sizeof raw);

@@ -1,12 +1,12 @@
 #include "AgentKeyStore.h"
 
 #include <cryptopp/crc.h>
-#include <cryptopp/osrng.h>
 
 #include <cstring>
 #include <string>
 
 #include "AgentMessages.h"
+#include "AgentRandom.h"
 #include "BcryptPbkdf.h"
 #include "StoreKeyProtection.h"
 
@@ -354,7 +354,7 @@ bool AgentKeyStore::Lock(const AgentBytes& passphrase) {
     Session session(*this);
     Header& header = session.GetHeader();
     if (session.IsLocked()) return false;
-    CryptoPP::AutoSeededRandomPool().GenerateBlock(header.lockSalt, sizeof header.lockSalt);
+    AgentRandom().GenerateBlock(header.lockSalt, sizeof header.lockSalt);
     header.lockRounds = LockRounds;
     LockHash(passphrase, header.lockSalt, header.lockRounds, header.lockHash);
     header.flags |= LockedFlag;

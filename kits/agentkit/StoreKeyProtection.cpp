@@ -7,11 +7,11 @@
 
 #include <cryptopp/aes.h>
 #include <cryptopp/gcm.h>
-#include <cryptopp/osrng.h>
 
 #include <cstring>
 #include <mutex>
 
+#include "AgentRandom.h"
 #include "Win32Handle.h"
 
 namespace {
@@ -20,11 +20,6 @@ constexpr size_t NonceBytes = 12;
 constexpr size_t TagBytes = 16;
 
 static_assert(StoreKeyBytes % CRYPTPROTECTMEMORY_BLOCK_SIZE == 0);
-
-void Randomize(uint8_t* bytes, size_t count) {
-    thread_local CryptoPP::AutoSeededRandomPool random;
-    random.GenerateBlock(bytes, count);
-}
 
 bool ProtectData(const AgentBytes& plain, AgentBytes& wrapped) {
     DATA_BLOB in{static_cast<DWORD>(plain.size()), const_cast<BYTE*>(plain.data())};
@@ -60,7 +55,7 @@ OpenedKeyCache& Cache() {
 
 bool CreateStoreKey(StoreKeyWrap& wrap, AgentBytes& wrapped) {
     AgentBytes key(StoreKeyBytes);
-    Randomize(key.data(), key.size());
+    AgentRandom().GenerateBlock(key.data(), key.size());
     wrapped = key;
     if (CryptProtectMemory(wrapped.data(), static_cast<DWORD>(wrapped.size()), CRYPTPROTECTMEMORY_SAME_LOGON) &&
         wrapped != key) {
@@ -105,7 +100,7 @@ bool OpenStoreKey(StoreKeyWrap wrap, const AgentBytes& wrapped, AgentBytes& key)
 
 AgentBytes SealWithStoreKey(const AgentBytes& key, const AgentBytes& plain, const AgentBytes& bound) {
     AgentBytes sealed(NonceBytes + plain.size() + TagBytes);
-    Randomize(sealed.data(), NonceBytes);
+    AgentRandom().GenerateBlock(sealed.data(), NonceBytes);
     CryptoPP::GCM<CryptoPP::AES>::Encryption cipher;
     cipher.SetKeyWithIV(key.data(), key.size(), sealed.data(), NonceBytes);
     cipher.EncryptAndAuthenticate(sealed.data() + NonceBytes, sealed.data() + NonceBytes + plain.size(), TagBytes,

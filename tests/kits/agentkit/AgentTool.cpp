@@ -2,6 +2,7 @@
 //   agent_tool serve PIPE STORE          serve the agent protocol on PIPE over the
 //                                        key store STORE (a shared block name) until stdin closes
 //   agent_tool relay PIPE PORT           join each TCP connection on 127.0.0.1:PORT to PIPE
+//                                        until stdin closes
 //   agent_tool fingerprint FILE [PASS]   load a key file: "<bits> <fingerprint> (<TYPE>)"
 //   agent_tool add PIPE FILE [PASS]      load a key file and add it through the pipe
 //   agent_tool list PIPE                 list the agent's keys: "<fingerprint> <comment>"
@@ -27,6 +28,13 @@ struct AllowAll : IAgentConfirm {
     bool ConfirmUse(const AgentKeyInfo&, const VUnicodeString&) override { return true; }
 };
 
+// The script ends a server or relay by closing its stdin.
+void WaitForStdinToClose() {
+    char line[16];
+    while (std::fgets(line, sizeof line, stdin)) {
+    }
+}
+
 int Fail(VReportMessageParams& report) {
     std::fwprintf(stderr, L"%ls\n", report.GetText());
     return 1;
@@ -45,9 +53,7 @@ int Serve(const wchar_t* pipe, const wchar_t* store) {
     if (!keys.CheckOpen(report) || !server.Start(report)) return Fail(report);
     std::printf("serving\n");
     std::fflush(stdout);
-    char line[16];
-    while (std::fgets(line, sizeof line, stdin)) {
-    }
+    WaitForStdinToClose();
     return 0;
 }
 
@@ -93,11 +99,12 @@ int Relay(const wchar_t* pipe, int port) {
     }
     std::printf("relaying\n");
     std::fflush(stdout);
-    for (;;) {
-        const SOCKET accepted = accept(listener, nullptr, nullptr);
-        if (accepted == INVALID_SOCKET) return 1;
-        std::thread(RelayOne, accepted, std::wstring(pipe)).detach();
-    }
+    std::thread([pipe, listener] {
+        for (SOCKET accepted; (accepted = accept(listener, nullptr, nullptr)) != INVALID_SOCKET;)
+            std::thread(RelayOne, accepted, std::wstring(pipe)).detach();
+    }).detach();
+    WaitForStdinToClose();
+    return 0;
 }
 
 std::string Narrow(const AgentText& text) { return std::string(text.begin(), text.end()); }
