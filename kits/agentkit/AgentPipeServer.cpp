@@ -49,6 +49,13 @@ FileHandle AgentPipeServer::CreateInstance(bool first) {
 
 bool AgentPipeServer::Start(VReportMessageParams& report) {
     report.Clear();
+    // Another server answers (or is busy): not all platforms refuse a first
+    // instance flag for a pipe that exists, so ask the pipe itself.
+    const FileHandle probe(CreateFileW(pipeName_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    if (probe || GetLastError() == ERROR_PIPE_BUSY) {
+        SetAgentReport(report, AGENT_PIPE_IN_USE, pipeName_);
+        return false;
+    }
     FileHandle pipe = CreateInstance(true);
     if (!pipe) {
         const DWORD error = GetLastError();

@@ -6,6 +6,7 @@
 //   agent_tool fingerprint FILE [PASS]   load a key file: "<bits> <fingerprint> (<TYPE>)"
 //   agent_tool add PIPE FILE [PASS]      load a key file and add it through the pipe
 //   agent_tool list PIPE                 list the agent's keys: "<fingerprint> <comment>"
+//   agent_tool storelist STORE           the same, read from the key store STORE directly
 // Exit code 0 on success; a failure prints the report's text.
 #include <winsock2.h>
 #include <windows.h>
@@ -127,14 +128,25 @@ int Add(const wchar_t* pipe, const wchar_t* file, const VUnicodeString& passphra
     return client.Add(key.key, key.comment, 0, false) ? 0 : 1;
 }
 
+void Print(const AgentBytes& publicBlob, const AgentText& comment) {
+    std::printf("%s %s\n", Narrow(KeyFingerprint(publicBlob)).c_str(), Narrow(comment).c_str());
+}
+
 int List(const wchar_t* pipe) {
     AgentPipeClient client;
     VReportMessageParams report;
     std::vector<AgentIdentity> identities;
     if (!client.Connect(pipe, 5000, report)) return Fail(report);
     if (!client.List(identities)) return 1;
-    for (const AgentIdentity& identity : identities)
-        std::printf("%s %s\n", Narrow(KeyFingerprint(identity.publicBlob)).c_str(), Narrow(identity.comment).c_str());
+    for (const AgentIdentity& identity : identities) Print(identity.publicBlob, identity.comment);
+    return 0;
+}
+
+int StoreList(const wchar_t* name) {
+    AgentKeyStore store(name);
+    VReportMessageParams report;
+    if (!store.CheckOpen(report)) return Fail(report);
+    for (const AgentKeyInfo& key : store.List()) Print(key.publicBlob, key.comment);
     return 0;
 }
 
@@ -147,6 +159,7 @@ int wmain(int argc, wchar_t** argv) {
     if (command == L"fingerprint" && argc >= 3) return Fingerprint(argv[2], Passphrase(argc, argv, 3));
     if (command == L"add" && argc >= 4) return Add(argv[2], argv[3], Passphrase(argc, argv, 4));
     if (command == L"list" && argc == 3) return List(argv[2]);
+    if (command == L"storelist" && argc == 3) return StoreList(argv[2]);
     std::fprintf(stderr, "usage: agent_tool serve|relay|fingerprint|add|list ...\n");
     return 2;
 }
