@@ -258,3 +258,24 @@ AgentText KeyFingerprint(const AgentBytes& publicBlob) {
     while (!encoded.empty() && encoded.back() == '=') encoded.pop_back();
     return AgentText("SHA256:") + AgentText(encoded.begin(), encoded.end());
 }
+
+void DescribePublicKey(const AgentBytes& publicBlob, const wchar_t*& label, unsigned& bits) {
+    label = L"";
+    bits = 0;
+    SshReader reader(publicBlob);
+    const uint8_t* name;
+    size_t count;
+    if (!reader.String(name, count)) return;
+    if (Equals(name, count, Ed25519Name)) {
+        label = L"ED25519";
+        bits = 256;
+    } else if (Integer e, n; Equals(name, count, RsaName) && reader.Mpint(e) && reader.Mpint(n)) {
+        label = L"RSA";
+        bits = n.BitCount();
+    }
+    for (const Curve& curve : Curves)
+        if (Equals(name, count, curve.typeName)) {
+            label = L"ECDSA";
+            bits = curve.bits;
+        }
+}

@@ -57,5 +57,9 @@ private:
     CryptoPP::Integer n_, e_, d_, p_, q_, iqmp_;  // RSA; ECDSA keeps its secret in d_
 };
 
+// The label ("ED25519", "ECDSA", "RSA") and bits of a public key blob, as
+// the agent lists keys; an empty label and 0 for a blob of another kind.
+void DescribePublicKey(const AgentBytes& publicBlob, const wchar_t*& label, unsigned& bits);
+
 // "SHA256:" and the unpadded Base64 of the blob's SHA-256, as ssh-keygen shows it.
 AgentText KeyFingerprint(const AgentBytes& publicBlob);
