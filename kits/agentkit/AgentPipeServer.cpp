@@ -116,19 +116,21 @@ void AgentPipeServer::AcceptLoop(FileHandle pipe) {
 
 // Moves count bytes, giving up after timeout (INFINITE: only the server's
 // stop ends the wait), when the client goes, or when the server stops.
-bool AgentPipeServer::Transfer(HANDLE pipe, void* data, size_t count, bool write, DWORD timeout) {
-    const KernelHandle done(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+bool AgentPipeServer::Transfer(HANDLE pipe, HANDLE done, void* data, size_t count, bool write, DWORD timeout) {
     auto* bytes = static_cast<uint8_t*>(data);
     while (count > 0) {
         OVERLAPPED overlapped{};
-        overlapped.hEvent = done.Get();
+        overlapped.hEvent = done;
         const DWORD chunk = static_cast<DWORD>(std::min<size_t>(count, BufferBytes));
         DWORD moved = 0;
         const BOOL started = write ? WriteFile(pipe, bytes, chunk, nullptr, &overlapped)
                                    : ReadFile(pipe, bytes, chunk, nullptr, &overlapped);
         if (!started && GetLastError() != ERROR_IO_PENDING) return false;
-        const HANDLE events[] = {done.Get(), stopEvent_.Get()};
-        if (WaitForMultipleObjects(2, events, FALSE, timeout) != WAIT_OBJECT_0) CancelIoEx(pipe, &overlapped);
+        // A transfer done at once needs no wait (most are, and each wait costs).
+        const HANDLE events[] = {done, stopEvent_.Get()};
+        if (!HasOverlappedIoCompleted(&overlapped) &&
+            WaitForMultipleObjects(2, events, FALSE, timeout) != WAIT_OBJECT_0)
+            CancelIoEx(pipe, &overlapped);
         if (!GetOverlappedResult(pipe, &overlapped, &moved, TRUE) || moved == 0) return false;
         bytes += moved;
         count -= moved;
@@ -138,22 +140,21 @@ bool AgentPipeServer::Transfer(HANDLE pipe, void* data, size_t count, bool write
 
 void AgentPipeServer::Serve(FileHandle pipe) {
     const VUnicodeString client = PipeClientName(pipe.Get());
+    const KernelHandle done(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     AgentBytes request, reply;
     for (;;) {
         uint8_t length[4];
         // A client may stay connected, silent, as long as it likes (ssh keeps
         // its agent connection for the whole session); inside a message it may not.
-        if (!Transfer(pipe.Get(), length, 1, false, INFINITE) ||
-            !Transfer(pipe.Get(), length + 1, 3, false, MessageTimeoutMs))
-            break;
+        if (!Transfer(pipe.Get(), done.Get(), length, sizeof length, false, INFINITE)) break;
         const uint32_t count = BigEndian(length);
         if (count == 0 || count > MaximumAgentMessage) break;
         request.resize(count);
-        if (!Transfer(pipe.Get(), request.data(), count, false, MessageTimeoutMs)) break;
+        if (!Transfer(pipe.Get(), done.Get(), request.data(), count, false, MessageTimeoutMs)) break;
         protocol_.Handle(request.data(), request.size(), client, reply);
         AgentBytes frame;
         SshWriter(frame).String(reply);
-        if (!Transfer(pipe.Get(), frame.data(), frame.size(), true, MessageTimeoutMs)) break;
+        if (!Transfer(pipe.Get(), done.Get(), frame.data(), frame.size(), true, MessageTimeoutMs)) break;
     }
     DisconnectNamedPipe(pipe.Get());
     pipe.Reset();

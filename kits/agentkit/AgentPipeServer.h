@@ -46,7 +46,7 @@ private:
     FileHandle CreateInstance(bool first);
     void AcceptLoop(FileHandle pipe);
     void Serve(FileHandle pipe);
-    bool Transfer(HANDLE pipe, void* data, size_t count, bool write, DWORD timeout);
+    bool Transfer(HANDLE pipe, HANDLE done, void* data, size_t count, bool write, DWORD timeout);
 
     AgentProtocol& protocol_;
     AgentKeyStore& store_;
