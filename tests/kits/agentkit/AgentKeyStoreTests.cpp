@@ -12,6 +12,7 @@
 #include "AgentKeyStore.h"
 #include "AgentMessages.h"
 #include "AgentTestSupport.h"
+#include "ProgramFolder.h"
 
 namespace {
 
@@ -28,7 +29,9 @@ bool BlockHolds(AgentKeyStore& store, const AgentBytes& secret) {
 
 // What a second process of the session reads from the store.
 std::string ListFromAnotherProcess(const std::wstring& store) {
-    const std::wstring command = L"agent_tool.exe storelist \"" + store + L"\"";
+    // cmd.exe wants the whole line quoted again when the program's path is.
+    const std::wstring command = L"\"\"" + std::wstring(GetPathBesideProgram(L"agent_tool.exe").c_str()) +
+                                 L"\" storelist \"" + store + L"\"\"";
     FILE* output = _wpopen(command.c_str(), L"r");
     std::string text;
     char line[512];
