@@ -3,6 +3,7 @@
 #
 #   scripts/bench.sh [sessions]                (the INI-file store; default 5000 session keys)
 #   scripts/bench.sh global-config [rounds]    (the global options; default 30 rounds)
+#   scripts/bench.sh tray-menu [windows]       (the tray menu; default 20 client windows)
 #
 # Configures and builds the benchmark in ./build (or $TRAYWELL_BUILD_DIR),
 # runs it in that build tree's Wine prefix and prints its figures.
@@ -15,6 +16,9 @@
 # The global options': loading and saving the whole object from an INI file
 # and from the registry, each against reading (writing) the same bytes or the
 # same registry values with no parsing. Takes a few seconds.
+#
+# The tray menu's: building it with client windows of 3 sessions each (helper
+# processes) against the session queries' round trips alone. A few seconds.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -23,10 +27,10 @@ cd "$root"
 source "$root/scripts/build-common.sh"
 
 target=bench_ini_store
-if [ "${1:-}" = global-config ]; then
-    target=global_config_bench
-    shift
-fi
+case ${1:-} in
+    global-config) target=global_config_bench; shift ;;
+    tray-menu) target=bench_tray_menu; shift ;;
+esac
 
 lock_build_tree
 configure_build
