@@ -22,19 +22,14 @@ VDialogTemplate AddKeyDialog::MakeTemplate() {
     return dialog;
 }
 
-void AddKeyDialog::SetOptions(uint32_t lifetimeMinutes, bool confirm) {
-    lifetimeMinutes_ = lifetimeMinutes;
-    confirm_ = confirm;
-}
-
 bool AddKeyDialog::OnInitDialog() {
     SetItemText(FileTextId, file_.c_str());
     SetItemText(PromptId, needsPassphrase_ ? (prompt_.IsEmpty() ? L"The key file is protected with a pass phrase."
                                                                  : prompt_.c_str())
                                            : L"The key file is not protected with a pass phrase.");
     EnableWindow(GetItem(PassphraseId), needsPassphrase_);
-    SetItemText(LifetimeId, std::to_wstring(lifetimeMinutes_).c_str());
-    CheckDlgButton(GetHwnd(), ConfirmId, confirm_ ? BST_CHECKED : BST_UNCHECKED);
+    SetItemText(LifetimeId, std::to_wstring(options_.lifetimeMinutes).c_str());
+    CheckDlgButton(GetHwnd(), ConfirmId, options_.confirm ? BST_CHECKED : BST_UNCHECKED);
     SetFocus(GetItem(needsPassphrase_ ? PassphraseId : IDOK));
     return false;
 }
@@ -48,8 +43,39 @@ void AddKeyDialog::OnOK() {
     passphrase_.ReleaseBuffer(static_cast<size_t>(length));
     SetWindowTextW(field, L"");
     BOOL read = FALSE;
-    lifetimeMinutes_ = GetDlgItemInt(GetHwnd(), LifetimeId, &read, FALSE);
-    if (!read) lifetimeMinutes_ = 0;
-    confirm_ = IsDlgButtonChecked(GetHwnd(), ConfirmId) == BST_CHECKED;
+    options_.lifetimeMinutes = GetDlgItemInt(GetHwnd(), LifetimeId, &read, FALSE);
+    if (!read) options_.lifetimeMinutes = 0;
+    options_.confirm = IsDlgButtonChecked(GetHwnd(), ConfirmId) == BST_CHECKED;
     EndDialog(IDOK);
+}
+
+bool LoadKeyAsking(const VUnicodeString& path, bool askOptions, HWND parent, AgentKeyOptions& options,
+                   LoadedKey& key, VReportMessageParams& report, VDialog** openDialog) {
+    AgentBytes content;
+    if (!ReadKeyFileBytes(path.c_str(), content, report)) return false;
+    const bool sealed = KeyFileNeedsPassphrase(content);
+    VUnicodeString prompt;
+    for (int tries = 1;; ++tries) {
+        VUnicodeString passphrase(Str::Sensitive);
+        if (sealed || askOptions) {
+            AddKeyDialog dialog(path, sealed, prompt, parent);
+            dialog.SetOptions(options);
+            if (openDialog) *openDialog = &dialog;
+            const INT_PTR answer = dialog.DoModal();
+            if (openDialog) *openDialog = nullptr;
+            if (answer != IDOK) {
+                report.Clear();
+                return false;
+            }
+            options = dialog.GetOptions();
+            passphrase = dialog.GetPassphrase();
+        }
+        KeyFileError error;
+        if (LoadKeyFile(path.c_str(), passphrase, key, report, &error)) return true;
+        // A wrong or missing pass phrase may be typed again; anything else ends here.
+        if ((error != KeyFileError::WrongPassphrase && error != KeyFileError::NeedsPassphrase) ||
+            tries == MaximumPassphraseTries)
+            return false;
+        prompt = report.GetTextAsString();
+    }
 }

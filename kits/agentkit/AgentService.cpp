@@ -1,11 +1,17 @@
 #include "AgentService.h"
 
-#include "AddKeyDialog.h"
 #include "AgentMessages.h"
 #include "AgentPipeClient.h"
 #include "KeyFile.h"
 #include "Utf8Text.h"
 #include "VMessageBox.h"
+
+namespace {
+
+// A login script may start Traywell and add keys right after it.
+constexpr DWORD AgentStartWaitMs = 10000;
+
+}  // namespace
 
 bool MessageBoxConfirm::ConfirmUse(const AgentKeyInfo& key, const VUnicodeString& client) {
     VUnicodeString comment;
@@ -25,38 +31,13 @@ AgentService::AgentService(const wchar_t* pipeName, const wchar_t* storeName)
 
 bool AgentService::Start(VReportMessageParams& report) { return store_.CheckOpen(report) && server_.Start(report); }
 
-bool AddKeyThroughAgent(const wchar_t* path, const wchar_t* pipeName, VReportMessageParams& report) {
-    AgentBytes content;
-    if (!ReadKeyFileBytes(path, content, report)) return false;
-    const bool sealed = KeyFileNeedsPassphrase(content);
-    VUnicodeString prompt;
-    for (;;) {
-        VUnicodeString passphrase(Str::Sensitive);
-        uint32_t lifetime = 0;
-        bool confirm = false;
-        if (sealed) {
-            AddKeyDialog options(VUnicodeString(path), true, prompt, nullptr);
-            if (options.DoModal() != IDOK) {
-                report.Clear();
-                return false;
-            }
-            passphrase = options.GetPassphrase();
-            lifetime = options.GetLifetimeSeconds();
-            confirm = options.GetConfirm();
-        }
-        LoadedKey key;
-        KeyFileError error;
-        if (!LoadKeyFile(path, passphrase, key, report, &error)) {
-            if (sealed && error == KeyFileError::WrongPassphrase) {
-                prompt = report.GetTextAsString();
-                continue;
-            }
-            return false;
-        }
-        AgentPipeClient client;
-        if (!client.Connect(pipeName, 5000, report)) return false;
-        if (client.Add(key.key, key.comment, lifetime, confirm)) return true;
-        SetAgentReport(report, AGENT_REFUSED, path);
-        return false;
-    }
+bool AddKeyThroughAgent(const VUnicodeString& path, AgentKeyOptions options, const wchar_t* pipeName,
+                        VReportMessageParams& report, VDialog** openDialog) {
+    LoadedKey key;
+    if (!LoadKeyAsking(path, false, nullptr, options, key, report, openDialog)) return false;
+    AgentPipeClient client;
+    if (!client.Connect(pipeName, AgentStartWaitMs, report)) return false;
+    if (client.Add(key.key, key.comment, options.LifetimeSeconds(), options.confirm)) return true;
+    SetAgentReport(report, AGENT_REFUSED, path);
+    return false;
 }

@@ -1,13 +1,16 @@
 // AgentService: the SSH agent as the tray program runs it: the session's key
-// store, the protocol, confirmation by message box, and the pipe server.
-// Also the /AddKey command line, which hands a key file to the running
-// agent. UI thread for Start, Stop and AddKeyThroughAgent.
+// store, the protocol, confirmation by message box, and the pipe server. The
+// object holds the store's shared block from construction to destruction,
+// so the keys outlive every other holder of the block. Also
+// AddKeyThroughAgent, which hands a key file to the running agent. UI thread
+// for Start, Stop and AddKeyThroughAgent.
 #pragma once
 
 #include <windows.h>
 
 #include <memory>
 
+#include "AddKeyDialog.h"
 #include "AgentKeyStore.h"
 #include "AgentPipeServer.h"
 #include "AgentProtocol.h"
@@ -37,7 +40,11 @@ private:
 };
 
 // Loads the key file at path (asking for its pass phrase in the Add Key
-// window when it is sealed, with the lifetime and confirmation options) and
-// adds it to the agent serving pipeName. False with report when the file
-// cannot be read, the user cancels (report empty), or no agent takes the key.
-bool AddKeyThroughAgent(const wchar_t* path, const wchar_t* pipeName, VReportMessageParams& report);
+// window when it is sealed, which also offers options) and adds it, with
+// options, to the agent serving pipeName; an agent still starting is waited
+// for up to 10 seconds. While the window is up, *openDialog (when not null)
+// points to it. False with report when the file cannot be loaded, no agent
+// answers, or the agent refuses the key; false with report cleared (code 0)
+// when the user cancels.
+bool AddKeyThroughAgent(const VUnicodeString& path, AgentKeyOptions options, const wchar_t* pipeName,
+                        VReportMessageParams& report, VDialog** openDialog = nullptr);

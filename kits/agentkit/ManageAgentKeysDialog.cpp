@@ -227,32 +227,12 @@ void ManageAgentKeysDialog::AddKey() {
     if (!GetOpenFileNameW(&open)) return;
 
     VReportMessageParams report;
-    AgentBytes content;
-    if (!ReadKeyFileBytes(path, content, report)) {
-        VMessageBox(report, MB_OK | MB_ICONEXCLAMATION, GetHwnd());
-        return;
-    }
-    const bool sealed = KeyFileNeedsPassphrase(content);
-    VUnicodeString prompt;
-    for (;;) {
-        AddKeyDialog options(VUnicodeString(path), sealed, prompt, GetHwnd());
-        options.SetOptions(lifetimeMinutes_, confirm_);
-        if (options.DoModal() != IDOK) return;
-        lifetimeMinutes_ = options.GetLifetimeSeconds() / 60;
-        confirm_ = options.GetConfirm();
-        LoadedKey key;
-        KeyFileError error;
-        if (LoadKeyFile(path, options.GetPassphrase(), key, report, &error)) {
-            if (!store_.Add(key.key, key.comment, options.GetLifetimeSeconds(), options.GetConfirm(), report))
-                VMessageBox(report, MB_OK | MB_ICONEXCLAMATION, GetHwnd());
-            break;
-        }
-        // A wrong or missing pass phrase may be typed again; anything else ends here.
-        if (error != KeyFileError::WrongPassphrase && error != KeyFileError::NeedsPassphrase) {
+    LoadedKey key;
+    if (LoadKeyAsking(VUnicodeString(path), true, GetHwnd(), keyOptions_, key, report)) {
+        if (!store_.Add(key.key, key.comment, keyOptions_.LifetimeSeconds(), keyOptions_.confirm, report))
             VMessageBox(report, MB_OK | MB_ICONEXCLAMATION, GetHwnd());
-            break;
-        }
-        prompt = report.GetTextAsString();
+    } else if (report.GetMessageCode() != 0) {
+        VMessageBox(report, MB_OK | MB_ICONEXCLAMATION, GetHwnd());
     }
     Refresh();
 }

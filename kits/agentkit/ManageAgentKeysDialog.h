@@ -8,6 +8,7 @@
 
 #include <vector>
 
+#include "AddKeyDialog.h"
 #include "AgentKeyStore.h"
 #include "VDialog.h"
 #include "VDialogTemplate.h"
@@ -51,6 +52,5 @@ private:
     HWND list_ = nullptr;
     int sortColumn_ = -1;
     bool sortAscending_ = true;
-    uint32_t lifetimeMinutes_ = 0;  // the options last chosen in Add Key
-    bool confirm_ = false;
+    AgentKeyOptions keyOptions_;  // the last chosen, offered for the next key
 };
