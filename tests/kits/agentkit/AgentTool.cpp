@@ -1,10 +1,7 @@
-// A test helper that plays both sides of the agent for the Linux-side tests:
-//   agent_tool serve PIPE STORE          serve the agent protocol on PIPE over the
-//                                        key store STORE (a shared block name) until stdin closes
+// A test helper that plays the agent's clients for the Linux-side tests:
 //   agent_tool relay PIPE PORT           join each TCP connection on 127.0.0.1:PORT to PIPE
 //                                        until stdin closes
 //   agent_tool fingerprint FILE [PASS]   load a key file: "<bits> <fingerprint> (<TYPE>)"
-//   agent_tool add PIPE FILE [PASS]      load a key file and add it through the pipe
 //   agent_tool list PIPE                 list the agent's keys: "<fingerprint> <comment>"
 //   agent_tool storelist STORE           the same, read from the key store STORE directly
 // Exit code 0 on success; a failure prints the report's text.
@@ -17,19 +14,12 @@
 
 #include "AgentKeyStore.h"
 #include "AgentPipeClient.h"
-#include "AgentPipeServer.h"
-#include "AgentProtocol.h"
 #include "KeyFile.h"
 #include "Utf8Text.h"
 
 namespace {
 
-// The tests ask for no confirmations: every use is allowed.
-struct AllowAll : IAgentConfirm {
-    bool ConfirmUse(const AgentKeyInfo&, const VUnicodeString&) override { return true; }
-};
-
-// The script ends a server or relay by closing its stdin.
+// The script ends a relay by closing its stdin.
 void WaitForStdinToClose() {
     char line[16];
     while (std::fgets(line, sizeof line, stdin)) {
@@ -43,19 +33,6 @@ int Fail(VReportMessageParams& report) {
 
 VUnicodeString Passphrase(int argc, wchar_t** argv, int index) {
     return VUnicodeString(index < argc ? argv[index] : L"", Str::Sensitive);
-}
-
-int Serve(const wchar_t* pipe, const wchar_t* store) {
-    AgentKeyStore keys(store);
-    AllowAll allow;
-    AgentProtocol protocol(keys, allow);
-    AgentPipeServer server(protocol, keys, pipe);
-    VReportMessageParams report;
-    if (!keys.CheckOpen(report) || !server.Start(report)) return Fail(report);
-    std::printf("serving\n");
-    std::fflush(stdout);
-    WaitForStdinToClose();
-    return 0;
 }
 
 void Pump(SOCKET socket, HANDLE pipe) {
@@ -120,14 +97,6 @@ int Fingerprint(const wchar_t* file, const VUnicodeString& passphrase) {
     return 0;
 }
 
-int Add(const wchar_t* pipe, const wchar_t* file, const VUnicodeString& passphrase) {
-    LoadedKey key;
-    AgentPipeClient client;
-    VReportMessageParams report;
-    if (!LoadKeyFile(file, passphrase, key, report) || !client.Connect(pipe, 5000, report)) return Fail(report);
-    return client.Add(key.key, key.comment, 0, false) ? 0 : 1;
-}
-
 void Print(const AgentBytes& publicBlob, const AgentText& comment) {
     std::printf("%s %s\n", Narrow(KeyFingerprint(publicBlob)).c_str(), Narrow(comment).c_str());
 }
@@ -154,12 +123,10 @@ int StoreList(const wchar_t* name) {
 
 int wmain(int argc, wchar_t** argv) {
     const std::wstring command = argc > 1 ? argv[1] : L"";
-    if (command == L"serve" && argc == 4) return Serve(argv[2], argv[3]);
     if (command == L"relay" && argc == 4) return Relay(argv[2], _wtoi(argv[3]));
     if (command == L"fingerprint" && argc >= 3) return Fingerprint(argv[2], Passphrase(argc, argv, 3));
-    if (command == L"add" && argc >= 4) return Add(argv[2], argv[3], Passphrase(argc, argv, 4));
     if (command == L"list" && argc == 3) return List(argv[2]);
     if (command == L"storelist" && argc == 3) return StoreList(argv[2]);
-    std::fprintf(stderr, "usage: agent_tool serve|relay|fingerprint|add|list ...\n");
+    std::fprintf(stderr, "usage: agent_tool relay|fingerprint|list|storelist ...\n");
     return 2;
 }

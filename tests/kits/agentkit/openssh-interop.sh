@@ -1,25 +1,25 @@
 #!/usr/bin/env bash
-# Our agent against OpenSSH's own tools on this machine, an implementation
-# independent of ours and of Crypto++:
+# traywell.exe's agent against OpenSSH's own tools on this machine, an
+# implementation independent of ours and of Crypto++:
 #   - every kind of key file that ssh-keygen writes (Ed25519, ECDSA P-256/384/521,
 #     RSA; OpenSSH format plain and sealed, PEM plain and sealed) loads with
 #     the fingerprint ssh-keygen prints; a wrong pass phrase is refused;
 #   - through a relay (pipe <-> loopback TCP <-> socat <-> Unix socket),
-#     ssh-add -l and -L list the keys added with our client, ssh-add adds one
+#     ssh-add -l and -L list the keys that traywell.exe /AddKey added, ssh-add adds one
 #     and ssh-add -d removes it;
 #   - signatures made by the agent verify with ssh-keygen -Y check-novalidate,
 #     and ssh logs in to an sshd of the test's own on a loopback port with a
 #     key held only in the agent, for every key type (RSA with SHA-256 and
 #     SHA-512).
 #
-#   openssh-interop.sh RUNNER PREFIX TOOL [AGENT...]
-# RUNNER and PREFIX are the Wine runner and its prefix; TOOL is agent_tool.exe.
-# AGENT, when given, is the command that serves the agent (default: TOOL serve).
+#   openssh-interop.sh RUNNER PREFIX TOOL TRAYWELL
+# RUNNER and PREFIX are the Wine runner and its prefix; TOOL is agent_tool.exe
+# and TRAYWELL traywell.exe, which serves the agent on its usual pipe while
+# the script runs (no other copy may run in the prefix meanwhile).
 set -euo pipefail
 
-[ $# -ge 3 ] || { echo "usage: $0 RUNNER PREFIX TOOL [AGENT...]" >&2; exit 2; }
-runner=$1 prefix=$2 tool=$3
-shift 3
+[ $# -eq 4 ] || { echo "usage: $0 RUNNER PREFIX TOOL TRAYWELL" >&2; exit 2; }
+runner=$1 prefix=$2 tool=$3 traywell=$4
 for command in ssh ssh-add ssh-keygen socat /usr/sbin/sshd; do
     command -v "$command" >/dev/null || { echo "$command is missing (scripts/setup.sh installs it)" >&2; exit 1; }
 done
@@ -27,7 +27,7 @@ done
 work=$(mktemp -d)
 pids=()
 cleanup() {
-    exec 3>&- 4>&- 2>/dev/null || true
+    exec 4>&- 2>/dev/null || true
     for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
     wait 2>/dev/null || true
     rm -rf "$work"
@@ -46,8 +46,7 @@ wait_for() { # wait_for FILE TEXT
     echo "no '$2' in $1:" >&2; cat "$1" >&2; exit 1
 }
 
-pipe="\\\\.\\pipe\\traywell-interop-$$"
-store="{traywell-interop-$$}"
+pipe='\\.\pipe\openssh-ssh-agent'
 
 # --- key files of every kind, as ssh-keygen writes them ---
 passphrase='sealed pass phrase'
@@ -79,16 +78,14 @@ done
 wrong=$(wine_tool fingerprint "Z:$work/ed25519-sealed" 'not it' 2>&1 || true)
 [[ $wrong == *"pass phrase does not open"* ]] || fail "a wrong pass phrase: '$wrong'"
 
-# --- the agent, the relay and the Unix socket ---
-mkfifo "$work/agent.in" "$work/relay.in"
-if [ $# -gt 0 ]; then
-    "$@" <"$work/agent.in" >"$work/agent.out" 2>&1 &
-else
-    "$runner" --prefix "$prefix" "$tool" serve "$pipe" "$store" <"$work/agent.in" >"$work/agent.out" 2>&1 &
-fi
+# --- Traywell with its agent, the relay and the Unix socket ---
+mkdir "$work/config"
+"$runner" --prefix "$prefix" "$traywell" /F "Z:$work/config" >"$work/agent.out" 2>&1 &
 pids+=($!)
-exec 3>"$work/agent.in"
-wait_for "$work/agent.out" serving
+for _ in $(seq 150); do wine_tool list "$pipe" >/dev/null 2>&1 && break; sleep 0.2; done
+wine_tool list "$pipe" >/dev/null || { echo "traywell.exe does not serve $pipe" >&2; exit 1; }
+kill -0 "${pids[-1]}" 2>/dev/null || { echo "traywell.exe ended: another copy runs in $prefix" >&2; exit 1; }
+mkfifo "$work/relay.in"
 port=$(free_port)
 "$runner" --prefix "$prefix" "$tool" relay "$pipe" "$port" <"$work/relay.in" >"$work/relay.out" 2>&1 &
 pids+=($!)
@@ -102,8 +99,9 @@ export SSH_AUTH_SOCK=$work/agent.sock
 public_of() { awk '{print $1, $2}' "$work/$1.pub"; }
 fingerprints_of() { for key in "$@"; do ssh-keygen -lf "$work/$key.pub" | awk '{print $2}'; done | sort; }
 
-# --- keys added with our client, seen by ssh-add ---
-for key in "${keys[@]}"; do wine_tool add "$pipe" "Z:$work/$key" >/dev/null || fail "our client adds $key"; done
+# --- keys added by a second start of Traywell, seen by ssh-add ---
+add_key() { "$runner" --prefix "$prefix" "$traywell" /AddKey "Z:$work/$1" || fail "traywell.exe /AddKey $1"; }
+for key in "${keys[@]}"; do add_key "$key"; done
 check "ssh-add -l" "$(fingerprints_of "${keys[@]}")" "$(ssh-add -l | awk '{print $2}' | sort)"
 check "ssh-add -L" "$(for key in "${keys[@]}"; do public_of "$key"; done | sort)" \
       "$(ssh-add -L | awk '{print $1, $2}' | sort)"
@@ -158,7 +156,7 @@ login() { # login KEY [ALGORITHMS]
 }
 for key in "${keys[@]}"; do
     ssh-add -D >/dev/null 2>&1
-    wine_tool add "$pipe" "Z:$work/$key" >/dev/null || fail "our client adds $key"
+    add_key "$key"
     if [ "$key" = rsa ]; then
         check "ssh with rsa-sha2-256" "logged in with rsa" "$(login rsa rsa-sha2-256)"
         check "ssh with rsa-sha2-512" "logged in with rsa" "$(login rsa rsa-sha2-512)"
