@@ -2,6 +2,8 @@
 
 #include <cryptopp/crc.h>
 
+#include <atomic>
+#include <cstddef>
 #include <cstring>
 #include <string>
 
@@ -78,6 +80,7 @@ public:
 
     Header& GetHeader() { return header_; }
     size_t GetExpiredCount() const { return expired_; }
+    bool IsChanged() const { return changed_; }
     bool IsLocked() const { return header_.flags & LockedFlag; }
     void MarkChanged() { changed_ = true; }
     size_t GetRoom() const { return store_.size_ - HeaderBytes - header_.used; }
@@ -169,11 +172,15 @@ private:
         return count == header_.count;
     }
 
+    // The change counter goes on from what the block held, so that a key
+    // opened before the damage is not taken for one of the new store.
     void Reset() {
+        const uint32_t generation = header_.generation;
         std::memset(data_, 0, store_.size_);
         header_ = Header{};
         header_.magic = Magic;
         header_.version = Version;
+        header_.generation = generation;
         changed_ = true;
     }
 
@@ -323,7 +330,10 @@ std::vector<AgentKeyInfo> AgentKeyStore::List() {
 
 bool AgentKeyStore::GetKey(const AgentBytes& publicBlob, AgentKey& key, AgentKeyInfo& info) {
     if (!IsOpen()) return false;
+    if (FindOpened(PeekGeneration(), publicBlob, key, info)) return true;
     AgentBytes storeKey, plain;
+    uint32_t generation;
+    bool unchanged;
     {
         Session session(*this);
         if (session.IsLocked()) return false;
@@ -335,9 +345,49 @@ bool AgentKeyStore::GetKey(const AgentBytes& publicBlob, AgentKey& key, AgentKey
             !OpenWithStoreKey(storeKey, found->sealed, found->header.sealedBytes, publicBlob, plain))
             return false;
         info = InfoOf(*found);
+        generation = session.GetHeader().generation;
+        unchanged = !session.IsChanged();
     }
     SshReader reader(plain);
-    return key.Read(reader) == AgentKeyError::None && key.GetPublicBlob() == publicBlob;
+    if (key.Read(reader) != AgentKeyError::None || key.GetPublicBlob() != publicBlob) return false;
+    if (unchanged) KeepOpened(generation, key, info);
+    return true;
+}
+
+uint32_t AgentKeyStore::PeekGeneration() const noexcept {
+    auto* generation = reinterpret_cast<uint32_t*>(static_cast<uint8_t*>(cache_->GetData()) +
+                                                   offsetof(Header, generation));
+    return std::atomic_ref<uint32_t>(*generation).load(std::memory_order_acquire);
+}
+
+bool AgentKeyStore::FindOpened(uint32_t generation, const AgentBytes& publicBlob, AgentKey& key,
+                               AgentKeyInfo& info) {
+    const std::lock_guard<std::mutex> hold(openedMutex_);
+    if (generation != openedGeneration_) return false;
+    for (const OpenedKey& opened : opened_)
+        if (opened.info.publicBlob == publicBlob) {
+            // An ended lifetime goes the long way, which drops the key.
+            if (opened.info.expires && opened.info.expires <= clock_()) return false;
+            key = opened.key;
+            info = opened.info;
+            return true;
+        }
+    return false;
+}
+
+void AgentKeyStore::KeepOpened(uint32_t generation, const AgentKey& key, const AgentKeyInfo& info) {
+    const std::lock_guard<std::mutex> hold(openedMutex_);
+    if (generation != openedGeneration_) {
+        opened_.clear();
+        openedGeneration_ = generation;
+    }
+    opened_.push_back({key, info});
+}
+
+void AgentKeyStore::ForgetStaleOpened() {
+    const uint32_t generation = PeekGeneration();
+    const std::lock_guard<std::mutex> hold(openedMutex_);
+    if (generation != openedGeneration_) opened_.clear();
 }
 
 namespace {
@@ -387,8 +437,14 @@ bool AgentKeyStore::IsLocked() {
 
 size_t AgentKeyStore::RemoveExpired() {
     if (!IsOpen()) return 0;
-    Session session(*this);
-    return session.GetExpiredCount();
+    size_t expired;
+    {
+        Session session(*this);
+        expired = session.GetExpiredCount();
+    }
+    // A key removed or locked away elsewhere leaves no plain copy here for long.
+    ForgetStaleOpened();
+    return expired;
 }
 
 uint32_t AgentKeyStore::GetGeneration() {

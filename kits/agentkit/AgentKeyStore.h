@@ -19,6 +19,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <mutex>
 #include <vector>
 
 #include "AgentBytes.h"
@@ -66,7 +67,9 @@ public:
     std::vector<AgentKeyInfo> List();
     // The private key for publicBlob, opened for one use (the caller wipes
     // it by letting it go). False when it is not held, the store is locked,
-    // or its sealed form does not open.
+    // or its sealed form does not open. A key opened before is served again
+    // from this object's memory, without the block's lock, for as long as
+    // the block's keys and lock state stay as they were.
     bool GetKey(const AgentBytes& publicBlob, AgentKey& key, AgentKeyInfo& info);
 
     // Locks with a pass phrase (UTF-8): until Unlock with the same one, keys
@@ -76,8 +79,9 @@ public:
     bool Unlock(const AgentBytes& passphrase);
     bool IsLocked();
 
-    // Drops keys whose lifetime has ended; every operation does so first.
-    // Returns how many went.
+    // Drops keys whose lifetime has ended (every operation does so first),
+    // and forgets keys opened before that the block no longer holds as they
+    // were. Returns how many keys went.
     size_t RemoveExpired();
     // Changes whenever the keys or the lock state change (any process).
     uint32_t GetGeneration();
@@ -90,11 +94,28 @@ public:
 
 private:
     class Session;
+    struct OpenedKey {
+        AgentKey key;
+        AgentKeyInfo info;
+    };
+
+    // The block's change counter, read without the lock: a value seen is
+    // one that the block had (it changes last, under the lock).
+    uint32_t PeekGeneration() const noexcept;
+    bool FindOpened(uint32_t generation, const AgentBytes& publicBlob, AgentKey& key,
+                    AgentKeyInfo& info);
+    void KeepOpened(uint32_t generation, const AgentKey& key, const AgentKeyInfo& info);
+    void ForgetStaleOpened();
 
     VSharedMemoryCache* cache_ = nullptr;
     size_t size_;
     DWORD openError_ = 0;
     std::function<uint64_t()> clock_;
+    // Keys opened for signatures, valid while the block's generation is
+    // openedGeneration_.
+    std::mutex openedMutex_;
+    uint32_t openedGeneration_ = 0;
+    std::vector<OpenedKey> opened_;
 };
 
 // The current time in Unix seconds.

@@ -1,8 +1,16 @@
 #include "AgentPipeClient.h"
 
+#include <algorithm>
+
 #include "AgentMessageTypes.h"
 #include "AgentMessages.h"
 #include "SshWire.h"
+
+namespace {
+
+constexpr size_t FirstReadBytes = 8192;
+
+}  // namespace
 
 bool AgentPipeClient::Connect(const wchar_t* pipeName, DWORD timeoutMs, VReportMessageParams& report) {
     report.Clear();
@@ -23,28 +31,35 @@ bool AgentPipeClient::Connect(const wchar_t* pipeName, DWORD timeoutMs, VReportM
 }
 
 bool AgentPipeClient::Exchange(const AgentBytes& request, AgentBytes& reply) {
-    AgentBytes frame;
-    SshWriter(frame).String(request);
+    AgentBytes sent;
+    SshWriter(sent).String(request);
     DWORD moved = 0;
-    if (!WriteFile(pipe_.Get(), frame.data(), static_cast<DWORD>(frame.size()), &moved, nullptr) ||
-        moved != frame.size())
+    if (!WriteFile(pipe_.Get(), sent.data(), static_cast<DWORD>(sent.size()), &moved, nullptr) ||
+        moved != sent.size())
         return false;
-    auto readExactly = [this](uint8_t* into, size_t count) {
-        while (count > 0) {
+    // One read takes most answers whole; their length tells what is left.
+    AgentBytes frame(FirstReadBytes);
+    size_t have = 0;
+    auto readUpTo = [&](size_t wanted) {
+        while (have < wanted) {
             DWORD got = 0;
-            if (!ReadFile(pipe_.Get(), into, static_cast<DWORD>(count), &got, nullptr) || got == 0) return false;
-            into += got;
-            count -= got;
+            const size_t room = have < 4 ? frame.size() - have : wanted - have;
+            if (!ReadFile(pipe_.Get(), frame.data() + have, static_cast<DWORD>(room), &got, nullptr) ||
+                got == 0)
+                return false;
+            have += got;
         }
         return true;
     };
-    uint8_t length[4];
-    if (!readExactly(length, 4)) return false;
     uint32_t count;
-    SshReader(length, 4).Uint32(count);
-    if (count == 0 || count > MaximumAgentMessage) return false;
-    reply.resize(count);
-    return readExactly(reply.data(), count);
+    if (!readUpTo(4) || !SshReader(frame.data(), 4).Uint32(count) || count == 0 ||
+        count > MaximumAgentMessage)
+        return false;
+    frame.resize(std::max(frame.size(), size_t{4} + count));
+    // More than the answer holds is a broken agent: its next answer would not line up.
+    if (!readUpTo(size_t{4} + count) || have != size_t{4} + count) return false;
+    reply.assign(frame.begin() + 4, frame.begin() + 4 + count);
+    return true;
 }
 
 bool AgentPipeClient::Command(const AgentBytes& request) {

@@ -1,5 +1,7 @@
 #include "AgentPipeServer.h"
 
+#include <algorithm>
+#include <cstring>
 #include <string>
 
 #include "AgentMessageTypes.h"
@@ -114,47 +116,67 @@ void AgentPipeServer::AcceptLoop(FileHandle pipe) {
     }
 }
 
-// Moves count bytes, giving up after timeout (INFINITE: only the server's
-// stop ends the wait), when the client goes, or when the server stops.
-bool AgentPipeServer::Transfer(HANDLE pipe, HANDLE done, void* data, size_t count, bool write, DWORD timeout) {
-    auto* bytes = static_cast<uint8_t*>(data);
-    while (count > 0) {
-        OVERLAPPED overlapped{};
-        overlapped.hEvent = done;
-        const DWORD chunk = static_cast<DWORD>(std::min<size_t>(count, BufferBytes));
-        DWORD moved = 0;
-        const BOOL started = write ? WriteFile(pipe, bytes, chunk, nullptr, &overlapped)
-                                   : ReadFile(pipe, bytes, chunk, nullptr, &overlapped);
-        if (!started && GetLastError() != ERROR_IO_PENDING) return false;
-        // A transfer done at once needs no wait (most are, and each wait costs).
-        const HANDLE events[] = {done, stopEvent_.Get()};
-        if (!HasOverlappedIoCompleted(&overlapped) &&
-            WaitForMultipleObjects(2, events, FALSE, timeout) != WAIT_OBJECT_0)
-            CancelIoEx(pipe, &overlapped);
-        if (!GetOverlappedResult(pipe, &overlapped, &moved, TRUE) || moved == 0) return false;
-        bytes += moved;
-        count -= moved;
-    }
+// One read or write of up to count bytes; false when it moved nothing: after
+// timeout (INFINITE: only the server's stop ends the wait), when the client
+// goes, or when the server stops. moved receives how many bytes went.
+bool AgentPipeServer::Move(HANDLE pipe, HANDLE done, uint8_t* data, size_t count, bool write,
+                           DWORD timeout, size_t& moved) {
+    OVERLAPPED overlapped{};
+    overlapped.hEvent = done;
+    const DWORD chunk = static_cast<DWORD>(std::min<size_t>(count, BufferBytes));
+    const BOOL started = write ? WriteFile(pipe, data, chunk, nullptr, &overlapped)
+                               : ReadFile(pipe, data, chunk, nullptr, &overlapped);
+    if (!started && GetLastError() != ERROR_IO_PENDING) return false;
+    // A transfer done at once needs no wait (most are, and each wait costs).
+    const HANDLE events[] = {done, stopEvent_.Get()};
+    if (!HasOverlappedIoCompleted(&overlapped) &&
+        WaitForMultipleObjects(2, events, FALSE, timeout) != WAIT_OBJECT_0)
+        CancelIoEx(pipe, &overlapped);
+    DWORD got = 0;
+    if (!GetOverlappedResult(pipe, &overlapped, &got, TRUE) || got == 0) return false;
+    moved = got;
+    return true;
+}
+
+bool AgentPipeServer::WriteAll(HANDLE pipe, HANDLE done, AgentBytes& data) {
+    for (size_t sent = 0, moved; sent < data.size(); sent += moved)
+        if (!Move(pipe, done, data.data() + sent, data.size() - sent, true, MessageTimeoutMs, moved))
+            return false;
     return true;
 }
 
 void AgentPipeServer::Serve(FileHandle pipe) {
     const VUnicodeString client = PipeClientName(pipe.Get());
     const KernelHandle done(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    AgentBytes request, reply;
+    // Reads take whatever the client has sent, so that a message usually
+    // comes in one read; requests hold keys and pass phrases, so what is
+    // handled is wiped at once.
+    AgentBytes inbox(BufferBytes), reply, frame;
+    size_t have = 0;
     for (;;) {
-        uint8_t length[4];
+        if (have >= 4) {
+            const uint32_t count = BigEndian(inbox.data());
+            if (count == 0 || count > MaximumAgentMessage) break;
+            const size_t whole = size_t{4} + count;
+            if (have >= whole) {
+                protocol_.Handle(inbox.data() + 4, count, client, reply);
+                std::memmove(inbox.data(), inbox.data() + whole, have - whole);
+                SecureZeroMemory(inbox.data() + have - whole, whole);
+                have -= whole;
+                frame.clear();
+                SshWriter(frame).String(reply);
+                if (!WriteAll(pipe.Get(), done.Get(), frame)) break;
+                continue;
+            }
+            if (inbox.size() < whole) inbox.resize(whole);
+        }
         // A client may stay connected, silent, as long as it likes (ssh keeps
         // its agent connection for the whole session); inside a message it may not.
-        if (!Transfer(pipe.Get(), done.Get(), length, sizeof length, false, INFINITE)) break;
-        const uint32_t count = BigEndian(length);
-        if (count == 0 || count > MaximumAgentMessage) break;
-        request.resize(count);
-        if (!Transfer(pipe.Get(), done.Get(), request.data(), count, false, MessageTimeoutMs)) break;
-        protocol_.Handle(request.data(), request.size(), client, reply);
-        AgentBytes frame;
-        SshWriter(frame).String(reply);
-        if (!Transfer(pipe.Get(), done.Get(), frame.data(), frame.size(), true, MessageTimeoutMs)) break;
+        size_t moved;
+        if (!Move(pipe.Get(), done.Get(), inbox.data() + have, inbox.size() - have, false,
+                  have == 0 ? INFINITE : MessageTimeoutMs, moved))
+            break;
+        have += moved;
     }
     DisconnectNamedPipe(pipe.Get());
     pipe.Reset();

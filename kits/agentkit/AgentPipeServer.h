@@ -46,7 +46,9 @@ private:
     FileHandle CreateInstance(bool first);
     void AcceptLoop(FileHandle pipe);
     void Serve(FileHandle pipe);
-    bool Transfer(HANDLE pipe, HANDLE done, void* data, size_t count, bool write, DWORD timeout);
+    bool Move(HANDLE pipe, HANDLE done, uint8_t* data, size_t count, bool write, DWORD timeout,
+              size_t& moved);
+    bool WriteAll(HANDLE pipe, HANDLE done, AgentBytes& data);
 
     AgentProtocol& protocol_;
     AgentKeyStore& store_;
