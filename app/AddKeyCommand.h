@@ -1,10 +1,12 @@
-// AddKeyCommand: "traywell.exe /AddKey <key file> [/Lifetime <minutes>]
-// [/Confirm]" adds a key file to the SSH agent through its pipe, so that a
-// login script can load keys: a second start hands the key to the copy that
-// runs and ends; a first start adds it once its own agent serves. UI thread.
+// AddKeyCommand: "traywell.exe /AddKey <key file> [/AddKey <key file>...]
+// [/Lifetime <minutes>] [/Confirm]" adds key files to the SSH agent through
+// its pipe, so that a login script can load keys: a second start hands them
+// to the copy that runs and ends; a first start adds them once its own agent
+// serves. The options apply to every key. UI thread.
 #pragma once
 
 #include "AddKeyDialog.h"
+#include "VContainers.h"
 #include "VReportMessageParams.h"
 #include "VString.h"
 
@@ -17,15 +19,16 @@ public:
     // (TRAY_ADD_KEY_USAGE) when "/AddKey" or "/Lifetime" lacks its value or
     // the lifetime is not a whole number of minutes; nothing is requested then.
     bool Read(const VUnicodeString& commandLine, VReportMessageParams& report);
-    bool IsRequested() const { return !file_.IsEmpty(); }
+    bool IsRequested() const { return !files_.IsEmpty(); }
 
-    // Adds the key to the agent of the session's pipe, asking for the pass
-    // phrase of a sealed file (its window is *openDialog meanwhile, when
-    // openDialog is not null). On failure a message box tells the user why
-    // (none when the user cancels the pass phrase). Whether the key was added.
+    // Adds the keys, in the order given, to the agent of the session's pipe,
+    // asking for the pass phrase of a sealed file (its window is *openDialog
+    // meanwhile, when openDialog is not null). A key that cannot be added is
+    // told in a message box (none when the user cancels its pass phrase),
+    // and the next is tried. Whether every key was added.
     bool Run(VDialog** openDialog) const;
 
 private:
-    VUnicodeString file_;
+    VArray<VUnicodeString> files_;
     AgentKeyOptions options_;
 };

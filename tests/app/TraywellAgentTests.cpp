@@ -127,15 +127,18 @@ TEST(TraywellAgent, ServesThePipeAndTakesKeysFromASecondStart) {
     EXPECT_TRUE(client.RemoveAll());
 }
 
-TEST(TraywellAgent, AFirstStartAddsTheKeyOnceItServesAndExitStopsServing) {
-    TraywellUnderTest traywell((L"/AddKey " + Quoted("ed25519")).c_str());
+TEST(TraywellAgent, AFirstStartAddsTheKeysOnceItServesAndExitStopsServing) {
+    TraywellUnderTest traywell(
+        (L"/AddKey " + Quoted("ed25519") + L" /AddKey " + Quoted("ecdsa384")).c_str());
     AgentPipeClient client;
     VReportMessageParams report;
     std::vector<AgentIdentity> listed;
     ASSERT_TRUE(client.Connect(AgentPipeServer::DefaultPipeName, WaitLimit, report));
-    ASSERT_TRUE(client.List(listed));
-    ASSERT_EQ(listed.size(), 1u);
+    // The icon comes first, then the agent, then the keys, one by one.
+    WaitUntil([&] { return client.List(listed) && listed.size() == 2; });
+    ASSERT_EQ(listed.size(), 2u);
     EXPECT_EQ(listed[0].publicBlob, ReadPublicKeyFile("ed25519").publicBlob);
+    EXPECT_EQ(listed[1].publicBlob, ReadPublicKeyFile("ecdsa384").publicBlob);
     EXPECT_TRUE(client.RemoveAll());
     client.Disconnect();
 
