@@ -26,8 +26,8 @@ struct Column {
 constexpr Column Columns[] = {
     {L"Type", 70},
     {L"Bits", 45},
-    {L"Fingerprint", 330},
-    {L"Comment", 160},
+    {L"Fingerprint", 365},
+    {L"Comment", 125},
 };
 
 // Other processes (the pipe's clients, a second window) change the keys;
@@ -69,14 +69,15 @@ ManageAgentKeysDialog::ManageAgentKeysDialog(VListViewState& state, AgentKeyStor
     : VDialog(template_, parent), template_(MakeTemplate()), state_(state), store_(store) {}
 
 VDialogTemplate ManageAgentKeysDialog::MakeTemplate() {
-    VDialogTemplate dialog(L"Manage Agent Keys", 400, 186);
-    dialog.AddControl(L"Static", L"", ProtectionTextId, 7, 7, 386, 10, SS_LEFT);
-    dialog.AddControl(WC_LISTVIEWW, L"", ListViewId, 7, 20, 386, 138,
+    // Wide enough for the columns' own widths, with room for a scroll bar.
+    VDialogTemplate dialog(L"Manage Agent Keys", 434, 186);
+    dialog.AddControl(L"Static", L"", ProtectionTextId, 7, 7, 420, 10, SS_LEFT);
+    dialog.AddControl(WC_LISTVIEWW, L"", ListViewId, 7, 20, 420, 138,
                       LVS_REPORT | LVS_SHOWSELALWAYS | WS_TABSTOP, WS_EX_CLIENTEDGE);
     dialog.AddControl(L"Button", L"&Add Key...", AddKeyId, 7, 165, 60, 14, BS_PUSHBUTTON | WS_TABSTOP);
     dialog.AddControl(L"Button", L"&Remove", RemoveId, 71, 165, 50, 14, BS_PUSHBUTTON | WS_TABSTOP);
     dialog.AddControl(L"Button", L"Remove A&ll", RemoveAllId, 125, 165, 55, 14, BS_PUSHBUTTON | WS_TABSTOP);
-    dialog.AddControl(L"Button", L"Close", IDOK, 343, 165, 50, 14, BS_DEFPUSHBUTTON | WS_TABSTOP);
+    dialog.AddControl(L"Button", L"Close", IDOK, 377, 165, 50, 14, BS_DEFPUSHBUTTON | WS_TABSTOP);
     return dialog;
 }
 

@@ -65,7 +65,7 @@ TEST(ManageAgentKeysTest, LaysOutFromTheStateAndHandsBackTheUsersLayout) {
     const std::wstring logon = L"Stored keys are protected with your Windows logon.";
     const std::wstring passphrase =
         L"Stored keys are protected with the configuration pass phrase.";
-    const std::vector<int> ownWidths{70, 45, 330, 160};
+    const std::vector<int> ownWidths{70, 45, 365, 125};
     const struct {
         const wchar_t* saved;
         bool passphraseDisabled;
