@@ -4,6 +4,7 @@
 #   scripts/bench.sh [sessions]                (the INI-file store; default 5000 session keys)
 #   scripts/bench.sh global-config [rounds]    (the global options; default 30 rounds)
 #   scripts/bench.sh tray-menu [windows]       (the tray menu; default 20 client windows)
+#   scripts/bench.sh agent [signatures]        (the SSH agent; default 200 signatures a round)
 #
 # Configures and builds the benchmark in ./build (or $TRAYWELL_BUILD_DIR),
 # runs it in that build tree's Wine prefix and prints its figures.
@@ -19,6 +20,10 @@
 #
 # The tray menu's: building it with client windows of 3 sessions each (helper
 # processes) against the session queries' round trips alone. A few seconds.
+#
+# The SSH agent's: signatures per second through its pipe for each key type,
+# against the same signature in process, with the store's part, the agent's
+# round trip and the platform's bare pipe round trip. A few seconds.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -30,6 +35,7 @@ target=bench_ini_store
 case ${1:-} in
     global-config) target=global_config_bench; shift ;;
     tray-menu) target=bench_tray_menu; shift ;;
+    agent) target=agent_sign_bench; shift ;;
 esac
 
 lock_build_tree
