@@ -57,19 +57,20 @@ int wmain(int argc, wchar_t** argv) {
         return 1;
     }
     const std::wstring echoName = pipe + L"-echo";
-    const FileHandle echoServer(CreateNamedPipeW(echoName.c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE, 1,
-                                                 4096, 4096, 0, nullptr));
+    const FileHandle echoServer(CreateNamedPipeW(echoName.c_str(), PIPE_ACCESS_DUPLEX,
+                                                 PIPE_TYPE_BYTE, 1, 4096, 4096, 0, nullptr));
     std::thread echo(Echo, echoServer.Get());
     FileHandle echoClient(CreateFileW(echoName.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                            OPEN_EXISTING, 0, nullptr));
+                                      OPEN_EXISTING, 0, nullptr));
     const uint8_t data[] = "a session identifier of thirty-two bytes and the request";
-    std::printf("signatures per second; microseconds per signature of the store, of a round trip\n"
-                "that touches no key, and of the platform's bare pipe round trip\n");
+    std::printf(
+        "signatures per second; microseconds per signature of the store, of a round trip\n"
+        "that touches no key, and of the platform's bare pipe round trip\n");
     std::printf("%-10s %12s %12s %8s %9s %9s %9s\n", "key", "in process", "pipe", "overhead",
                 "store us", "trip us", "bare us");
     for (const char* name : {"ed25519", "ecdsa256", "ecdsa384", "ecdsa521", "rsa"}) {
-        const std::wstring path = std::wstring(AGENT_BENCH_KEYS_DIR) + L"\\" +
-                                  std::wstring(name, name + strlen(name));
+        const std::wstring path =
+            std::wstring(AGENT_BENCH_KEYS_DIR) + L"\\" + std::wstring(name, name + strlen(name));
         LoadedKey key;
         if (!LoadKeyFile(path.c_str(), VUnicodeString(), key, report) ||
             !client.Add(key.key, key.comment, 0, false)) {
@@ -80,36 +81,36 @@ int wmain(int argc, wchar_t** argv) {
         const uint32_t flags = SignRsaSha512;
         AgentBytes signature, reply;
         const int perRound = std::string(name) == "rsa" ? count / 10 + 1 : count;
-        const std::vector<double> best = BestTimes(
-            {[&] {
-                 for (int index = 0; index < perRound; ++index)
-                     key.key.Sign(data, sizeof data, flags, signature);
-             },
-             [&] {
-                 for (int index = 0; index < perRound; ++index)
-                     client.Sign(blob, data, sizeof data, flags, signature);
-             },
-             [&] {
-                 for (int index = 0; index < perRound; ++index) {
-                     AgentKey opened;
-                     AgentKeyInfo info;
-                     store.GetKey(blob, opened, info);
-                     opened.Sign(data, sizeof data, flags, signature);
-                 }
-             },
-             [&] {
-                 for (int index = 0; index < perRound; ++index)
-                     client.Exchange(AgentBytes{UnknownMessage}, reply);
-             },
-             [&] {
-                 uint8_t bytes[EchoBytes] = {};
-                 DWORD moved;
-                 for (int index = 0; index < perRound; ++index) {
-                     WriteFile(echoClient.Get(), bytes, EchoBytes, &moved, nullptr);
-                     ReadFile(echoClient.Get(), bytes, EchoBytes, &moved, nullptr);
-                 }
-             }},
-            5);
+        const std::vector<double> best =
+            BestTimes({[&] {
+                           for (int index = 0; index < perRound; ++index)
+                               key.key.Sign(data, sizeof data, flags, signature);
+                       },
+                       [&] {
+                           for (int index = 0; index < perRound; ++index)
+                               client.Sign(blob, data, sizeof data, flags, signature);
+                       },
+                       [&] {
+                           for (int index = 0; index < perRound; ++index) {
+                               AgentKey opened;
+                               AgentKeyInfo info;
+                               store.GetKey(blob, opened, info);
+                               opened.Sign(data, sizeof data, flags, signature);
+                           }
+                       },
+                       [&] {
+                           for (int index = 0; index < perRound; ++index)
+                               client.Exchange(AgentBytes{UnknownMessage}, reply);
+                       },
+                       [&] {
+                           uint8_t bytes[EchoBytes] = {};
+                           DWORD moved;
+                           for (int index = 0; index < perRound; ++index) {
+                               WriteFile(echoClient.Get(), bytes, EchoBytes, &moved, nullptr);
+                               ReadFile(echoClient.Get(), bytes, EchoBytes, &moved, nullptr);
+                           }
+                       }},
+                      5);
         const double floor = best[0] / perRound;
         std::printf("%-10s %12.0f %12.0f %7.0f%% %9.1f %9.1f %9.1f\n", name, 1 / floor,
                     perRound / best[1], 100.0 * (best[1] / best[0] - 1.0),

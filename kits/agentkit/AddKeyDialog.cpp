@@ -2,9 +2,12 @@
 
 #include <string>
 
-AddKeyDialog::AddKeyDialog(const VUnicodeString& file, bool needsPassphrase, const VUnicodeString& prompt,
-                           HWND parent)
-    : VDialog(template_, parent), template_(MakeTemplate()), file_(file), prompt_(prompt),
+AddKeyDialog::AddKeyDialog(const VUnicodeString& file, bool needsPassphrase,
+                           const VUnicodeString& prompt, HWND parent)
+    : VDialog(template_, parent),
+      template_(MakeTemplate()),
+      file_(file),
+      prompt_(prompt),
       needsPassphrase_(needsPassphrase) {}
 
 VDialogTemplate AddKeyDialog::MakeTemplate() {
@@ -12,9 +15,11 @@ VDialogTemplate AddKeyDialog::MakeTemplate() {
     dialog.AddControl(L"Static", L"", FileTextId, 7, 7, 246, 18, SS_LEFT | SS_PATHELLIPSIS);
     dialog.AddControl(L"Static", L"", PromptId, 7, 27, 246, 10, SS_LEFT);
     dialog.AddControl(L"Static", L"&Pass phrase:", 0, 7, 41, 70, 10, SS_LEFT);
-    dialog.AddControl(L"Edit", L"", PassphraseId, 80, 39, 173, 13, ES_PASSWORD | ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP);
+    dialog.AddControl(L"Edit", L"", PassphraseId, 80, 39, 173, 13,
+                      ES_PASSWORD | ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP);
     dialog.AddControl(L"Static", L"&Lifetime (minutes, 0 for none):", 0, 7, 59, 120, 10, SS_LEFT);
-    dialog.AddControl(L"Edit", L"0", LifetimeId, 130, 57, 40, 13, ES_NUMBER | WS_BORDER | WS_TABSTOP);
+    dialog.AddControl(L"Edit", L"0", LifetimeId, 130, 57, 40, 13,
+                      ES_NUMBER | WS_BORDER | WS_TABSTOP);
     dialog.AddControl(L"Button", L"&Ask me before each use of the key", ConfirmId, 7, 75, 246, 10,
                       BS_AUTOCHECKBOX | WS_TABSTOP);
     dialog.AddControl(L"Button", L"OK", IDOK, 149, 93, 50, 14, BS_DEFPUSHBUTTON | WS_TABSTOP);
@@ -24,8 +29,9 @@ VDialogTemplate AddKeyDialog::MakeTemplate() {
 
 bool AddKeyDialog::OnInitDialog() {
     SetItemText(FileTextId, file_.c_str());
-    SetItemText(PromptId, needsPassphrase_ ? (prompt_.IsEmpty() ? L"The key file is protected with a pass phrase."
-                                                                 : prompt_.c_str())
+    SetItemText(PromptId, needsPassphrase_ ? (prompt_.IsEmpty()
+                                                  ? L"The key file is protected with a pass phrase."
+                                                  : prompt_.c_str())
                                            : L"The key file is not protected with a pass phrase.");
     EnableWindow(GetItem(PassphraseId), needsPassphrase_);
     SetItemText(LifetimeId, std::to_wstring(options_.lifetimeMinutes).c_str());
@@ -49,8 +55,9 @@ void AddKeyDialog::OnOK() {
     EndDialog(IDOK);
 }
 
-bool LoadKeyAsking(const VUnicodeString& path, bool askOptions, HWND parent, AgentKeyOptions& options,
-                   LoadedKey& key, VReportMessageParams& report, VDialog** openDialog) {
+bool LoadKeyAsking(const VUnicodeString& path, bool askOptions, HWND parent,
+                   AgentKeyOptions& options, LoadedKey& key, VReportMessageParams& report,
+                   VDialog** openDialog) {
     AgentBytes content;
     if (!ReadKeyFileBytes(path.c_str(), content, report)) return false;
     const bool sealed = KeyFileNeedsPassphrase(content);

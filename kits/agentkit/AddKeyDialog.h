@@ -17,7 +17,9 @@ struct AgentKeyOptions {
     uint32_t lifetimeMinutes = 0;  // 0: kept until removed
     bool confirm = false;          // ask before each use
 
-    uint32_t LifetimeSeconds() const { return std::min<uint32_t>(lifetimeMinutes, UINT32_MAX / 60) * 60; }
+    uint32_t LifetimeSeconds() const {
+        return std::min<uint32_t>(lifetimeMinutes, UINT32_MAX / 60) * 60;
+    }
 };
 
 class AddKeyDialog : public VDialog {
@@ -30,7 +32,8 @@ public:
 
     // file is shown; needsPassphrase enables the pass-phrase field; prompt
     // (may be empty) says why it is asked again (a wrong pass phrase).
-    AddKeyDialog(const VUnicodeString& file, bool needsPassphrase, const VUnicodeString& prompt, HWND parent);
+    AddKeyDialog(const VUnicodeString& file, bool needsPassphrase, const VUnicodeString& prompt,
+                 HWND parent);
 
     // After DoModal returned IDOK: the pass phrase (a sensitive string).
     const VUnicodeString& GetPassphrase() const { return passphrase_; }
@@ -62,5 +65,6 @@ inline constexpr int MaximumPassphraseTries = 3;
 // (when openDialog is not null) points to it. False with report when the
 // file cannot be read or loaded (after the last wrong pass phrase, too);
 // false with report cleared (code 0) when the user cancels.
-bool LoadKeyAsking(const VUnicodeString& path, bool askOptions, HWND parent, AgentKeyOptions& options,
-                   LoadedKey& key, VReportMessageParams& report, VDialog** openDialog = nullptr);
+bool LoadKeyAsking(const VUnicodeString& path, bool askOptions, HWND parent,
+                   AgentKeyOptions& options, LoadedKey& key, VReportMessageParams& report,
+                   VDialog** openDialog = nullptr);

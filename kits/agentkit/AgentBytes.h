@@ -22,7 +22,9 @@ struct WipingAllocator {
         ::operator delete(memory);
     }
     template <class U>
-    bool operator==(const WipingAllocator<U>&) const noexcept { return true; }
+    bool operator==(const WipingAllocator<U>&) const noexcept {
+        return true;
+    }
 };
 
 using AgentBytes = std::vector<uint8_t, WipingAllocator<uint8_t>>;

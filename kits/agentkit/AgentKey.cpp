@@ -84,8 +84,8 @@ AgentKeyError AgentKey::Read(SshReader& reader) {
     if (!reader.String(name, nameLength)) return AgentKeyError::Damaged;
     if (Equals(name, nameLength, Ed25519Name)) {
         AgentBytes both;
-        if (!reader.String(publicBytes_) || !reader.String(both) || publicBytes_.size() != Ed25519Bytes ||
-            both.size() != 2 * Ed25519Bytes ||
+        if (!reader.String(publicBytes_) || !reader.String(both) ||
+            publicBytes_.size() != Ed25519Bytes || both.size() != 2 * Ed25519Bytes ||
             std::memcmp(both.data() + Ed25519Bytes, publicBytes_.data(), Ed25519Bytes) != 0)
             return AgentKeyError::Damaged;
         seed_.assign(both.begin(), both.begin() + Ed25519Bytes);
@@ -103,7 +103,8 @@ AgentKeyError AgentKey::Read(SshReader& reader) {
         if (!Equals(name, nameLength, Curves[curve].typeName)) continue;
         const uint8_t* curveName;
         size_t curveLength;
-        if (!reader.String(curveName, curveLength) || !Equals(curveName, curveLength, Curves[curve].curveName) ||
+        if (!reader.String(curveName, curveLength) ||
+            !Equals(curveName, curveLength, Curves[curve].curveName) ||
             !reader.String(publicBytes_) || !reader.Mpint(d_))
             return AgentKeyError::Damaged;
         kind_ = Kind::Ecdsa;
@@ -116,51 +117,55 @@ AgentKeyError AgentKey::Read(SshReader& reader) {
 void AgentKey::Write(SshWriter& writer) const {
     writer.String(GetTypeName());
     switch (kind_) {
-    case Kind::Ed25519: {
-        writer.String(publicBytes_);
-        AgentBytes both(seed_);
-        both.insert(both.end(), publicBytes_.begin(), publicBytes_.end());
-        writer.String(both);
-        break;
-    }
-    case Kind::Ecdsa:
-        writer.String(Curves[curve_].curveName);
-        writer.String(publicBytes_);
-        writer.Mpint(d_);
-        break;
-    case Kind::Rsa:
-        for (const Integer* field : {&n_, &e_, &d_, &iqmp_, &p_, &q_}) writer.Mpint(*field);
-        break;
-    case Kind::None:
-        break;
+        case Kind::Ed25519: {
+            writer.String(publicBytes_);
+            AgentBytes both(seed_);
+            both.insert(both.end(), publicBytes_.begin(), publicBytes_.end());
+            writer.String(both);
+            break;
+        }
+        case Kind::Ecdsa:
+            writer.String(Curves[curve_].curveName);
+            writer.String(publicBytes_);
+            writer.Mpint(d_);
+            break;
+        case Kind::Rsa:
+            for (const Integer* field : {&n_, &e_, &d_, &iqmp_, &p_, &q_}) writer.Mpint(*field);
+            break;
+        case Kind::None:
+            break;
     }
 }
 
 AgentKeyError AgentKey::Validate() const {
     switch (kind_) {
-    case Kind::Ed25519: {
-        CryptoPP::ed25519Signer signer(seed_.data());
-        const auto& key = static_cast<const CryptoPP::ed25519PrivateKey&>(signer.GetPrivateKey());
-        return std::memcmp(key.GetPublicKeyBytePtr(), publicBytes_.data(), Ed25519Bytes) == 0
-                   ? AgentKeyError::None
-                   : AgentKeyError::Damaged;
-    }
-    case Kind::Ecdsa: {
-        const CryptoPP::DL_GroupParameters_EC<CryptoPP::ECP> group(Curves[curve_].oid());
-        if (d_.IsZero() || d_ >= group.GetSubgroupOrder()) return AgentKeyError::Damaged;
-        return EcPublicPoint(curve_, d_) == publicBytes_ ? AgentKeyError::None : AgentKeyError::Damaged;
-    }
-    case Kind::Rsa: {
-        if (n_.BitCount() < MinimumRsaBits) return AgentKeyError::TooSmall;
-        if (p_ * q_ != n_ || p_ <= Integer::One() || q_ <= Integer::One() || (iqmp_ * q_) % p_ != Integer::One())
-            return AgentKeyError::Damaged;
-        // e and d must undo each other: a test message goes there and back.
-        const Integer message(Integer::Power2(n_.BitCount() - 2) + Integer(12345));
-        return a_exp_b_mod_c(a_exp_b_mod_c(message, e_, n_), d_, n_) == message ? AgentKeyError::None
-                                                                                : AgentKeyError::Damaged;
-    }
-    case Kind::None:
-        break;
+        case Kind::Ed25519: {
+            CryptoPP::ed25519Signer signer(seed_.data());
+            const auto& key =
+                static_cast<const CryptoPP::ed25519PrivateKey&>(signer.GetPrivateKey());
+            return std::memcmp(key.GetPublicKeyBytePtr(), publicBytes_.data(), Ed25519Bytes) == 0
+                       ? AgentKeyError::None
+                       : AgentKeyError::Damaged;
+        }
+        case Kind::Ecdsa: {
+            const CryptoPP::DL_GroupParameters_EC<CryptoPP::ECP> group(Curves[curve_].oid());
+            if (d_.IsZero() || d_ >= group.GetSubgroupOrder()) return AgentKeyError::Damaged;
+            return EcPublicPoint(curve_, d_) == publicBytes_ ? AgentKeyError::None
+                                                             : AgentKeyError::Damaged;
+        }
+        case Kind::Rsa: {
+            if (n_.BitCount() < MinimumRsaBits) return AgentKeyError::TooSmall;
+            if (p_ * q_ != n_ || p_ <= Integer::One() || q_ <= Integer::One() ||
+                (iqmp_ * q_) % p_ != Integer::One())
+                return AgentKeyError::Damaged;
+            // e and d must undo each other: a test message goes there and back.
+            const Integer message(Integer::Power2(n_.BitCount() - 2) + Integer(12345));
+            return a_exp_b_mod_c(a_exp_b_mod_c(message, e_, n_), d_, n_) == message
+                       ? AgentKeyError::None
+                       : AgentKeyError::Damaged;
+        }
+        case Kind::None:
+            break;
     }
     return AgentKeyError::Damaged;
 }
@@ -170,80 +175,100 @@ AgentBytes AgentKey::GetPublicBlob() const {
     SshWriter writer(blob);
     writer.String(GetTypeName());
     switch (kind_) {
-    case Kind::Ed25519:
-        writer.String(publicBytes_);
-        break;
-    case Kind::Ecdsa:
-        writer.String(Curves[curve_].curveName);
-        writer.String(publicBytes_);
-        break;
-    case Kind::Rsa:
-        writer.Mpint(e_);
-        writer.Mpint(n_);
-        break;
-    case Kind::None:
-        break;
+        case Kind::Ed25519:
+            writer.String(publicBytes_);
+            break;
+        case Kind::Ecdsa:
+            writer.String(Curves[curve_].curveName);
+            writer.String(publicBytes_);
+            break;
+        case Kind::Rsa:
+            writer.Mpint(e_);
+            writer.Mpint(n_);
+            break;
+        case Kind::None:
+            break;
     }
     return blob;
 }
 
 const char* AgentKey::GetTypeName() const {
     switch (kind_) {
-    case Kind::Ed25519: return Ed25519Name;
-    case Kind::Ecdsa: return Curves[curve_].typeName;
-    case Kind::Rsa: return RsaName;
-    case Kind::None: break;
+        case Kind::Ed25519:
+            return Ed25519Name;
+        case Kind::Ecdsa:
+            return Curves[curve_].typeName;
+        case Kind::Rsa:
+            return RsaName;
+        case Kind::None:
+            break;
     }
     return "";
 }
 
 const wchar_t* AgentKey::GetTypeLabel() const {
     switch (kind_) {
-    case Kind::Ed25519: return L"ED25519";
-    case Kind::Ecdsa: return L"ECDSA";
-    case Kind::Rsa: return L"RSA";
-    case Kind::None: break;
+        case Kind::Ed25519:
+            return L"ED25519";
+        case Kind::Ecdsa:
+            return L"ECDSA";
+        case Kind::Rsa:
+            return L"RSA";
+        case Kind::None:
+            break;
     }
     return L"";
 }
 
 unsigned AgentKey::GetBits() const {
     switch (kind_) {
-    case Kind::Ed25519: return 256;
-    case Kind::Ecdsa: return Curves[curve_].bits;
-    case Kind::Rsa: return n_.BitCount();
-    case Kind::None: break;
+        case Kind::Ed25519:
+            return 256;
+        case Kind::Ecdsa:
+            return Curves[curve_].bits;
+        case Kind::Rsa:
+            return n_.BitCount();
+        case Kind::None:
+            break;
     }
     return 0;
 }
 
-bool AgentKey::Sign(const uint8_t* data, size_t count, uint32_t flags, AgentBytes& signature) const {
+bool AgentKey::Sign(const uint8_t* data, size_t count, uint32_t flags,
+                    AgentBytes& signature) const {
     signature.clear();
     switch (kind_) {
-    case Kind::Ed25519: {
-        CryptoPP::ed25519Signer signer(publicBytes_.data(), seed_.data());
-        uint8_t raw[CryptoPP::ed25519Signer::SIGNATURE_LENGTH];
-        signer.SignMessage(AgentRandom(), data, count, raw);
-        SshWriter writer(signature);
-        writer.String(Ed25519Name);
-        writer.String(raw, sizeof raw);
-        return true;
-    }
-    case Kind::Ecdsa:
-        if (curve_ == 0) SignEcdsa<CryptoPP::SHA256>(curve_, d_, data, count, signature);
-        else if (curve_ == 1) SignEcdsa<CryptoPP::SHA384>(curve_, d_, data, count, signature);
-        else SignEcdsa<CryptoPP::SHA512>(curve_, d_, data, count, signature);
-        return true;
-    case Kind::Rsa: {
-        CryptoPP::InvertibleRSAFunction key;
-        key.Initialize(n_, e_, d_, p_, q_, d_ % (p_ - Integer::One()), d_ % (q_ - Integer::One()), iqmp_);
-        if (flags & SignRsaSha512) SignRsa<CryptoPP::SHA512>(key, "rsa-sha2-512", data, count, signature);
-        else if (flags & SignRsaSha256) SignRsa<CryptoPP::SHA256>(key, "rsa-sha2-256", data, count, signature);
-        else SignRsa<CryptoPP::SHA1>(key, RsaName, data, count, signature);
-        return true;
-    }
-    case Kind::None:
-        break;
+        case Kind::Ed25519: {
+            CryptoPP::ed25519Signer signer(publicBytes_.data(), seed_.data());
+            uint8_t raw[CryptoPP::ed25519Signer::SIGNATURE_LENGTH];
+            signer.SignMessage(AgentRandom(), data, count, raw);
+            SshWriter writer(signature);
+            writer.String(Ed25519Name);
+            writer.String(raw, sizeof raw);
+            return true;
+        }
+        case Kind::Ecdsa:
+            if (curve_ == 0)
+                SignEcdsa<CryptoPP::SHA256>(curve_, d_, data, count, signature);
+            else if (curve_ == 1)
+                SignEcdsa<CryptoPP::SHA384>(curve_, d_, data, count, signature);
+            else
+                SignEcdsa<CryptoPP::SHA512>(curve_, d_, data, count, signature);
+            return true;
+        case Kind::Rsa: {
+            CryptoPP::InvertibleRSAFunction key;
+            key.Initialize(n_, e_, d_, p_, q_, d_ % (p_ - Integer::One()),
+                           d_ % (q_ - Integer::One()), iqmp_);
+            if (flags & SignRsaSha512)
+                SignRsa<CryptoPP::SHA512>(key, "rsa-sha2-512", data, count, signature);
+            else if (flags & SignRsaSha256)
+                SignRsa<CryptoPP::SHA256>(key, "rsa-sha2-256", data, count, signature);
+            else
+                SignRsa<CryptoPP::SHA1>(key, RsaName, data, count, signature);
+            return true;
+        }
+        case Kind::None:
+            break;
     }
     return false;
 }

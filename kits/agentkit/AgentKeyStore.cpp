@@ -22,7 +22,8 @@ constexpr uint32_t LockRounds = 8;
 constexpr size_t ChecksumStart = 12;  // the checksum covers what follows its own field
 
 struct Header {
-    uint32_t magic, version, checksum, generation, count, used, flags, wrap, wrappedBytes, lockRounds;
+    uint32_t magic, version, checksum, generation, count, used, flags, wrap, wrappedBytes,
+        lockRounds;
     uint8_t lockSalt[16];
     uint8_t lockHash[32];
     uint8_t wrapped[424];
@@ -60,7 +61,8 @@ uint64_t UnixSecondsNow() {
 // entry, and seals a changed one with a new checksum on exit.
 class AgentKeyStore::Session {
 public:
-    explicit Session(AgentKeyStore& store) : store_(store), data_(static_cast<uint8_t*>(store.cache_->GetData())) {
+    explicit Session(AgentKeyStore& store)
+        : store_(store), data_(static_cast<uint8_t*>(store.cache_->GetData())) {
         store.cache_->Lock();
         std::memcpy(&header_, data_, sizeof header_);
         if (!IsSound()) Reset();
@@ -105,7 +107,8 @@ public:
         const size_t end = view.offset + view.header.size;
         std::memmove(data_ + view.offset, data_ + end, HeaderBytes + header_.used - end);
         header_.used -= view.header.size;
-        std::memset(data_ + HeaderBytes + header_.used, 0, view.header.size);  // no sealed copy lingers
+        std::memset(data_ + HeaderBytes + header_.used, 0,
+                    view.header.size);  // no sealed copy lingers
         --header_.count;
         changed_ = true;
     }
@@ -127,7 +130,8 @@ public:
         if (header_.wrap == static_cast<uint32_t>(StoreKeyWrap::None)) {
             StoreKeyWrap wrap;
             AgentBytes wrapped;
-            if (!CreateStoreKey(wrap, wrapped) || wrapped.size() > sizeof header_.wrapped) return false;
+            if (!CreateStoreKey(wrap, wrapped) || wrapped.size() > sizeof header_.wrapped)
+                return false;
             header_.wrap = static_cast<uint32_t>(wrap);
             header_.wrappedBytes = static_cast<uint32_t>(wrapped.size());
             std::memcpy(header_.wrapped, wrapped.data(), wrapped.size());
@@ -157,7 +161,8 @@ private:
             changed_ = true;
             return true;
         }
-        if (header_.magic != Magic || header_.version != Version || header_.used > store_.size_ - HeaderBytes ||
+        if (header_.magic != Magic || header_.version != Version ||
+            header_.used > store_.size_ - HeaderBytes ||
             header_.wrappedBytes > sizeof header_.wrapped || header_.checksum != Checksum())
             return false;
         uint32_t count = 0;
@@ -165,8 +170,10 @@ private:
             RecordHeader record;
             if (header_.used - offset < sizeof record) return false;
             std::memcpy(&record, data_ + HeaderBytes + offset, sizeof record);
-            const uint64_t fields = uint64_t{sizeof record} + record.blobBytes + record.commentBytes + record.sealedBytes;
-            if (record.size % 8 || record.size < fields || record.size > header_.used - offset) return false;
+            const uint64_t fields = uint64_t{sizeof record} + record.blobBytes +
+                                    record.commentBytes + record.sealedBytes;
+            if (record.size % 8 || record.size < fields || record.size > header_.used - offset)
+                return false;
             offset += record.size;
         }
         return count == header_.count;
@@ -205,7 +212,8 @@ private:
     size_t expired_ = 0;
 };
 
-AgentKeyStore::AgentKeyStore(const wchar_t* name, size_t size) : size_(size), clock_(UnixSecondsNow) {
+AgentKeyStore::AgentKeyStore(const wchar_t* name, size_t size)
+    : size_(size), clock_(UnixSecondsNow) {
     auto* cache = new VSharedMemoryCache(VUnicodeString(name), size);
     openError_ = GetLastError();
     if (openError_ == ERROR_SUCCESS && cache->GetData() && size > HeaderBytes) {
@@ -229,7 +237,8 @@ bool AgentKeyStore::CheckOpen(VReportMessageParams& report) const {
 namespace {
 
 bool SameBlob(const RecordView& view, const AgentBytes& blob) {
-    return view.header.blobBytes == blob.size() && std::memcmp(view.blob, blob.data(), blob.size()) == 0;
+    return view.header.blobBytes == blob.size() &&
+           std::memcmp(view.blob, blob.data(), blob.size()) == 0;
 }
 
 AgentKeyInfo InfoOf(const RecordView& view) {
@@ -245,8 +254,8 @@ AgentKeyInfo InfoOf(const RecordView& view) {
 
 }  // namespace
 
-bool AgentKeyStore::Add(const AgentKey& key, const AgentText& comment, uint32_t lifetime, bool confirm,
-                        VReportMessageParams& report) {
+bool AgentKeyStore::Add(const AgentKey& key, const AgentText& comment, uint32_t lifetime,
+                        bool confirm, VReportMessageParams& report) {
     report.Clear();
     if (!CheckOpen(report)) return false;
     Session session(*this);
@@ -273,7 +282,8 @@ bool AgentKeyStore::Add(const AgentKey& key, const AgentText& comment, uint32_t 
     record.blobBytes = static_cast<uint32_t>(blob.size());
     record.commentBytes = static_cast<uint32_t>(comment.size());
     record.sealedBytes = static_cast<uint32_t>(sealed.size());
-    record.size = static_cast<uint32_t>(Aligned(sizeof record + blob.size() + comment.size() + sealed.size()));
+    record.size = static_cast<uint32_t>(
+        Aligned(sizeof record + blob.size() + comment.size() + sealed.size()));
 
     // The same key again replaces the record it had (the newest settings win).
     size_t freed = 0;
@@ -285,7 +295,8 @@ bool AgentKeyStore::Add(const AgentKey& key, const AgentText& comment, uint32_t 
             freed = view.header.size;
         }
     if (record.size > session.GetRoom() + freed) {
-        SetAgentReport(report, AGENT_STORE_FULL, VUnicodeString(std::to_wstring(session.GetHeader().count).c_str()),
+        SetAgentReport(report, AGENT_STORE_FULL,
+                       VUnicodeString(std::to_wstring(session.GetHeader().count).c_str()),
                        VUnicodeString(std::to_wstring(record.size).c_str()));
         return false;
     }
@@ -342,7 +353,8 @@ bool AgentKeyStore::GetKey(const AgentBytes& publicBlob, AgentKey& key, AgentKey
         for (const RecordView& view : views)
             if (SameBlob(view, publicBlob)) found = &view;
         if (!found || !session.StoreKey(storeKey) ||
-            !OpenWithStoreKey(storeKey, found->sealed, found->header.sealedBytes, publicBlob, plain))
+            !OpenWithStoreKey(storeKey, found->sealed, found->header.sealedBytes, publicBlob,
+                              plain))
             return false;
         info = InfoOf(*found);
         generation = session.GetHeader().generation;
@@ -394,7 +406,8 @@ namespace {
 
 void LockHash(const AgentBytes& passphrase, const uint8_t* salt, uint32_t rounds, uint8_t* hash) {
     static const uint8_t Empty = 0;  // bcrypt-pbkdf takes an empty pass phrase as one of no bytes
-    BcryptPbkdf(passphrase.empty() ? &Empty : passphrase.data(), passphrase.size(), salt, 16, rounds, hash, 32);
+    BcryptPbkdf(passphrase.empty() ? &Empty : passphrase.data(), passphrase.size(), salt, 16,
+                rounds, hash, 32);
 }
 
 }  // namespace
@@ -420,7 +433,8 @@ bool AgentKeyStore::Unlock(const AgentBytes& passphrase) {
     uint8_t hash[32];
     LockHash(passphrase, header.lockSalt, header.lockRounds, hash);
     uint8_t difference = 0;  // compared in constant time
-    for (size_t index = 0; index < sizeof hash; ++index) difference |= hash[index] ^ header.lockHash[index];
+    for (size_t index = 0; index < sizeof hash; ++index)
+        difference |= hash[index] ^ header.lockHash[index];
     SecureZeroMemory(hash, sizeof hash);
     if (difference) return false;
     header.flags &= ~LockedFlag;

@@ -29,11 +29,11 @@
 
 struct AgentKeyInfo {
     AgentBytes publicBlob;
-    AgentText comment;     // UTF-8
-    uint64_t added = 0;    // Unix seconds
-    uint64_t expires = 0;  // Unix seconds; 0 for a key without a lifetime
+    AgentText comment;      // UTF-8
+    uint64_t added = 0;     // Unix seconds
+    uint64_t expires = 0;   // Unix seconds; 0 for a key without a lifetime
     uint32_t lifetime = 0;  // seconds, as asked for when added; 0 for none
-    bool confirm = false;  // ask the user before each signature
+    bool confirm = false;   // ask the user before each signature
 };
 
 class AgentKeyStore {

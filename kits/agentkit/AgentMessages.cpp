@@ -4,8 +4,8 @@
 #include "Win32Handle.h"
 
 HMODULE AgentMessagesModule() {
-    static const LibraryHandle module(LoadLibraryExW(GetPathBesideProgram(L"AgentkitMessages.dll").c_str(),
-                                                     nullptr, LOAD_LIBRARY_AS_DATAFILE));
+    static const LibraryHandle module(LoadLibraryExW(
+        GetPathBesideProgram(L"AgentkitMessages.dll").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
     return module.Get();
 }
 

@@ -12,11 +12,13 @@ constexpr size_t FirstReadBytes = 8192;
 
 }  // namespace
 
-bool AgentPipeClient::Connect(const wchar_t* pipeName, DWORD timeoutMs, VReportMessageParams& report) {
+bool AgentPipeClient::Connect(const wchar_t* pipeName, DWORD timeoutMs,
+                              VReportMessageParams& report) {
     report.Clear();
     const ULONGLONG deadline = GetTickCount64() + timeoutMs;
     for (;;) {
-        pipe_.Reset(CreateFileW(pipeName, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        pipe_.Reset(CreateFileW(pipeName, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                                0, nullptr));
         if (pipe_) return true;
         const DWORD error = GetLastError();
         // All instances busy: wait for one; none there at all: the agent may be starting.
@@ -25,8 +27,10 @@ bool AgentPipeClient::Connect(const wchar_t* pipeName, DWORD timeoutMs, VReportM
             SetAgentReport(report, AGENT_NOT_RUNNING, pipeName, ErrorCodeText(error));
             return false;
         }
-        if (error == ERROR_PIPE_BUSY) WaitNamedPipeW(pipeName, static_cast<DWORD>(deadline - now));
-        else Sleep(50);
+        if (error == ERROR_PIPE_BUSY)
+            WaitNamedPipeW(pipeName, static_cast<DWORD>(deadline - now));
+        else
+            Sleep(50);
     }
 }
 
@@ -44,7 +48,8 @@ bool AgentPipeClient::Exchange(const AgentBytes& request, AgentBytes& reply) {
         while (have < wanted) {
             DWORD got = 0;
             const size_t room = have < 4 ? frame.size() - have : wanted - have;
-            if (!ReadFile(pipe_.Get(), frame.data() + have, static_cast<DWORD>(room), &got, nullptr) ||
+            if (!ReadFile(pipe_.Get(), frame.data() + have, static_cast<DWORD>(room), &got,
+                          nullptr) ||
                 got == 0)
                 return false;
             have += got;
@@ -74,7 +79,8 @@ bool AgentPipeClient::List(std::vector<AgentIdentity>& identities) {
     SshReader reader(reply);
     uint8_t type;
     uint32_t count;
-    if (!reader.Byte(type) || type != AgentMessage::IdentitiesAnswer || !reader.Uint32(count)) return false;
+    if (!reader.Byte(type) || type != AgentMessage::IdentitiesAnswer || !reader.Uint32(count))
+        return false;
     for (uint32_t index = 0; index < count; ++index) {
         AgentIdentity identity;
         if (!reader.String(identity.publicBlob) || !reader.String(identity.comment)) return false;
@@ -83,8 +89,8 @@ bool AgentPipeClient::List(std::vector<AgentIdentity>& identities) {
     return reader.AtEnd();
 }
 
-bool AgentPipeClient::Sign(const AgentBytes& publicBlob, const uint8_t* data, size_t count, uint32_t flags,
-                           AgentBytes& signature) {
+bool AgentPipeClient::Sign(const AgentBytes& publicBlob, const uint8_t* data, size_t count,
+                           uint32_t flags, AgentBytes& signature) {
     AgentBytes request, reply;
     SshWriter writer(request);
     writer.Byte(AgentMessage::SignRequest);
@@ -94,10 +100,12 @@ bool AgentPipeClient::Sign(const AgentBytes& publicBlob, const uint8_t* data, si
     if (!Exchange(request, reply)) return false;
     SshReader reader(reply);
     uint8_t type;
-    return reader.Byte(type) && type == AgentMessage::SignResponse && reader.String(signature) && reader.AtEnd();
+    return reader.Byte(type) && type == AgentMessage::SignResponse && reader.String(signature) &&
+           reader.AtEnd();
 }
 
-bool AgentPipeClient::Add(const AgentKey& key, const AgentText& comment, uint32_t lifetime, bool confirm) {
+bool AgentPipeClient::Add(const AgentKey& key, const AgentText& comment, uint32_t lifetime,
+                          bool confirm) {
     AgentBytes request;
     SshWriter writer(request);
     const bool constrained = lifetime != 0 || confirm;
@@ -118,9 +126,13 @@ bool AgentPipeClient::Remove(const AgentBytes& publicBlob) {
 
 bool AgentPipeClient::RemoveAll() { return Command(AgentBytes{AgentMessage::RemoveAllIdentities}); }
 
-bool AgentPipeClient::Lock(const AgentBytes& passphrase) { return Command(AgentMessage::Lock, passphrase); }
+bool AgentPipeClient::Lock(const AgentBytes& passphrase) {
+    return Command(AgentMessage::Lock, passphrase);
+}
 
-bool AgentPipeClient::Unlock(const AgentBytes& passphrase) { return Command(AgentMessage::Unlock, passphrase); }
+bool AgentPipeClient::Unlock(const AgentBytes& passphrase) {
+    return Command(AgentMessage::Unlock, passphrase);
+}
 
 bool AgentPipeClient::Command(uint8_t type, const AgentBytes& argument) {
     AgentBytes request;

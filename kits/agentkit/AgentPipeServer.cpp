@@ -14,7 +14,8 @@ constexpr DWORD BufferBytes = 64 * 1024;
 constexpr DWORD ExpiryCheckMs = 1000;
 
 uint32_t BigEndian(const uint8_t* bytes) {
-    return (uint32_t{bytes[0]} << 24) | (uint32_t{bytes[1]} << 16) | (uint32_t{bytes[2]} << 8) | bytes[3];
+    return (uint32_t{bytes[0]} << 24) | (uint32_t{bytes[1]} << 16) | (uint32_t{bytes[2]} << 8) |
+           bytes[3];
 }
 
 }  // namespace
@@ -23,7 +24,8 @@ VUnicodeString PipeClientName(HANDLE pipe) {
     ULONG id = 0;
     if (!GetNamedPipeClientProcessId(pipe, &id)) return VUnicodeString(L"an unknown program");
     std::wstring name = L"process " + std::to_wstring(id);
-    if (const KernelHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, id)); process) {
+    if (const KernelHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, id));
+        process) {
         wchar_t path[MAX_PATH];
         DWORD length = MAX_PATH;
         if (QueryFullProcessImageNameW(process.Get(), 0, path, &length)) {
@@ -34,8 +36,12 @@ VUnicodeString PipeClientName(HANDLE pipe) {
     return VUnicodeString(name.c_str());
 }
 
-AgentPipeServer::AgentPipeServer(AgentProtocol& protocol, AgentKeyStore& store, const wchar_t* pipeName)
-    : protocol_(protocol), store_(store), pipeName_(pipeName), stopEvent_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
+AgentPipeServer::AgentPipeServer(AgentProtocol& protocol, AgentKeyStore& store,
+                                 const wchar_t* pipeName)
+    : protocol_(protocol),
+      store_(store),
+      pipeName_(pipeName),
+      stopEvent_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
 
 AgentPipeServer::~AgentPipeServer() { Stop(); }
 
@@ -44,16 +50,18 @@ FileHandle AgentPipeServer::CreateInstance(bool first) {
     if (!descriptor.AssignCurrentUserAccess()) return FileHandle();
     SECURITY_ATTRIBUTES attributes = descriptor.GetSecurityAttributes();
     return FileHandle(CreateNamedPipeW(
-        pipeName_.c_str(), PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED | (first ? FILE_FLAG_FIRST_PIPE_INSTANCE : 0),
-        PIPE_TYPE_BYTE | PIPE_READMODE_BYTE | PIPE_WAIT | PIPE_REJECT_REMOTE_CLIENTS, PIPE_UNLIMITED_INSTANCES,
-        BufferBytes, BufferBytes, 0, &attributes));
+        pipeName_.c_str(),
+        PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED | (first ? FILE_FLAG_FIRST_PIPE_INSTANCE : 0),
+        PIPE_TYPE_BYTE | PIPE_READMODE_BYTE | PIPE_WAIT | PIPE_REJECT_REMOTE_CLIENTS,
+        PIPE_UNLIMITED_INSTANCES, BufferBytes, BufferBytes, 0, &attributes));
 }
 
 bool AgentPipeServer::Start(VReportMessageParams& report) {
     report.Clear();
     // Another server answers (or is busy): not all platforms refuse a first
     // instance flag for a pipe that exists, so ask the pipe itself.
-    const FileHandle probe(CreateFileW(pipeName_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    const FileHandle probe(CreateFileW(pipeName_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                       OPEN_EXISTING, 0, nullptr));
     if (probe || GetLastError() == ERROR_PIPE_BUSY) {
         SetAgentReport(report, AGENT_PIPE_IN_USE, pipeName_);
         return false;
@@ -86,7 +94,8 @@ void AgentPipeServer::AcceptLoop(FileHandle pipe) {
         OVERLAPPED overlapped{};
         overlapped.hEvent = connected.Get();
         ResetEvent(connected.Get());
-        bool isConnected = ConnectNamedPipe(pipe.Get(), &overlapped) || GetLastError() == ERROR_PIPE_CONNECTED;
+        bool isConnected =
+            ConnectNamedPipe(pipe.Get(), &overlapped) || GetLastError() == ERROR_PIPE_CONNECTED;
         if (!isConnected && GetLastError() != ERROR_IO_PENDING) {
             pipe = CreateInstance(false);  // this instance is broken: try a fresh one
             if (WaitForSingleObject(stopEvent_.Get(), 100) == WAIT_OBJECT_0) return;
@@ -97,7 +106,8 @@ void AgentPipeServer::AcceptLoop(FileHandle pipe) {
             const DWORD woken = WaitForMultipleObjects(2, events, FALSE, ExpiryCheckMs);
             if (woken == WAIT_OBJECT_0) {
                 DWORD ignored;
-                isConnected = GetOverlappedResult(pipe.Get(), &overlapped, &ignored, FALSE) != FALSE;
+                isConnected =
+                    GetOverlappedResult(pipe.Get(), &overlapped, &ignored, FALSE) != FALSE;
                 if (!isConnected) break;
             } else if (woken == WAIT_TIMEOUT) {
                 store_.RemoveExpired();
@@ -140,7 +150,8 @@ bool AgentPipeServer::Move(HANDLE pipe, HANDLE done, uint8_t* data, size_t count
 
 bool AgentPipeServer::WriteAll(HANDLE pipe, HANDLE done, AgentBytes& data) {
     for (size_t sent = 0, moved; sent < data.size(); sent += moved)
-        if (!Move(pipe, done, data.data() + sent, data.size() - sent, true, MessageTimeoutMs, moved))
+        if (!Move(pipe, done, data.data() + sent, data.size() - sent, true, MessageTimeoutMs,
+                  moved))
             return false;
     return true;
 }

@@ -26,7 +26,8 @@ public:
     static constexpr size_t MaximumClients = 256;
 
     // protocol and store are not owned and must outlive the server.
-    AgentPipeServer(AgentProtocol& protocol, AgentKeyStore& store, const wchar_t* pipeName = DefaultPipeName);
+    AgentPipeServer(AgentProtocol& protocol, AgentKeyStore& store,
+                    const wchar_t* pipeName = DefaultPipeName);
     // Stops the server.
     ~AgentPipeServer();
     AgentPipeServer(const AgentPipeServer&) = delete;

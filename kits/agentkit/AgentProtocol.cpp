@@ -19,7 +19,8 @@ bool AgentProtocol::Sign(SshReader& reader, const VUnicodeString& client, AgentB
     const uint8_t* data;
     size_t count;
     uint32_t flags;
-    if (!reader.String(blob) || !reader.String(data, count) || !reader.Uint32(flags) || !reader.AtEnd())
+    if (!reader.String(blob) || !reader.String(data, count) || !reader.Uint32(flags) ||
+        !reader.AtEnd())
         return false;
     AgentKey key;
     AgentKeyInfo info;
@@ -55,40 +56,42 @@ bool AgentProtocol::AddIdentity(SshReader& reader, bool constrained) {
     return store_.Add(key, comment, lifetime, confirm, report);
 }
 
-void AgentProtocol::Handle(const uint8_t* request, size_t count, const VUnicodeString& client, AgentBytes& reply) {
+void AgentProtocol::Handle(const uint8_t* request, size_t count, const VUnicodeString& client,
+                           AgentBytes& reply) {
     reply.clear();
     SshReader reader(request, count);
     uint8_t type = 0;
     bool done = false;
     if (reader.Byte(type)) {
         switch (type) {
-        case AgentMessage::RequestIdentities:
-            done = reader.AtEnd() && ListIdentities(reply);
-            break;
-        case AgentMessage::SignRequest:
-            done = Sign(reader, client, reply);
-            break;
-        case AgentMessage::AddIdentity:
-        case AgentMessage::AddIdentityConstrained:
-            done = AddIdentity(reader, type == AgentMessage::AddIdentityConstrained);
-            break;
-        case AgentMessage::RemoveIdentity: {
-            AgentBytes blob;
-            done = reader.String(blob) && reader.AtEnd() && store_.Remove(blob);
-            break;
-        }
-        case AgentMessage::RemoveAllIdentities:
-            done = reader.AtEnd() && store_.RemoveAll();
-            break;
-        case AgentMessage::Lock:
-        case AgentMessage::Unlock: {
-            AgentBytes passphrase;
-            done = reader.String(passphrase) && reader.AtEnd() &&
-                   (type == AgentMessage::Lock ? store_.Lock(passphrase) : store_.Unlock(passphrase));
-            break;
-        }
-        default:
-            break;  // extensions and smart cards: not offered
+            case AgentMessage::RequestIdentities:
+                done = reader.AtEnd() && ListIdentities(reply);
+                break;
+            case AgentMessage::SignRequest:
+                done = Sign(reader, client, reply);
+                break;
+            case AgentMessage::AddIdentity:
+            case AgentMessage::AddIdentityConstrained:
+                done = AddIdentity(reader, type == AgentMessage::AddIdentityConstrained);
+                break;
+            case AgentMessage::RemoveIdentity: {
+                AgentBytes blob;
+                done = reader.String(blob) && reader.AtEnd() && store_.Remove(blob);
+                break;
+            }
+            case AgentMessage::RemoveAllIdentities:
+                done = reader.AtEnd() && store_.RemoveAll();
+                break;
+            case AgentMessage::Lock:
+            case AgentMessage::Unlock: {
+                AgentBytes passphrase;
+                done = reader.String(passphrase) && reader.AtEnd() &&
+                       (type == AgentMessage::Lock ? store_.Lock(passphrase)
+                                                   : store_.Unlock(passphrase));
+                break;
+            }
+            default:
+                break;  // extensions and smart cards: not offered
         }
     }
     if (!done) {

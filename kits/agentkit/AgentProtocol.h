@@ -24,11 +24,13 @@ public:
 class AgentProtocol {
 public:
     // store and confirm are not owned and must outlive the object.
-    AgentProtocol(AgentKeyStore& store, IAgentConfirm& confirm) : store_(store), confirm_(confirm) {}
+    AgentProtocol(AgentKeyStore& store, IAgentConfirm& confirm)
+        : store_(store), confirm_(confirm) {}
 
     // Answers request (the message without its length field), from the
     // client named client, into reply (likewise without length).
-    void Handle(const uint8_t* request, size_t count, const VUnicodeString& client, AgentBytes& reply);
+    void Handle(const uint8_t* request, size_t count, const VUnicodeString& client,
+                AgentBytes& reply);
 
 private:
     bool ListIdentities(AgentBytes& reply);

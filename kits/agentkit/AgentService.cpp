@@ -15,7 +15,9 @@ constexpr DWORD AgentStartWaitMs = 10000;
 
 bool MessageBoxConfirm::ConfirmUse(const AgentKeyInfo& key, const VUnicodeString& client) {
     VUnicodeString comment;
-    if (!ReadUtf8(reinterpret_cast<const uint8_t*>(key.comment.data()), key.comment.size(), comment)) comment = L"?";
+    if (!ReadUtf8(reinterpret_cast<const uint8_t*>(key.comment.data()), key.comment.size(),
+                  comment))
+        comment = L"?";
     const wchar_t* label;
     unsigned bits;
     DescribePublicKey(key.publicBlob, label, bits);
@@ -29,10 +31,13 @@ bool MessageBoxConfirm::ConfirmUse(const AgentKeyInfo& key, const VUnicodeString
 AgentService::AgentService(const wchar_t* pipeName, const wchar_t* storeName)
     : store_(storeName), protocol_(store_, confirm_), server_(protocol_, store_, pipeName) {}
 
-bool AgentService::Start(VReportMessageParams& report) { return store_.CheckOpen(report) && server_.Start(report); }
+bool AgentService::Start(VReportMessageParams& report) {
+    return store_.CheckOpen(report) && server_.Start(report);
+}
 
-bool AddKeyThroughAgent(const VUnicodeString& path, AgentKeyOptions options, const wchar_t* pipeName,
-                        VReportMessageParams& report, VDialog** openDialog) {
+bool AddKeyThroughAgent(const VUnicodeString& path, AgentKeyOptions options,
+                        const wchar_t* pipeName, VReportMessageParams& report,
+                        VDialog** openDialog) {
     LoadedKey key;
     if (!LoadKeyAsking(path, false, nullptr, options, key, report, openDialog)) return false;
     AgentPipeClient client;

@@ -46,5 +46,6 @@ private:
 // points to it. False with report when the file cannot be loaded, no agent
 // answers, or the agent refuses the key; false with report cleared (code 0)
 // when the user cancels.
-bool AddKeyThroughAgent(const VUnicodeString& path, AgentKeyOptions options, const wchar_t* pipeName,
-                        VReportMessageParams& report, VDialog** openDialog = nullptr);
+bool AddKeyThroughAgent(const VUnicodeString& path, AgentKeyOptions options,
+                        const wchar_t* pipeName, VReportMessageParams& report,
+                        VDialog** openDialog = nullptr);

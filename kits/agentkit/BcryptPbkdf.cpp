@@ -28,9 +28,11 @@ void BcryptHash(const uint8_t* passDigest, const uint8_t* saltDigest, uint8_t* o
     for (uint32_t& word : words)
         word = StreamToWord(reinterpret_cast<const uint8_t*>(Text), HashBytes, position);
     for (int round = 0; round < 64; ++round)
-        for (size_t index = 0; index < HashBytes / 4; index += 2) state.Encrypt(words[index], words[index + 1]);
+        for (size_t index = 0; index < HashBytes / 4; index += 2)
+            state.Encrypt(words[index], words[index + 1]);
     for (size_t index = 0; index < HashBytes / 4; ++index)
-        for (int byte = 0; byte < 4; ++byte) out[4 * index + byte] = static_cast<uint8_t>(words[index] >> (8 * byte));
+        for (int byte = 0; byte < 4; ++byte)
+            out[4 * index + byte] = static_cast<uint8_t>(words[index] >> (8 * byte));
     SecureZeroMemory(words, sizeof words);
 }
 
@@ -38,7 +40,8 @@ void BcryptHash(const uint8_t* passDigest, const uint8_t* saltDigest, uint8_t* o
 
 bool BcryptPbkdf(const uint8_t* passphrase, size_t passphraseBytes, const uint8_t* salt,
                  size_t saltBytes, uint32_t rounds, uint8_t* key, size_t keyBytes) {
-    if (rounds < 1 || saltBytes == 0 || keyBytes == 0 || keyBytes > HashBytes * HashBytes) return false;
+    if (rounds < 1 || saltBytes == 0 || keyBytes == 0 || keyBytes > HashBytes * HashBytes)
+        return false;
     uint8_t passDigest[DigestBytes], saltDigest[DigestBytes];
     CryptoPP::SHA512().CalculateDigest(passDigest, passphrase, passphraseBytes);
 
@@ -51,7 +54,8 @@ bool BcryptPbkdf(const uint8_t* passphrase, size_t passphraseBytes, const uint8_
     uint8_t block[HashBytes], out[HashBytes];
     size_t left = keyBytes;
     for (uint32_t count = 1; left > 0; ++count) {
-        for (int byte = 0; byte < 4; ++byte) countedSalt[saltBytes + byte] = static_cast<uint8_t>(count >> (24 - 8 * byte));
+        for (int byte = 0; byte < 4; ++byte)
+            countedSalt[saltBytes + byte] = static_cast<uint8_t>(count >> (24 - 8 * byte));
         CryptoPP::SHA512().CalculateDigest(saltDigest, countedSalt.data(), countedSalt.size());
         BcryptHash(passDigest, saltDigest, block);
         std::memcpy(out, block, HashBytes);

@@ -22,8 +22,10 @@ CryptoPP::Integer ArctanOfInverse(CryptoPP::word x, unsigned bits) {
     for (CryptoPP::word k = 1; !power.IsZero(); ++k) {
         power /= square;
         const Integer term = power / Integer(2 * k + 1);
-        if (k % 2) sum -= term;
-        else sum += term;
+        if (k % 2)
+            sum -= term;
+        else
+            sum += term;
     }
     return sum;
 }
@@ -32,7 +34,8 @@ const std::array<uint32_t, StateWords>& InitialState() {
     static const std::array<uint32_t, StateWords> state = [] {
         using CryptoPP::Integer;
         constexpr unsigned Bits = StateWords * 32 + 64;
-        const Integer pi = ArctanOfInverse(5, Bits) * Integer(16) - ArctanOfInverse(239, Bits) * Integer(4);
+        const Integer pi =
+            ArctanOfInverse(5, Bits) * Integer(16) - ArctanOfInverse(239, Bits) * Integer(4);
         const Integer fraction = pi - Integer(3) * Integer::Power2(Bits);
         std::array<uint32_t, StateWords> words{};
         for (size_t index = 0; index < StateWords; ++index)
@@ -97,10 +100,13 @@ void EksBlowfish::Reencrypt(const uint8_t* salt, size_t saltBytes) {
         for (int index = 0; index < 256; index += 2) next(box[index], box[index + 1]);
 }
 
-void EksBlowfish::Expand(const uint8_t* salt, size_t saltBytes, const uint8_t* key, size_t keyBytes) {
+void EksBlowfish::Expand(const uint8_t* salt, size_t saltBytes, const uint8_t* key,
+                         size_t keyBytes) {
     size_t position = 0;
     for (uint32_t& word : p_) word ^= StreamToWord(key, keyBytes, position);
     Reencrypt(salt, saltBytes);
 }
 
-void EksBlowfish::Expand0(const uint8_t* key, size_t keyBytes) { Expand(nullptr, 0, key, keyBytes); }
+void EksBlowfish::Expand0(const uint8_t* key, size_t keyBytes) {
+    Expand(nullptr, 0, key, keyBytes);
+}

@@ -33,7 +33,8 @@ constexpr struct {
 };
 
 std::string_view Trimmed(std::string_view line) {
-    while (!line.empty() && (line.back() == '\r' || line.back() == ' ' || line.back() == '\t')) line.remove_suffix(1);
+    while (!line.empty() && (line.back() == '\r' || line.back() == ' ' || line.back() == '\t'))
+        line.remove_suffix(1);
     while (!line.empty() && (line.front() == ' ' || line.front() == '\t')) line.remove_prefix(1);
     return line;
 }
@@ -56,9 +57,11 @@ bool ReadArmor(const AgentBytes& content, Armor& armor) {
         while (!rest.empty()) {
             const size_t lineEnd = rest.find('\n');
             const std::string_view line = Trimmed(rest.substr(0, lineEnd));
-            rest = lineEnd == std::string_view::npos ? std::string_view() : rest.substr(lineEnd + 1);
+            rest =
+                lineEnd == std::string_view::npos ? std::string_view() : rest.substr(lineEnd + 1);
             if (const size_t colon = line.find(':'); colon != std::string_view::npos) {
-                if (line.substr(0, colon) == "DEK-Info") armor.dekInfo = std::string(Trimmed(line.substr(colon + 1)));
+                if (line.substr(0, colon) == "DEK-Info")
+                    armor.dekInfo = std::string(Trimmed(line.substr(colon + 1)));
                 continue;
             }
             base64.append(line.data(), line.size());
@@ -78,7 +81,8 @@ bool ReadArmor(const AgentBytes& content, Armor& armor) {
 bool KeyFileNeedsPassphrase(const AgentBytes& content) {
     Armor armor;
     if (!ReadArmor(content, armor)) return false;
-    return armor.kind == BlockKind::OpenSsh ? OpenSshKeyIsSealed(armor.body) : !armor.dekInfo.empty();
+    return armor.kind == BlockKind::OpenSsh ? OpenSshKeyIsSealed(armor.body)
+                                            : !armor.dekInfo.empty();
 }
 
 KeyFileError ParseKeyFile(const AgentBytes& content, const AgentBytes& passphrase, LoadedKey& key,
@@ -86,15 +90,16 @@ KeyFileError ParseKeyFile(const AgentBytes& content, const AgentBytes& passphras
     key = LoadedKey();
     Armor armor;
     if (!ReadArmor(content, armor)) return KeyFileError::NotAKeyFile;
-    if (armor.kind == BlockKind::OpenSsh) return ParseOpenSshKey(armor.body, passphrase, key, unsupportedWhat);
-    return ParsePemKey(armor.kind == BlockKind::PemRsa ? PemKind::Rsa : PemKind::Ec, armor.dekInfo, armor.body,
-                       passphrase, key, unsupportedWhat);
+    if (armor.kind == BlockKind::OpenSsh)
+        return ParseOpenSshKey(armor.body, passphrase, key, unsupportedWhat);
+    return ParsePemKey(armor.kind == BlockKind::PemRsa ? PemKind::Rsa : PemKind::Ec, armor.dekInfo,
+                       armor.body, passphrase, key, unsupportedWhat);
 }
 
 bool ReadKeyFileBytes(const wchar_t* path, AgentBytes& content, VReportMessageParams& report) {
     report.Clear();
-    FileHandle file(CreateFileW(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
-                                FILE_ATTRIBUTE_NORMAL, nullptr));
+    FileHandle file(CreateFileW(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     LARGE_INTEGER size{};
     DWORD read = 0;
     if (file && GetFileSizeEx(file.Get(), &size)) {
@@ -103,7 +108,8 @@ bool ReadKeyFileBytes(const wchar_t* path, AgentBytes& content, VReportMessagePa
             return false;
         }
         content.resize(static_cast<size_t>(size.QuadPart));
-        if (ReadFile(file.Get(), content.data(), static_cast<DWORD>(content.size()), &read, nullptr) &&
+        if (ReadFile(file.Get(), content.data(), static_cast<DWORD>(content.size()), &read,
+                     nullptr) &&
             read == content.size())
             return true;
     }
@@ -129,20 +135,30 @@ bool LoadKeyFile(const wchar_t* path, const VUnicodeString& passphrase, LoadedKe
     const KeyFileError result = ParseKeyFile(content, Utf8Bytes(passphrase), key, unsupported);
     if (error) *error = result;
     switch (result) {
-    case KeyFileError::None:
-        if (key.comment.empty()) {  // a PEM key is named by its path, as SSH clients do
-            const AgentBytes name = Utf8Bytes(VUnicodeString(path));
-            key.comment.assign(name.begin(), name.end());
-        }
-        return true;
-    case KeyFileError::NotAKeyFile: SetAgentReport(report, AGENT_KEY_FILE_NOT_A_KEY, path); break;
-    case KeyFileError::Damaged: SetAgentReport(report, AGENT_KEY_FILE_DAMAGED, path); break;
-    case KeyFileError::NeedsPassphrase: SetAgentReport(report, AGENT_KEY_FILE_NEEDS_PASSPHRASE, path); break;
-    case KeyFileError::WrongPassphrase: SetAgentReport(report, AGENT_KEY_FILE_WRONG_PASSPHRASE, path); break;
-    case KeyFileError::TooSmall: SetAgentReport(report, AGENT_KEY_TOO_SMALL, path); break;
-    case KeyFileError::Unsupported:
-        SetAgentReport(report, AGENT_KEY_FILE_UNSUPPORTED, path, VString(unsupported.c_str()));
-        break;
+        case KeyFileError::None:
+            if (key.comment.empty()) {  // a PEM key is named by its path, as SSH clients do
+                const AgentBytes name = Utf8Bytes(VUnicodeString(path));
+                key.comment.assign(name.begin(), name.end());
+            }
+            return true;
+        case KeyFileError::NotAKeyFile:
+            SetAgentReport(report, AGENT_KEY_FILE_NOT_A_KEY, path);
+            break;
+        case KeyFileError::Damaged:
+            SetAgentReport(report, AGENT_KEY_FILE_DAMAGED, path);
+            break;
+        case KeyFileError::NeedsPassphrase:
+            SetAgentReport(report, AGENT_KEY_FILE_NEEDS_PASSPHRASE, path);
+            break;
+        case KeyFileError::WrongPassphrase:
+            SetAgentReport(report, AGENT_KEY_FILE_WRONG_PASSPHRASE, path);
+            break;
+        case KeyFileError::TooSmall:
+            SetAgentReport(report, AGENT_KEY_TOO_SMALL, path);
+            break;
+        case KeyFileError::Unsupported:
+            SetAgentReport(report, AGENT_KEY_FILE_UNSUPPORTED, path, VString(unsupported.c_str()));
+            break;
     }
     return false;
 }

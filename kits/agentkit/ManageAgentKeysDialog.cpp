@@ -65,7 +65,8 @@ int CALLBACK CompareItems(LPARAM first, LPARAM second, LPARAM order) {
 
 }  // namespace
 
-ManageAgentKeysDialog::ManageAgentKeysDialog(VListViewState& state, AgentKeyStore& store, HWND parent)
+ManageAgentKeysDialog::ManageAgentKeysDialog(VListViewState& state, AgentKeyStore& store,
+                                             HWND parent)
     : VDialog(template_, parent), template_(MakeTemplate()), state_(state), store_(store) {}
 
 VDialogTemplate ManageAgentKeysDialog::MakeTemplate() {
@@ -74,9 +75,11 @@ VDialogTemplate ManageAgentKeysDialog::MakeTemplate() {
     dialog.AddControl(L"Static", L"", ProtectionTextId, 7, 7, 420, 10, SS_LEFT);
     dialog.AddControl(WC_LISTVIEWW, L"", ListViewId, 7, 20, 420, 138,
                       LVS_REPORT | LVS_SHOWSELALWAYS | WS_TABSTOP, WS_EX_CLIENTEDGE);
-    dialog.AddControl(L"Button", L"&Add Key...", AddKeyId, 7, 165, 60, 14, BS_PUSHBUTTON | WS_TABSTOP);
+    dialog.AddControl(L"Button", L"&Add Key...", AddKeyId, 7, 165, 60, 14,
+                      BS_PUSHBUTTON | WS_TABSTOP);
     dialog.AddControl(L"Button", L"&Remove", RemoveId, 71, 165, 50, 14, BS_PUSHBUTTON | WS_TABSTOP);
-    dialog.AddControl(L"Button", L"Remove A&ll", RemoveAllId, 125, 165, 55, 14, BS_PUSHBUTTON | WS_TABSTOP);
+    dialog.AddControl(L"Button", L"Remove A&ll", RemoveAllId, 125, 165, 55, 14,
+                      BS_PUSHBUTTON | WS_TABSTOP);
     dialog.AddControl(L"Button", L"Close", IDOK, 377, 165, 50, 14, BS_DEFPUSHBUTTON | WS_TABSTOP);
     return dialog;
 }
@@ -110,13 +113,18 @@ void ManageAgentKeysDialog::OnCancel() { Close(IDCANCEL); }
 
 bool ManageAgentKeysDialog::OnCommand(WORD id, WORD notifyCode, HWND control) {
     switch (id) {
-    case AddKeyId: AddKey(); return true;
-    case RemoveId: RemoveSelected(); return true;
-    case RemoveAllId:
-        store_.RemoveAll();
-        Refresh();
-        return true;
-    default: return VDialog::OnCommand(id, notifyCode, control);
+        case AddKeyId:
+            AddKey();
+            return true;
+        case RemoveId:
+            RemoveSelected();
+            return true;
+        case RemoveAllId:
+            store_.RemoveAll();
+            Refresh();
+            return true;
+        default:
+            return VDialog::OnCommand(id, notifyCode, control);
     }
 }
 
@@ -201,8 +209,8 @@ void ManageAgentKeysDialog::Refresh() {
         DescribePublicKey(info.publicBlob, label, bits);
         const AgentText fingerprint = KeyFingerprint(info.publicBlob);
         const std::wstring texts[ColumnCount] = {
-            label, std::to_wstring(bits),
-            std::wstring(fingerprint.begin(), fingerprint.end()), Wide(info.comment).c_str()};
+            label, std::to_wstring(bits), std::wstring(fingerprint.begin(), fingerprint.end()),
+            Wide(info.comment).c_str()};
         LVITEMW item{};
         item.mask = LVIF_TEXT | LVIF_PARAM;
         item.iItem = static_cast<int>(index);
@@ -230,7 +238,8 @@ void ManageAgentKeysDialog::AddKey() {
     VReportMessageParams report;
     LoadedKey key;
     if (LoadKeyAsking(VUnicodeString(path), true, GetHwnd(), keyOptions_, key, report)) {
-        if (!store_.Add(key.key, key.comment, keyOptions_.LifetimeSeconds(), keyOptions_.confirm, report))
+        if (!store_.Add(key.key, key.comment, keyOptions_.LifetimeSeconds(), keyOptions_.confirm,
+                        report))
             VMessageBox(report, MB_OK | MB_ICONEXCLAMATION, GetHwnd());
     } else if (report.GetMessageCode() != 0) {
         VMessageBox(report, MB_OK | MB_ICONEXCLAMATION, GetHwnd());
@@ -243,7 +252,8 @@ void ManageAgentKeysDialog::RemoveSelected() {
         LVITEMW read{};
         read.mask = LVIF_PARAM;
         read.iItem = item;
-        if (ListView_GetItem(list_, &read)) store_.Remove(keys_[static_cast<size_t>(read.lParam)].publicBlob);
+        if (ListView_GetItem(list_, &read))
+            store_.Remove(keys_[static_cast<size_t>(read.lParam)].publicBlob);
     }
     Refresh();
 }

@@ -18,12 +18,13 @@ struct Header {
 };
 
 bool ReadHeader(const AgentBytes& body, Header& header) {
-    if (body.size() < sizeof Magic || std::memcmp(body.data(), Magic, sizeof Magic) != 0) return false;
+    if (body.size() < sizeof Magic || std::memcmp(body.data(), Magic, sizeof Magic) != 0)
+        return false;
     SshReader reader(body.data() + sizeof Magic, body.size() - sizeof Magic);
     uint32_t keys;
-    return reader.String(header.cipher) && reader.String(header.kdf) && reader.String(header.kdfOptions) &&
-           reader.Uint32(keys) && keys == 1 && reader.String(header.publicBlob) && reader.String(header.sealed) &&
-           reader.AtEnd();
+    return reader.String(header.cipher) && reader.String(header.kdf) &&
+           reader.String(header.kdfOptions) && reader.Uint32(keys) && keys == 1 &&
+           reader.String(header.publicBlob) && reader.String(header.sealed) && reader.AtEnd();
 }
 
 // Opens the private section in place with aes256-ctr under a key and IV
@@ -32,14 +33,16 @@ KeyFileError Unseal(const Header& header, const AgentBytes& passphrase, AgentByt
     SshReader options(header.kdfOptions);
     AgentBytes salt;
     uint32_t rounds;
-    if (!options.String(salt) || !options.Uint32(rounds) || !options.AtEnd() || salt.empty() || rounds == 0)
+    if (!options.String(salt) || !options.Uint32(rounds) || !options.AtEnd() || salt.empty() ||
+        rounds == 0)
         return KeyFileError::Damaged;
     if (passphrase.empty()) return KeyFileError::NeedsPassphrase;
     constexpr size_t KeyBytes = 32, IvBytes = 16;
     AgentBytes keyAndIv(KeyBytes + IvBytes);
-    BcryptPbkdf(passphrase.data(), passphrase.size(), salt.data(), salt.size(), rounds, keyAndIv.data(),
-                keyAndIv.size());
-    CryptoPP::CTR_Mode<CryptoPP::AES>::Decryption cipher(keyAndIv.data(), KeyBytes, keyAndIv.data() + KeyBytes);
+    BcryptPbkdf(passphrase.data(), passphrase.size(), salt.data(), salt.size(), rounds,
+                keyAndIv.data(), keyAndIv.size());
+    CryptoPP::CTR_Mode<CryptoPP::AES>::Decryption cipher(keyAndIv.data(), KeyBytes,
+                                                         keyAndIv.data() + KeyBytes);
     cipher.ProcessString(section.data(), section.size());
     return KeyFileError::None;
 }
@@ -58,7 +61,8 @@ KeyFileError ParseOpenSshKey(const AgentBytes& body, const AgentBytes& passphras
     AgentBytes section = header.sealed;
     size_t blockSize = 8;
     if (header.cipher == "aes256-ctr" && header.kdf == "bcrypt") {
-        if (const KeyFileError error = Unseal(header, passphrase, section); error != KeyFileError::None)
+        if (const KeyFileError error = Unseal(header, passphrase, section);
+            error != KeyFileError::None)
             return error;
         blockSize = 16;
     } else if (header.cipher != "none" || header.kdf != "none") {
@@ -71,17 +75,21 @@ KeyFileError ParseOpenSshKey(const AgentBytes& body, const AgentBytes& passphras
     SshReader reader(section);
     uint32_t check1, check2;
     if (!reader.Uint32(check1) || !reader.Uint32(check2)) return KeyFileError::Damaged;
-    if (check1 != check2) return blockSize == 8 ? KeyFileError::Damaged : KeyFileError::WrongPassphrase;
+    if (check1 != check2)
+        return blockSize == 8 ? KeyFileError::Damaged : KeyFileError::WrongPassphrase;
     LoadedKey loaded;
     switch (loaded.key.Read(reader)) {
-    case AgentKeyError::None: break;
-    case AgentKeyError::Unsupported: {
-        SshReader name(header.publicBlob);
-        name.String(unsupportedWhat);
-        return KeyFileError::Unsupported;
-    }
-    case AgentKeyError::TooSmall: return KeyFileError::TooSmall;
-    case AgentKeyError::Damaged: return KeyFileError::Damaged;
+        case AgentKeyError::None:
+            break;
+        case AgentKeyError::Unsupported: {
+            SshReader name(header.publicBlob);
+            name.String(unsupportedWhat);
+            return KeyFileError::Unsupported;
+        }
+        case AgentKeyError::TooSmall:
+            return KeyFileError::TooSmall;
+        case AgentKeyError::Damaged:
+            return KeyFileError::Damaged;
     }
     if (!reader.String(loaded.comment)) return KeyFileError::Damaged;
     // The padding runs 1, 2, 3, ... up to the block's end.
@@ -89,7 +97,8 @@ KeyFileError ParseOpenSshKey(const AgentBytes& body, const AgentBytes& passphras
         uint8_t pad;
         if (!reader.Byte(pad) || pad != expected) return KeyFileError::Damaged;
     }
-    if (loaded.key.GetPublicBlob() != header.publicBlob || loaded.key.Validate() != AgentKeyError::None)
+    if (loaded.key.GetPublicBlob() != header.publicBlob ||
+        loaded.key.Validate() != AgentKeyError::None)
         return KeyFileError::Damaged;
     key = std::move(loaded);
     return KeyFileError::None;

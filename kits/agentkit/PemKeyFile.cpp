@@ -48,12 +48,14 @@ AgentBytes DeriveKey(const AgentBytes& passphrase, const AgentBytes& iv, size_t 
 }
 
 template <class Cipher>
-bool DecryptCbc(const AgentBytes& key, const AgentBytes& iv, const AgentBytes& sealed, AgentBytes& plain) {
+bool DecryptCbc(const AgentBytes& key, const AgentBytes& iv, const AgentBytes& sealed,
+                AgentBytes& plain) {
     try {
         typename CryptoPP::CBC_Mode<Cipher>::Decryption cipher(key.data(), key.size(), iv.data());
         std::string out;  // wiped below: it holds the key
-        CryptoPP::StringSource(sealed.data(), sealed.size(), true,
-                               new CryptoPP::StreamTransformationFilter(cipher, new CryptoPP::StringSink(out)));
+        CryptoPP::StringSource(
+            sealed.data(), sealed.size(), true,
+            new CryptoPP::StreamTransformationFilter(cipher, new CryptoPP::StringSink(out)));
         plain.assign(out.begin(), out.end());
         SecureZeroMemory(out.data(), out.size());
         return true;
@@ -62,8 +64,8 @@ bool DecryptCbc(const AgentBytes& key, const AgentBytes& iv, const AgentBytes& s
     }
 }
 
-KeyFileError Unseal(const std::string& dekInfo, const AgentBytes& passphrase, const AgentBytes& sealed,
-                    AgentBytes& plain, AgentText& unsupportedWhat) {
+KeyFileError Unseal(const std::string& dekInfo, const AgentBytes& passphrase,
+                    const AgentBytes& sealed, AgentBytes& plain, AgentText& unsupportedWhat) {
     const size_t comma = dekInfo.find(',');
     const std::string name = dekInfo.substr(0, comma);
     for (const PemCipher& cipher : Ciphers) {
@@ -76,8 +78,9 @@ KeyFileError Unseal(const std::string& dekInfo, const AgentBytes& passphrase, co
         if (iv.size() != cipher.ivBytes) return KeyFileError::Damaged;
         if (passphrase.empty()) return KeyFileError::NeedsPassphrase;
         const AgentBytes key = DeriveKey(passphrase, iv, cipher.keyBytes);
-        const bool opened = cipher.ivBytes == 8 ? DecryptCbc<CryptoPP::DES_EDE3>(key, iv, sealed, plain)
-                                                : DecryptCbc<CryptoPP::AES>(key, iv, sealed, plain);
+        const bool opened = cipher.ivBytes == 8
+                                ? DecryptCbc<CryptoPP::DES_EDE3>(key, iv, sealed, plain)
+                                : DecryptCbc<CryptoPP::AES>(key, iv, sealed, plain);
         return opened ? KeyFileError::None : KeyFileError::WrongPassphrase;
     }
     unsupportedWhat.assign(name.begin(), name.end());
@@ -90,8 +93,9 @@ void DecodeRsa(const AgentBytes& der, SshWriter& writer) {
     CryptoPP::ArraySource source(der.data(), der.size(), true);
     rsa.BERDecodePrivateKey(source, false, der.size());
     writer.String("ssh-rsa");
-    for (const Integer& field : {rsa.GetModulus(), rsa.GetPublicExponent(), rsa.GetPrivateExponent(),
-                                 rsa.GetMultiplicativeInverseOfPrime2ModPrime1(), rsa.GetPrime1(), rsa.GetPrime2()})
+    for (const Integer& field :
+         {rsa.GetModulus(), rsa.GetPublicExponent(), rsa.GetPrivateExponent(),
+          rsa.GetMultiplicativeInverseOfPrime2ModPrime1(), rsa.GetPrime1(), rsa.GetPrime2()})
         writer.Mpint(field);
 }
 
@@ -114,13 +118,15 @@ bool DecodeEc(const AgentBytes& der, SshWriter& writer, AgentText& unsupportedWh
     CryptoPP::BERDecodeOctetString(sequence, secret);
     CryptoPP::OID oid;
     {
-        CryptoPP::BERGeneralDecoder parameters(sequence, CryptoPP::CONTEXT_SPECIFIC | CryptoPP::CONSTRUCTED | 0);
+        CryptoPP::BERGeneralDecoder parameters(
+            sequence, CryptoPP::CONTEXT_SPECIFIC | CryptoPP::CONSTRUCTED | 0);
         oid.BERDecode(parameters);
         parameters.MessageEnd();
     }
     CryptoPP::SecByteBlock point;
     {
-        CryptoPP::BERGeneralDecoder publicKey(sequence, CryptoPP::CONTEXT_SPECIFIC | CryptoPP::CONSTRUCTED | 1);
+        CryptoPP::BERGeneralDecoder publicKey(
+            sequence, CryptoPP::CONTEXT_SPECIFIC | CryptoPP::CONSTRUCTED | 1);
         unsigned unusedBits = 0;
         CryptoPP::BERDecodeBitString(publicKey, point, unusedBits);
         publicKey.MessageEnd();
@@ -149,12 +155,15 @@ KeyFileError ParsePemKey(PemKind kind, const std::string& dekInfo, const AgentBy
             return error;
     }
     // A sealed block that opens to no valid key was opened with a wrong pass phrase.
-    const KeyFileError broken = dekInfo.empty() ? KeyFileError::Damaged : KeyFileError::WrongPassphrase;
+    const KeyFileError broken =
+        dekInfo.empty() ? KeyFileError::Damaged : KeyFileError::WrongPassphrase;
     AgentBytes wire;
     SshWriter writer(wire);
     try {
-        if (kind == PemKind::Rsa) DecodeRsa(der, writer);
-        else if (!DecodeEc(der, writer, unsupportedWhat)) return KeyFileError::Unsupported;
+        if (kind == PemKind::Rsa)
+            DecodeRsa(der, writer);
+        else if (!DecodeEc(der, writer, unsupportedWhat))
+            return KeyFileError::Unsupported;
     } catch (const CryptoPP::Exception&) {
         return broken;
     }

@@ -61,7 +61,8 @@ bool SshReader::Byte(uint8_t& value) {
 bool SshReader::Uint32(uint32_t& value) {
     const uint8_t* data;
     if (!Take(4, data)) return false;
-    value = (uint32_t{data[0]} << 24) | (uint32_t{data[1]} << 16) | (uint32_t{data[2]} << 8) | data[3];
+    value =
+        (uint32_t{data[0]} << 24) | (uint32_t{data[1]} << 16) | (uint32_t{data[2]} << 8) | data[3];
     return true;
 }
 

@@ -32,7 +32,8 @@ bool OpenStoreKey(StoreKeyWrap wrap, const AgentBytes& wrapped, AgentBytes& key)
 // Seals plain under key; the result is nonce, cipher text and tag. bound is
 // authenticated with it (the record's public key), so a sealed key moved to
 // another record does not open.
-AgentBytes SealWithStoreKey(const AgentBytes& key, const AgentBytes& plain, const AgentBytes& bound);
+AgentBytes SealWithStoreKey(const AgentBytes& key, const AgentBytes& plain,
+                            const AgentBytes& bound);
 // False when sealed was not made by SealWithStoreKey with this key and bound.
-bool OpenWithStoreKey(const AgentBytes& key, const uint8_t* sealed, size_t count, const AgentBytes& bound,
-                      AgentBytes& plain);
+bool OpenWithStoreKey(const AgentBytes& key, const uint8_t* sealed, size_t count,
+                      const AgentBytes& bound, AgentBytes& plain);

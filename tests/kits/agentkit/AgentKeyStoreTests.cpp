@@ -24,13 +24,15 @@ std::vector<AgentText> Comments(AgentKeyStore& store) {
 
 bool BlockHolds(AgentKeyStore& store, const AgentBytes& secret) {
     const uint8_t* data = store.GetDataForTests();
-    return std::search(data, data + store.GetSize(), secret.begin(), secret.end()) != data + store.GetSize();
+    return std::search(data, data + store.GetSize(), secret.begin(), secret.end()) !=
+           data + store.GetSize();
 }
 
 // What a second process of the session reads from the store.
 std::string ListFromAnotherProcess(const std::wstring& store) {
     // cmd.exe wants the whole line quoted again when the program's path is.
-    const std::wstring command = L"\"\"" + std::wstring(GetPathBesideProgram(L"agent_tool.exe").c_str()) +
+    const std::wstring command = L"\"\"" +
+                                 std::wstring(GetPathBesideProgram(L"agent_tool.exe").c_str()) +
                                  L"\" storelist \"" + store + L"\"\"";
     FILE* output = _wpopen(command.c_str(), L"r");
     std::string text;
@@ -47,7 +49,8 @@ TEST(AgentKeyStoreTest, KeepsKeysForEveryProcessAndNeverPlain) {
     AgentKeyStore store(name.c_str());
     ASSERT_TRUE(store.IsOpen());
     VReportMessageParams report;
-    const LoadedKey ed25519 = LoadTestKey("ed25519"), rsa = LoadTestKey("rsa"), p384 = LoadTestKey("ecdsa384");
+    const LoadedKey ed25519 = LoadTestKey("ed25519"), rsa = LoadTestKey("rsa"),
+                    p384 = LoadTestKey("ecdsa384");
     for (const LoadedKey* key : {&ed25519, &rsa, &p384})
         ASSERT_TRUE(store.Add(key->key, key->comment, 0, false, report));
     // The same key again keeps its place in the count, with the new settings.
@@ -62,7 +65,8 @@ TEST(AgentKeyStoreTest, KeepsKeysForEveryProcessAndNeverPlain) {
         AgentBytes secret;
         SshWriter writer(secret);
         key->key.Write(writer);
-        EXPECT_FALSE(BlockHolds(store, AgentBytes(secret.end() - end - 24, secret.end() - end))) << key->comment.c_str();
+        EXPECT_FALSE(BlockHolds(store, AgentBytes(secret.end() - end - 24, secret.end() - end)))
+            << key->comment.c_str();
         EXPECT_TRUE(BlockHolds(store, key->key.GetPublicBlob()));
     }
     AgentKey opened;
@@ -73,7 +77,8 @@ TEST(AgentKeyStoreTest, KeepsKeysForEveryProcessAndNeverPlain) {
 
     const std::string seen = ListFromAnotherProcess(name);
     for (const LoadedKey* key : {&ed25519, &rsa, &p384})
-        EXPECT_NE(seen.find(KeyFingerprint(key->key.GetPublicBlob()).c_str()), std::string::npos) << seen;
+        EXPECT_NE(seen.find(KeyFingerprint(key->key.GetPublicBlob()).c_str()), std::string::npos)
+            << seen;
 
     // Removed by another holder of the block: the key opened here before goes too.
     EXPECT_TRUE(AgentKeyStore(name.c_str()).Remove(rsa.key.GetPublicBlob()));
@@ -87,15 +92,18 @@ TEST(AgentKeyStoreTest, KeepsKeysForEveryProcessAndNeverPlain) {
 TEST(AgentKeyStoreTest, AFullBlockRefusesWithAMessageAndKeepsItsKeys) {
     const std::wstring name = UniqueName(L"{agent-store-full}");
     AgentKeyStore store(name.c_str(), AgentKeyStore::HeaderBytes + 700);
-    const LoadedKey keys[] = {LoadTestKey("ed25519"), LoadTestKey("ecdsa256"), LoadTestKey("ecdsa521"),
-                              LoadTestKey("rsa")};
+    const LoadedKey keys[] = {LoadTestKey("ed25519"), LoadTestKey("ecdsa256"),
+                              LoadTestKey("ecdsa521"), LoadTestKey("rsa")};
     VReportMessageParams report;
     size_t added = 0;
-    while (added < std::size(keys) && store.Add(keys[added].key, keys[added].comment, 0, false, report)) ++added;
+    while (added < std::size(keys) &&
+           store.Add(keys[added].key, keys[added].comment, 0, false, report))
+        ++added;
     ASSERT_GT(added, 0u);
     ASSERT_LT(added, std::size(keys));
     EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(AGENT_STORE_FULL));
-    EXPECT_NE(std::wstring(report.GetText()).find(L"is full"), std::wstring::npos) << report.GetText();
+    EXPECT_NE(std::wstring(report.GetText()).find(L"is full"), std::wstring::npos)
+        << report.GetText();
     EXPECT_EQ(store.List().size(), added);
 }
 
@@ -104,8 +112,13 @@ TEST(AgentKeyStoreTest, ADamagedBlockIsResetAndUsableAgain) {
         size_t offset;
         const char* what;
     } damages[] = {
-        {0, "magic"}, {4, "version"}, {8, "checksum"}, {16, "count"}, {21, "length of the records"},
-        {AgentKeyStore::HeaderBytes + 1, "a record's size"}, {AgentKeyStore::HeaderBytes + 60, "a public key"},
+        {0, "magic"},
+        {4, "version"},
+        {8, "checksum"},
+        {16, "count"},
+        {21, "length of the records"},
+        {AgentKeyStore::HeaderBytes + 1, "a record's size"},
+        {AgentKeyStore::HeaderBytes + 60, "a public key"},
     };
     const LoadedKey key = LoadTestKey("ecdsa256");
     for (const auto& damage : damages) {
@@ -135,10 +148,12 @@ TEST(AgentKeyStoreTest, LifetimesEndAndALockedStoreHidesItsKeys) {
     AgentKeyInfo info;
     EXPECT_TRUE(store.GetKey(brief.key.GetPublicBlob(), opened, info));
     now += 1;
-    EXPECT_FALSE(store.GetKey(brief.key.GetPublicBlob(), opened, info)) << "opened before, ended since";
+    EXPECT_FALSE(store.GetKey(brief.key.GetPublicBlob(), opened, info))
+        << "opened before, ended since";
     EXPECT_EQ(Comments(store), std::vector<AgentText>{"test p384"});
 
-    const AgentBytes passphrase = Utf8Bytes(VUnicodeString(L"lock it")), wrong = Utf8Bytes(VUnicodeString(L"lock"));
+    const AgentBytes passphrase = Utf8Bytes(VUnicodeString(L"lock it")),
+                     wrong = Utf8Bytes(VUnicodeString(L"lock"));
     ASSERT_TRUE(store.Lock(passphrase));
     EXPECT_FALSE(store.Lock(passphrase));
     EXPECT_TRUE(store.List().empty());

@@ -17,7 +17,8 @@ namespace {
 
 uint32_t Seed() {
     const char* given = std::getenv("TRAYWELL_AGENT_SEED");
-    const uint32_t seed = given ? static_cast<uint32_t>(std::strtoul(given, nullptr, 10)) : std::random_device()();
+    const uint32_t seed =
+        given ? static_cast<uint32_t>(std::strtoul(given, nullptr, 10)) : std::random_device()();
     std::printf("seed %u (set TRAYWELL_AGENT_SEED to replay)\n", seed);
     return seed;
 }
@@ -43,8 +44,10 @@ TEST(AgentCryptoTest, OurBlowfishIsCryptoPlusPlusBlowfish) {
             }
             theirs.ProcessBlock(bytes, expected);
             ours.Encrypt(left, right);
-            EXPECT_EQ(left, uint32_t{expected[0]} << 24 | expected[1] << 16 | expected[2] << 8 | expected[3]);
-            EXPECT_EQ(right, uint32_t{expected[4]} << 24 | expected[5] << 16 | expected[6] << 8 | expected[7]);
+            EXPECT_EQ(left, uint32_t{expected[0]} << 24 | expected[1] << 16 | expected[2] << 8 |
+                                expected[3]);
+            EXPECT_EQ(right, uint32_t{expected[4]} << 24 | expected[5] << 16 | expected[6] << 8 |
+                                 expected[7]);
         }
     }
     uint8_t out[32];
@@ -83,7 +86,8 @@ TEST(KeyFileTest, ReadsWhatSshKeygenWroteAndRefusesTheRest) {
         EXPECT_EQ(KeyFileNeedsPassphrase(content), std::string(test.file) == "ed25519-sealed");
         LoadedKey key;
         AgentText what;
-        ASSERT_EQ(ParseKeyFile(content, Utf8Bytes(VUnicodeString(test.passphrase)), key, what), test.error);
+        ASSERT_EQ(ParseKeyFile(content, Utf8Bytes(VUnicodeString(test.passphrase)), key, what),
+                  test.error);
         if (test.error != KeyFileError::None) {
             EXPECT_TRUE(key.key.GetPublicBlob().size() <= 4) << "a refused file leaves no key";
             continue;
@@ -109,6 +113,8 @@ TEST(KeyFileTest, ReadsWhatSshKeygenWroteAndRefusesTheRest) {
         EXPECT_NE(ParseKeyFile(damaged, {}, key, what), KeyFileError::None) << "damage at " << at;
     }
     LoadedKey key;
-    EXPECT_FALSE(LoadKeyFile(TestKeyPath("ed25519-sealed").c_str(), VUnicodeString(L"nope"), key, report));
-    EXPECT_NE(std::wstring(report.GetText()).find(L"pass phrase does not open"), std::wstring::npos);
+    EXPECT_FALSE(
+        LoadKeyFile(TestKeyPath("ed25519-sealed").c_str(), VUnicodeString(L"nope"), key, report));
+    EXPECT_NE(std::wstring(report.GetText()).find(L"pass phrase does not open"),
+              std::wstring::npos);
 }

@@ -67,8 +67,12 @@ TEST_F(AgentPipeTest, ServesEveryKeyTypeAsSshAddAndSshUseIt) {
         uint32_t flags;
         const char* signature;
     } signs[] = {
-        {0, 0, "ssh-ed25519"}, {1, 0, "ecdsa-sha2-nistp256"}, {2, 0, "ecdsa-sha2-nistp384"},
-        {3, 0, "ecdsa-sha2-nistp521"}, {4, SignRsaSha256, "rsa-sha2-256"}, {4, SignRsaSha512, "rsa-sha2-512"},
+        {0, 0, "ssh-ed25519"},
+        {1, 0, "ecdsa-sha2-nistp256"},
+        {2, 0, "ecdsa-sha2-nistp384"},
+        {3, 0, "ecdsa-sha2-nistp521"},
+        {4, SignRsaSha256, "rsa-sha2-256"},
+        {4, SignRsaSha512, "rsa-sha2-512"},
         {4, 0, "ssh-rsa"},
     };
     const uint8_t data[] = "session identifier and request";
@@ -76,7 +80,8 @@ TEST_F(AgentPipeTest, ServesEveryKeyTypeAsSshAddAndSshUseIt) {
         EXPECT_EQ(listed[sign.key].publicBlob, keys_[sign.key].key.GetPublicBlob());
         EXPECT_EQ(listed[sign.key].comment, keys_[sign.key].comment);
         AgentBytes signature;
-        ASSERT_TRUE(client_.Sign(listed[sign.key].publicBlob, data, sizeof data, sign.flags, signature));
+        ASSERT_TRUE(
+            client_.Sign(listed[sign.key].publicBlob, data, sizeof data, sign.flags, signature));
         EXPECT_EQ(SignatureName(signature), sign.signature);
     }
     EXPECT_EQ(confirm_.asked, 0);
@@ -89,7 +94,8 @@ TEST_F(AgentPipeTest, ServesEveryKeyTypeAsSshAddAndSshUseIt) {
     confirm_.answer = true;
     EXPECT_TRUE(client_.Sign(listed[0].publicBlob, data, sizeof data, 0, signature));
     EXPECT_EQ(confirm_.asked, 2);
-    EXPECT_NE(std::wstring(confirm_.client.c_str()).find(L"agentcore_tests.exe ("), std::wstring::npos);
+    EXPECT_NE(std::wstring(confirm_.client.c_str()).find(L"agentcore_tests.exe ("),
+              std::wstring::npos);
 
     const AgentBytes passphrase = Utf8Bytes(VUnicodeString(L"away"));
     ASSERT_TRUE(client_.Lock(passphrase));
@@ -120,21 +126,25 @@ TEST_F(AgentPipeTest, SurvivesClientsThatStallSendGarbageOrVanish) {
         AgentPipeClient other;
         EXPECT_TRUE(other.Connect(pipe_.c_str(), 5000, report_));
         DWORD written;
-        WriteFile(other.GetPipe(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+        WriteFile(other.GetPipe(), bytes.data(), static_cast<DWORD>(bytes.size()), &written,
+                  nullptr);
         return other;
     };
-    AgentPipeClient stalled = raw(std::string("\0\0\0\x20\x0b", 5));  // half a message, then nothing
+    AgentPipeClient stalled =
+        raw(std::string("\0\0\0\x20\x0b", 5));  // half a message, then nothing
     AgentPipeClient oversized = raw(std::string("\x7f\xff\xff\xff\x0b", 5));
     raw(std::string("\0\0\0\x40\x0d\0\0", 7));  // goes away in the middle
     char byte;
     DWORD got = 0;
-    EXPECT_FALSE(ReadFile(oversized.GetPipe(), &byte, 1, &got, nullptr)) << "an oversized message ends its connection";
+    EXPECT_FALSE(ReadFile(oversized.GetPipe(), &byte, 1, &got, nullptr))
+        << "an oversized message ends its connection";
 
     std::vector<AgentIdentity> listed;
     EXPECT_TRUE(client_.List(listed));
     EXPECT_EQ(listed.size(), std::size(KeyNames)) << "others are served while one stalls";
     for (int wait = 0; wait < 100 && server_.GetClientCount() > 1; ++wait) Sleep(100);
-    EXPECT_EQ(server_.GetClientCount(), 1u) << "the stalled client is dropped after the message time-out";
+    EXPECT_EQ(server_.GetClientCount(), 1u)
+        << "the stalled client is dropped after the message time-out";
     EXPECT_FALSE(ReadFile(stalled.GetPipe(), &byte, 1, &got, nullptr));
 }
 
@@ -143,7 +153,8 @@ TEST_F(AgentPipeTest, SurvivesClientsThatStallSendGarbageOrVanish) {
 TEST_F(AgentPipeTest, AHundredThousandMalformedMessagesChangeNothing) {
     AddAll();
     const char* given = std::getenv("TRAYWELL_AGENT_SEED");
-    const uint32_t seed = given ? static_cast<uint32_t>(std::strtoul(given, nullptr, 10)) : std::random_device()();
+    const uint32_t seed =
+        given ? static_cast<uint32_t>(std::strtoul(given, nullptr, 10)) : std::random_device()();
     std::printf("seed %u (set TRAYWELL_AGENT_SEED to replay)\n", seed);
     std::mt19937 random(seed);
 
@@ -175,28 +186,29 @@ TEST_F(AgentPipeTest, AHundredThousandMalformedMessagesChangeNothing) {
     auto malformed = [&]() {
         AgentBytes message = valid[random() % valid.size()];
         switch (random() % 4) {
-        case 0:  // cut short
-            message.resize(1 + random() % (message.size() > 1 ? message.size() - 1 : 1));
-            if (message.size() == 1 && (message[0] == AgentMessage::RemoveAllIdentities ||
-                                        message[0] == AgentMessage::RequestIdentities))
-                message.push_back(0);
-            break;
-        case 1:  // trailing bytes
-            for (uint32_t extra = 1 + random() % 8; extra > 0; --extra) message.push_back(static_cast<uint8_t>(random()));
-            break;
-        case 2:  // a length field that runs past the end
-            if (message.size() >= 5) {
-                uint8_t& byte = message[1 + random() % 4];
-                const uint8_t before = byte;
-                while (byte == before) byte = static_cast<uint8_t>(0x80 | random());
-            } else {
-                message.push_back(1);
-            }
-            break;
-        default:  // a message type the agent does not offer, with random bytes
-            message.assign(1 + random() % 64, 0);
-            for (auto& byte : message) byte = static_cast<uint8_t>(random());
-            message[0] = static_cast<uint8_t>(28 + random() % 200);
+            case 0:  // cut short
+                message.resize(1 + random() % (message.size() > 1 ? message.size() - 1 : 1));
+                if (message.size() == 1 && (message[0] == AgentMessage::RemoveAllIdentities ||
+                                            message[0] == AgentMessage::RequestIdentities))
+                    message.push_back(0);
+                break;
+            case 1:  // trailing bytes
+                for (uint32_t extra = 1 + random() % 8; extra > 0; --extra)
+                    message.push_back(static_cast<uint8_t>(random()));
+                break;
+            case 2:  // a length field that runs past the end
+                if (message.size() >= 5) {
+                    uint8_t& byte = message[1 + random() % 4];
+                    const uint8_t before = byte;
+                    while (byte == before) byte = static_cast<uint8_t>(0x80 | random());
+                } else {
+                    message.push_back(1);
+                }
+                break;
+            default:  // a message type the agent does not offer, with random bytes
+                message.assign(1 + random() % 64, 0);
+                for (auto& byte : message) byte = static_cast<uint8_t>(random());
+                message[0] = static_cast<uint8_t>(28 + random() % 200);
         }
         return message;
     };
@@ -209,14 +221,18 @@ TEST_F(AgentPipeTest, AHundredThousandMalformedMessagesChangeNothing) {
         std::vector<AgentBytes> batch;
         for (int index = 0; index < Batch; ++index) writer.String(batch.emplace_back(malformed()));
         DWORD moved;
-        ASSERT_TRUE(WriteFile(client_.GetPipe(), frames.data(), static_cast<DWORD>(frames.size()), &moved, nullptr));
+        ASSERT_TRUE(WriteFile(client_.GetPipe(), frames.data(), static_cast<DWORD>(frames.size()),
+                              &moved, nullptr));
         for (int index = 0; index < Batch; ++index) {
             uint8_t reply[5];  // a failure is 5 bytes; anything else shows in its first 5
             for (DWORD total = 0; total < sizeof reply; total += moved)
-                ASSERT_TRUE(ReadFile(client_.GetPipe(), reply + total, sizeof reply - total, &moved, nullptr) && moved);
+                ASSERT_TRUE(ReadFile(client_.GetPipe(), reply + total, sizeof reply - total, &moved,
+                                     nullptr) &&
+                            moved);
             ASSERT_TRUE(reply[0] == 0 && reply[1] == 0 && reply[2] == 0 && reply[3] == 1 &&
                         reply[4] == AgentMessage::Failure)
-                << "message " << sent + index << " was not refused: " << testing::PrintToString(batch[index]);
+                << "message " << sent + index
+                << " was not refused: " << testing::PrintToString(batch[index]);
             ++failures;
         }
     }
@@ -227,7 +243,8 @@ TEST_F(AgentPipeTest, AHundredThousandMalformedMessagesChangeNothing) {
     for (size_t index = 0; index < keys_.size(); ++index) {
         EXPECT_EQ(listed[index].comment, keys_[index].comment);
         AgentBytes signature;
-        EXPECT_TRUE(client_.Sign(listed[index].publicBlob, reinterpret_cast<const uint8_t*>("x"), 1, 0, signature));
+        EXPECT_TRUE(client_.Sign(listed[index].publicBlob, reinterpret_cast<const uint8_t*>("x"), 1,
+                                 0, signature));
     }
 }
 
@@ -235,8 +252,8 @@ TEST_F(AgentPipeTest, AHundredThousandMalformedMessagesChangeNothing) {
 TEST_F(AgentPipeTest, ThePipeAdmitsOnlyTheCurrentUser) {
     PACL acl = nullptr;
     PSECURITY_DESCRIPTOR descriptor = nullptr;
-    ASSERT_EQ(GetSecurityInfo(client_.GetPipe(), SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &acl,
-                              nullptr, &descriptor),
+    ASSERT_EQ(GetSecurityInfo(client_.GetPipe(), SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION,
+                              nullptr, nullptr, &acl, nullptr, &descriptor),
               static_cast<DWORD>(ERROR_SUCCESS));
     const LocalMemory owner(descriptor);
     ASSERT_NE(acl, nullptr);
@@ -255,6 +272,7 @@ TEST_F(AgentPipeTest, ThePipeAdmitsOnlyTheCurrentUser) {
     AgentPipeServer second(protocol_, store_, pipe_.c_str());
     VReportMessageParams report;
     EXPECT_FALSE(second.Start(report));
-    EXPECT_NE(std::wstring(report.GetText()).find(L"Another program already serves"), std::wstring::npos)
+    EXPECT_NE(std::wstring(report.GetText()).find(L"Another program already serves"),
+              std::wstring::npos)
         << report.GetText();
 }

@@ -5,8 +5,8 @@
 #include <cryptopp/base64.h>
 
 #include <atomic>
-#include <fstream>
 #include <cstring>
+#include <fstream>
 
 #include "AgentPipeClient.h"
 
@@ -17,7 +17,8 @@ std::wstring TestKeyPath(const char* name) {
 LoadedKey LoadTestKey(const char* name, const wchar_t* passphrase) {
     LoadedKey key;
     VReportMessageParams report;
-    EXPECT_TRUE(LoadKeyFile(TestKeyPath(name).c_str(), VUnicodeString(passphrase, Str::Sensitive), key, report))
+    EXPECT_TRUE(LoadKeyFile(TestKeyPath(name).c_str(), VUnicodeString(passphrase, Str::Sensitive),
+                            key, report))
         << name << ": " << VString(report.GetTextAsString()).c_str();
     return key;
 }
@@ -29,11 +30,14 @@ AgentIdentity ReadPublicKeyFile(const char* name) {
     file >> type >> base64;
     std::getline(file, comment);
     std::string blob;
-    CryptoPP::StringSource(base64, true, new CryptoPP::Base64Decoder(new CryptoPP::StringSink(blob)));
-    return AgentIdentity{AgentBytes(blob.begin(), blob.end()), AgentText(comment.begin() + 1, comment.end())};
+    CryptoPP::StringSource(base64, true,
+                           new CryptoPP::Base64Decoder(new CryptoPP::StringSink(blob)));
+    return AgentIdentity{AgentBytes(blob.begin(), blob.end()),
+                         AgentText(comment.begin() + 1, comment.end())};
 }
 
 std::wstring UniqueName(const wchar_t* prefix) {
     static std::atomic<int> counter{0};
-    return std::wstring(prefix) + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++counter);
+    return std::wstring(prefix) + std::to_wstring(GetCurrentProcessId()) + L"-" +
+           std::to_wstring(++counter);
 }

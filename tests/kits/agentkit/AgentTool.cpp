@@ -5,8 +5,8 @@
 //   agent_tool list PIPE                 list the agent's keys: "<fingerprint> <comment>"
 //   agent_tool storelist STORE           the same, read from the key store STORE directly
 // Exit code 0 on success; a failure prints the report's text.
-#include <winsock2.h>
 #include <windows.h>
+#include <winsock2.h>
 
 #include <cstdio>
 #include <string>
@@ -71,7 +71,8 @@ int Relay(const wchar_t* pipe, int port) {
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<u_short>(port));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 || listen(listener, 16) != 0) {
+    if (bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
+        listen(listener, 16) != 0) {
         std::fprintf(stderr, "cannot listen on port %d: %d\n", port, WSAGetLastError());
         return 1;
     }
@@ -124,7 +125,8 @@ int StoreList(const wchar_t* name) {
 int wmain(int argc, wchar_t** argv) {
     const std::wstring command = argc > 1 ? argv[1] : L"";
     if (command == L"relay" && argc == 4) return Relay(argv[2], _wtoi(argv[3]));
-    if (command == L"fingerprint" && argc >= 3) return Fingerprint(argv[2], Passphrase(argc, argv, 3));
+    if (command == L"fingerprint" && argc >= 3)
+        return Fingerprint(argv[2], Passphrase(argc, argv, 3));
     if (command == L"list" && argc == 3) return List(argv[2]);
     if (command == L"storelist" && argc == 3) return StoreList(argv[2]);
     std::fprintf(stderr, "usage: agent_tool relay|fingerprint|list|storelist ...\n");

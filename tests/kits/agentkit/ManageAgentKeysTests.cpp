@@ -13,8 +13,8 @@
 
 #include "AgentKeyStore.h"
 #include "AgentUi.h"
-#include "KeyFile.h"
 #include "CommonUi.h"
+#include "KeyFile.h"
 #include "ModalProbe.h"
 #include "VDialog.h"
 
@@ -136,53 +136,55 @@ TEST(ManageAgentKeysTest, AddsAKeyThroughTheFileDialogAndThePassPhraseAndRemoves
         if (!window) return false;
         const HWND list = GetDlgItem(window, ListViewId);
         HWND dialog = nullptr;
-        for (HWND candidate = nullptr; (candidate = FindWindowExW(nullptr, candidate, L"#32770", nullptr));)
+        for (HWND candidate = nullptr;
+             (candidate = FindWindowExW(nullptr, candidate, L"#32770", nullptr));)
             if (candidate != window && IsWindowVisible(candidate) &&
                 GetWindowThreadProcessId(candidate, nullptr) == GetCurrentThreadId())
                 dialog = candidate;
         switch (step) {
-        case 0:  // Add Key opens the file dialog
-            PostMessageW(window, WM_COMMAND, AddKeyId, 0);
-            ++step;
-            return false;
-        case 1:  // the file dialog: type the path, OK
-            if (!dialog || !GetDlgItem(dialog, FileNameComboId)) return false;
-            SetDlgItemTextW(dialog, FileNameComboId, file.c_str());
-            PostMessageW(dialog, WM_COMMAND, IDOK, 0);
-            ++step;
-            return false;
-        case 2:
-        case 3:  // the pass-phrase prompt: wrong, then right, asking for confirmation
-            if (!dialog || !GetDlgItem(dialog, PassphraseId) || !IsWindowEnabled(GetDlgItem(dialog, PassphraseId)))
+            case 0:  // Add Key opens the file dialog
+                PostMessageW(window, WM_COMMAND, AddKeyId, 0);
+                ++step;
                 return false;
-            if (step == 3) {
+            case 1:  // the file dialog: type the path, OK
+                if (!dialog || !GetDlgItem(dialog, FileNameComboId)) return false;
+                SetDlgItemTextW(dialog, FileNameComboId, file.c_str());
+                PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+                ++step;
+                return false;
+            case 2:
+            case 3:  // the pass-phrase prompt: wrong, then right, asking for confirmation
+                if (!dialog || !GetDlgItem(dialog, PassphraseId) ||
+                    !IsWindowEnabled(GetDlgItem(dialog, PassphraseId)))
+                    return false;
+                if (step == 3) {
+                    wchar_t text[256] = {};
+                    GetDlgItemTextW(dialog, 1105, text, 256);
+                    prompt = text;
+                }
+                SetDlgItemTextW(dialog, PassphraseId, step == 2 ? L"wrong" : L"open sesame");
+                CheckDlgButton(dialog, ConfirmId, BST_CHECKED);
+                PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+                ++step;
+                return false;
+            case 4: {  // listed; select it and remove it
+                if (ListView_GetItemCount(list) != 1) return false;
                 wchar_t text[256] = {};
-                GetDlgItemTextW(dialog, 1105, text, 256);
-                prompt = text;
+                for (int column = 0; column < 4; ++column) {
+                    ListView_GetItemText(list, 0, column, text, 256);
+                    listed += text + std::wstring(L"|");
+                }
+                const std::vector<AgentKeyInfo> held = store.List();
+                confirmSeen = held.size() == 1 && held[0].confirm;
+                ListView_SetItemState(list, 0, LVIS_SELECTED, LVIS_SELECTED);
+                PostMessageW(window, WM_COMMAND, RemoveId, 0);
+                ++step;
+                return false;
             }
-            SetDlgItemTextW(dialog, PassphraseId, step == 2 ? L"wrong" : L"open sesame");
-            CheckDlgButton(dialog, ConfirmId, BST_CHECKED);
-            PostMessageW(dialog, WM_COMMAND, IDOK, 0);
-            ++step;
-            return false;
-        case 4: {  // listed; select it and remove it
-            if (ListView_GetItemCount(list) != 1) return false;
-            wchar_t text[256] = {};
-            for (int column = 0; column < 4; ++column) {
-                ListView_GetItemText(list, 0, column, text, 256);
-                listed += text + std::wstring(L"|");
-            }
-            const std::vector<AgentKeyInfo> held = store.List();
-            confirmSeen = held.size() == 1 && held[0].confirm;
-            ListView_SetItemState(list, 0, LVIS_SELECTED, LVIS_SELECTED);
-            PostMessageW(window, WM_COMMAND, RemoveId, 0);
-            ++step;
-            return false;
-        }
-        default:
-            if (ListView_GetItemCount(list) != 0) return false;
-            ListView_SetColumnWidth(list, 3, 222);
-            return PostMessageW(window, WM_COMMAND, IDOK, 0) != FALSE;
+            default:
+                if (ListView_GetItemCount(list) != 0) return false;
+                ListView_SetColumnWidth(list, 3, 222);
+                return PostMessageW(window, WM_COMMAND, IDOK, 0) != FALSE;
         }
     });
     ASSERT_TRUE(SSH2::LaunchManageAgentKeys(state, nullptr, &openDialog));
@@ -195,7 +197,8 @@ TEST(ManageAgentKeysTest, AddsAKeyThroughTheFileDialogAndThePassPhraseAndRemoves
         return key;
     }();
     const AgentText fingerprint = KeyFingerprint(expected.key.GetPublicBlob());
-    EXPECT_EQ(listed, L"ED25519|256|" + std::wstring(fingerprint.begin(), fingerprint.end()) + L"|sealed ed25519|");
+    EXPECT_EQ(listed, L"ED25519|256|" + std::wstring(fingerprint.begin(), fingerprint.end()) +
+                          L"|sealed ed25519|");
     EXPECT_TRUE(confirmSeen);
     EXPECT_TRUE(store.List().empty());
     EXPECT_EQ(state.Get().widths[3], 222);
