@@ -24,8 +24,6 @@ public:
     ~Traywell() override;
 
     bool IsSshInitialized() const { return sshInitialized_; }
-    // The agent, from a successful start-up until exit; null otherwise.
-    AgentService* GetAgent() const { return agent_.get(); }
 
 protected:
     // False, after telling the user why, when the mutex cannot be made or SSH2

@@ -28,8 +28,8 @@ bool MessageBoxConfirm::ConfirmUse(const AgentKeyInfo& key, const VUnicodeString
     return VMessageBox(question, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2 | MB_TOPMOST) == IDYES;
 }
 
-AgentService::AgentService(const wchar_t* pipeName, const wchar_t* storeName)
-    : store_(storeName), protocol_(store_, confirm_), server_(protocol_, store_, pipeName) {}
+AgentService::AgentService()
+    : protocol_(store_, confirm_), server_(protocol_, store_, AgentPipeServer::DefaultPipeName) {}
 
 bool AgentService::Start(VReportMessageParams& report) {
     return store_.CheckOpen(report) && server_.Start(report);

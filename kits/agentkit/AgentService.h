@@ -25,12 +25,11 @@ public:
 
 class AgentService {
 public:
-    explicit AgentService(const wchar_t* pipeName = AgentPipeServer::DefaultPipeName,
-                          const wchar_t* storeName = AgentKeyStore::CacheName);
+    // The session's store and pipe; nothing is served before Start.
+    AgentService();
     // Opens the store and starts serving; false with report when either fails.
     bool Start(VReportMessageParams& report);
     void Stop() { server_.Stop(); }
-    AgentKeyStore& GetStore() { return store_; }
 
 private:
     AgentKeyStore store_;
