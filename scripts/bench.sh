@@ -2,6 +2,7 @@
 # Builds and runs a benchmark under Wine.
 #
 #   scripts/bench.sh [sessions]                (the INI-file store; default 5000 session keys)
+#   scripts/bench.sh registry-store            (the registry store)
 #   scripts/bench.sh global-config [rounds]    (the global options; default 30 rounds)
 #   scripts/bench.sh tray-menu [windows]       (the tray menu; default 20 client windows)
 #   scripts/bench.sh agent [signatures]        (the SSH agent; default 200 signatures a round)
@@ -9,10 +10,15 @@
 # Configures and builds the benchmark in ./build (or $TRAYWELL_BUILD_DIR),
 # runs it in that build tree's Wine prefix and prints its figures.
 #
-# The INI-file store's: loading and saving keys of 1, 250 and 10,000 values
-# and loading a tree of session keys, each against ReadFile plus
-# MultiByteToWideChar and against GetPrivateProfileStringW on the same data.
-# Takes a few minutes, most of them spent in GetPrivateProfileStringW.
+# The INI-file store's: loading and saving keys of 1, 250, 10,000 and
+# 100,000 values and loading a tree of session keys, each against ReadFile
+# plus MultiByteToWideChar and against GetPrivateProfileStringW on the same
+# data, and a typed read of a loaded value against a plain variable. Takes a
+# few minutes, most of them spent in GetPrivateProfileStringW.
+#
+# The registry store's: a key of 250 values read by name and through its
+# value iterator, and written, against bare RegQueryValueExW and
+# RegSetValueExW loops on the same values. Takes a few seconds.
 #
 # The global options': loading and saving the whole object from an INI file
 # and from the registry, each against reading (writing) the same bytes or the
@@ -33,6 +39,7 @@ source "$root/scripts/build-common.sh"
 
 target=bench_ini_store
 case ${1:-} in
+    registry-store) target=bench_registry_store; shift ;;
     global-config) target=global_config_bench; shift ;;
     tray-menu) target=bench_tray_menu; shift ;;
     agent) target=agent_sign_bench; shift ;;
