@@ -80,14 +80,18 @@ bool Traywell::InitInstance() {
     return true;
 }
 
-// The agent's key store holds the larger shared-memory cache for as long as
-// Traywell runs, whatever "Keep Shared Memory Agent Open" says: the keys
-// live in it. When the pipe is taken (the system's own agent service runs),
-// the user is told, and the store stays for the Manage Agent Keys window.
+// The agent's keys live in the larger shared-memory cache. With "Keep Shared
+// Memory Agent Open" on, the agent holds it from start-up; with it off, no
+// shared memory is made until a client or the Manage Agent Keys window first
+// asks for the keys. When the pipe is taken (the system's own agent service
+// runs), the user is told, and the store stays for the Manage Agent Keys window.
 void Traywell::StartAgent() {
     agent_ = std::make_unique<AgentService>();
+    GlobalConfig* config = nullptr;
+    GetGlobalConfig(config, -1);
     VReportMessageParams report;
-    if (!agent_->Start(report)) VMessageBox(report, MB_OK | MB_ICONEXCLAMATION);
+    if (!agent_->Start(config->KeepSharedMemoryAgentOpen.Get(), report))
+        VMessageBox(report, MB_OK | MB_ICONEXCLAMATION);
 }
 
 int Traywell::ExitInstance() {

@@ -62,8 +62,8 @@ uint64_t UnixSecondsNow() {
 class AgentKeyStore::Session {
 public:
     explicit Session(AgentKeyStore& store)
-        : store_(store), data_(static_cast<uint8_t*>(store.cache_->GetData())) {
-        store.cache_->Lock();
+        : store_(store), data_(static_cast<uint8_t*>(store.cache_.load()->GetData())) {
+        store.cache_.load()->Lock();
         std::memcpy(&header_, data_, sizeof header_);
         if (!IsSound()) Reset();
         RemoveExpired(store.clock_());
@@ -75,7 +75,7 @@ public:
             header_.checksum = Checksum();
             std::memcpy(data_, &header_, sizeof header_);
         }
-        store_.cache_->Unlock();
+        store_.cache_.load()->Unlock();
     }
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -213,23 +213,30 @@ private:
 };
 
 AgentKeyStore::AgentKeyStore(const wchar_t* name, size_t size)
-    : size_(size), clock_(UnixSecondsNow) {
-    auto* cache = new VSharedMemoryCache(VUnicodeString(name), size);
+    : name_(name), size_(size), clock_(UnixSecondsNow) {}
+
+AgentKeyStore::~AgentKeyStore() {
+    if (VSharedMemoryCache* cache = cache_.load()) cache->Release();
+}
+
+bool AgentKeyStore::IsOpen() const {
+    if (cache_.load(std::memory_order_acquire)) return true;
+    const std::lock_guard<std::mutex> guard(openMutex_);
+    if (cache_.load(std::memory_order_relaxed)) return true;
+    auto* cache = new VSharedMemoryCache(name_, size_);
     openError_ = GetLastError();
-    if (openError_ == ERROR_SUCCESS && cache->GetData() && size > HeaderBytes) {
-        cache_ = cache;
-        return;
+    if (openError_ == ERROR_SUCCESS && cache->GetData() && size_ > HeaderBytes) {
+        cache_.store(cache, std::memory_order_release);
+        return true;
     }
     if (openError_ == ERROR_SUCCESS) openError_ = ERROR_INVALID_PARAMETER;
     cache->Release();
-}
-
-AgentKeyStore::~AgentKeyStore() {
-    if (cache_) cache_->Release();
+    return false;
 }
 
 bool AgentKeyStore::CheckOpen(VReportMessageParams& report) const {
     if (IsOpen()) return true;
+    const std::lock_guard<std::mutex> guard(openMutex_);
     SetAgentReport(report, AGENT_STORE_UNAVAILABLE, ErrorCodeText(openError_));
     return false;
 }
@@ -367,7 +374,7 @@ bool AgentKeyStore::GetKey(const AgentBytes& publicBlob, AgentKey& key, AgentKey
 }
 
 uint32_t AgentKeyStore::PeekGeneration() const noexcept {
-    auto* generation = reinterpret_cast<uint32_t*>(static_cast<uint8_t*>(cache_->GetData()) +
+    auto* generation = reinterpret_cast<uint32_t*>(static_cast<uint8_t*>(cache_.load()->GetData()) +
                                                    offsetof(Header, generation));
     return std::atomic_ref<uint32_t>(*generation).load(std::memory_order_acquire);
 }
@@ -467,6 +474,6 @@ uint32_t AgentKeyStore::GetGeneration() {
     return session.GetHeader().generation;
 }
 
-uint8_t* AgentKeyStore::GetDataForTests() noexcept {
-    return cache_ ? static_cast<uint8_t*>(cache_->GetData()) : nullptr;
+uint8_t* AgentKeyStore::GetDataForTests() {
+    return IsOpen() ? static_cast<uint8_t*>(cache_.load()->GetData()) : nullptr;
 }

@@ -17,6 +17,7 @@
 // SetClock must happen before the object is shared.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <mutex>
@@ -42,15 +43,17 @@ public:
     static constexpr size_t CacheSize = 582800;
     static constexpr size_t HeaderBytes = 512;
 
-    // Opens (creating when needed) the shared block name of size bytes.
-    // IsOpen tells the outcome; GetOpenError why it failed.
+    // The shared block name of size bytes, opened (created when needed) at
+    // its first use, so that a store nobody asks for makes no shared memory.
     explicit AgentKeyStore(const wchar_t* name = CacheName, size_t size = CacheSize);
     ~AgentKeyStore();
     AgentKeyStore(const AgentKeyStore&) = delete;
     AgentKeyStore& operator=(const AgentKeyStore&) = delete;
 
-    bool IsOpen() const noexcept { return cache_ != nullptr; }
-    // Fills report with AGENT_STORE_UNAVAILABLE when the block is not open.
+    // Opens the block when it is not open yet; whether it is open now. Safe
+    // from several threads at once; a failed opening is tried again.
+    bool IsOpen() const;
+    // Fills report with AGENT_STORE_UNAVAILABLE when the block cannot be opened.
     bool CheckOpen(VReportMessageParams& report) const;
 
     // Adds key (which the caller has validated), or updates the comment,
@@ -89,7 +92,7 @@ public:
     // The clock, in Unix seconds; tests give their own.
     void SetClock(std::function<uint64_t()> clock) { clock_ = std::move(clock); }
     // The data area, for tests that damage it on purpose.
-    uint8_t* GetDataForTests() noexcept;
+    uint8_t* GetDataForTests();
     size_t GetSize() const noexcept { return size_; }
 
 private:
@@ -107,9 +110,11 @@ private:
     void KeepOpened(uint32_t generation, const AgentKey& key, const AgentKeyInfo& info);
     void ForgetStaleOpened();
 
-    VSharedMemoryCache* cache_ = nullptr;
+    VUnicodeString name_;
     size_t size_;
-    DWORD openError_ = 0;
+    mutable std::mutex openMutex_;
+    mutable std::atomic<VSharedMemoryCache*> cache_{nullptr};
+    mutable DWORD openError_ = 0;
     std::function<uint64_t()> clock_;
     // Keys opened for signatures, valid while the block's generation is
     // openedGeneration_.

@@ -31,8 +31,8 @@ bool MessageBoxConfirm::ConfirmUse(const AgentKeyInfo& key, const VUnicodeString
 AgentService::AgentService()
     : protocol_(store_, confirm_), server_(protocol_, store_, AgentPipeServer::DefaultPipeName) {}
 
-bool AgentService::Start(VReportMessageParams& report) {
-    return store_.CheckOpen(report) && server_.Start(report);
+bool AgentService::Start(bool holdStore, VReportMessageParams& report) {
+    return (!holdStore || store_.CheckOpen(report)) && server_.Start(report);
 }
 
 bool AddKeyThroughAgent(const VUnicodeString& path, AgentKeyOptions options,

@@ -27,8 +27,10 @@ class AgentService {
 public:
     // The session's store and pipe; nothing is served before Start.
     AgentService();
-    // Opens the store and starts serving; false with report when either fails.
-    bool Start(VReportMessageParams& report);
+    // Starts serving; with holdStore, opens the key store now and holds it
+    // until the service ends, else at the first request that needs it. False
+    // with report when the store (if asked for now) or the pipe fails.
+    bool Start(bool holdStore, VReportMessageParams& report);
     void Stop() { server_.Stop(); }
 
 private:

@@ -9,7 +9,6 @@
 #include <commdlg.h>
 
 #include "AddKeyDialog.h"
-#include "AgentUiFunctions.h"
 #include "KeyFile.h"
 #include "Utf8Text.h"
 #include "VMessageBox.h"
@@ -91,17 +90,13 @@ bool ManageAgentKeysDialog::OnInitDialog() {
     Refresh();
     ApplyState();
     SetTimer(GetHwnd(), RefreshTimer, RefreshMs, nullptr);
-    // Tells the user how keys kept by the agent are sealed in the settings,
-    // or why the agent's keys cannot be shown.
+    // Tells the user how keys kept by the agent are sealed, or why the
+    // agent's keys cannot be shown.
     VReportMessageParams report;
-    const AgentUiFunctions& functions = GetAgentUiFunctions();
-    if (!store_.CheckOpen(report))
-        SetItemText(ProtectionTextId, report.GetTextAsString().c_str());
-    else if (functions.isConfigPassphraseDisabled)
-        SetItemText(ProtectionTextId,
-                    functions.isConfigPassphraseDisabled()
-                        ? L"Stored keys are protected with your Windows logon."
-                        : L"Stored keys are protected with the configuration pass phrase.");
+    SetItemText(ProtectionTextId,
+                store_.CheckOpen(report)
+                    ? L"Keys are held for this logon session only, sealed with your Windows logon."
+                    : report.GetTextAsString().c_str());
     // Opened from the tray, the window has no owner to stand in front of.
     SetForegroundWindow(GetHwnd());
     return true;

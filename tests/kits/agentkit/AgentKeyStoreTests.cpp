@@ -13,6 +13,8 @@
 #include "AgentMessages.h"
 #include "AgentTestSupport.h"
 #include "ProgramFolder.h"
+#include "VSharedMemoryCache.h"
+#include "VUnknown.h"
 
 namespace {
 
@@ -47,6 +49,11 @@ std::string ListFromAnotherProcess(const std::wstring& store) {
 TEST(AgentKeyStoreTest, KeepsKeysForEveryProcessAndNeverPlain) {
     const std::wstring name = UniqueName(L"{agent-store-test}");
     AgentKeyStore store(name.c_str());
+    // No shared memory until the store is first used (Traywell's agent with
+    // "Keep Shared Memory Agent Open" off): a probe is the block's one holder.
+    EXPECT_EQ(VRefPtr<VSharedMemoryCache>::Adopt(new VSharedMemoryCache(name.c_str(), 4096))
+                  ->GetHolderCount(),
+              1u);
     ASSERT_TRUE(store.IsOpen());
     VReportMessageParams report;
     const LoadedKey ed25519 = LoadTestKey("ed25519"), rsa = LoadTestKey("rsa"),

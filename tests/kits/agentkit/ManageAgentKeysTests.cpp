@@ -23,8 +23,7 @@ namespace {
 constexpr int ListViewId = 1001;
 constexpr int ProtectionTextId = 1002;
 
-bool g_passphraseDisabled = true;
-bool PassphraseDisabled() { return g_passphraseDisabled; }
+bool PassphraseDisabled() { return true; }
 VUnicodeString NoPassphrase() { return VUnicodeString(); }
 bool Update(VProfileEncryptedString&, const VUnicodeString&) { return false; }
 VUnicodeString Plaintext(const VProfileEncryptedString&) { return VUnicodeString(); }
@@ -62,26 +61,18 @@ TEST(ManageAgentKeysTest, LaysOutFromTheStateAndHandsBackTheUsersLayout) {
     EXPECT_THROW(SSH2::ClientUiInit(PassphraseDisabled, nullptr, Update, Plaintext),
                  std::invalid_argument);
     SSH2::ClientUiInit(PassphraseDisabled, NoPassphrase, Update, Plaintext);
-    const std::wstring logon = L"Stored keys are protected with your Windows logon.";
-    const std::wstring passphrase =
-        L"Stored keys are protected with the configuration pass phrase.";
+    const std::wstring protection =
+        L"Keys are held for this logon session only, sealed with your Windows logon.";
     const std::vector<int> ownWidths{70, 45, 365, 125};
     const struct {
         const wchar_t* saved;
-        bool passphraseDisabled;
         std::vector<int> widthsShown, orderKept;
-        std::wstring protection;
     } cases[] = {
-        {L"0,1;100,90,80,70;3,2,1,0", true, {100, 90, 80, 70}, {3, 2, 1, 0}, logon},
-        {L"", false, ownWidths, {0, 1, 2, 3}, passphrase},
-        {L"0,1;100,90;1,0",
-         false,
-         ownWidths,
-         {0, 1, 2, 3},
-         passphrase},  // a layout of other columns
+        {L"0,1;100,90,80,70;3,2,1,0", {100, 90, 80, 70}, {3, 2, 1, 0}},
+        {L"", ownWidths, {0, 1, 2, 3}},
+        {L"0,1;100,90;1,0", ownWidths, {0, 1, 2, 3}},  // a layout of other columns
     };
     for (const auto& test : cases) {
-        g_passphraseDisabled = test.passphraseDisabled;
         VListViewState saved;
         ASSERT_TRUE(VListViewState::Parse(test.saved, saved));
         VProfileListViewState state(L"Traywell Agent Keys ListView State", saved);
@@ -92,7 +83,7 @@ TEST(ManageAgentKeysTest, LaysOutFromTheStateAndHandsBackTheUsersLayout) {
         ASSERT_TRUE(SSH2::LaunchManageAgentKeys(state, nullptr, &openDialog));
         EXPECT_EQ(openDialog, nullptr);
         EXPECT_EQ(observed.widths, test.widthsShown) << test.saved;
-        EXPECT_EQ(observed.protection, test.protection);
+        EXPECT_EQ(observed.protection, protection);
         const VListViewState& kept = state.Get();
         EXPECT_EQ(kept.sortColumn, 2);
         EXPECT_FALSE(kept.sortAscending);
