@@ -5,6 +5,7 @@
 #   scripts/bench.sh registry-store            (the registry store)
 #   scripts/bench.sh global-config [rounds]    (the global options; default 30 rounds)
 #   scripts/bench.sh tray-menu [windows]       (the tray menu; default 20 client windows)
+#   scripts/bench.sh agent [signatures]        (the SSH agent; default 200 signatures a round)
 #
 # Configures and builds the benchmark in ./build (or $TRAYWELL_BUILD_DIR),
 # runs it in that build tree's Wine prefix and prints its figures.
@@ -25,6 +26,10 @@
 #
 # The tray menu's: building it with client windows of 3 sessions each (helper
 # processes) against the session queries' round trips alone. A few seconds.
+#
+# The SSH agent's: signatures per second through its pipe for each key type,
+# against the same signature in process, with the store's part, the agent's
+# round trip and the platform's bare pipe round trip. A few seconds.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -37,6 +42,7 @@ case ${1:-} in
     registry-store) target=bench_registry_store; shift ;;
     global-config) target=global_config_bench; shift ;;
     tray-menu) target=bench_tray_menu; shift ;;
+    agent) target=agent_sign_bench; shift ;;
 esac
 
 lock_build_tree
