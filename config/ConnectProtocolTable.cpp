@@ -22,9 +22,12 @@ std::string NarrowForTrace(const VUnicodeString& name) {
 void TraceUnknownProtocol(const VUnicodeString& name) {
     const std::string narrow = NarrowForTrace(name);
     VString line;
-    if (line.FormatPositional("Unknown protocol \"%1!hs!\" using default protocol.\n",
-                              narrow.c_str()))
-        OutputDebugStringA(line.c_str());
+    // The formatter would turn a line feed in the pattern into CR LF.
+    if (!line.FormatPositional("Unknown protocol \"%1!hs!\" using default protocol.",
+                               narrow.c_str()))
+        return;
+    line += '\n';
+    OutputDebugStringA(line.c_str());
 }
 
 int DefaultIndex(const ConnectProtocolTable& table, SessionMode mode) {

@@ -130,7 +130,7 @@ VUnicodeString SessionConfig::GetCommandLineForm() const {
     const VUnicodeString arguments = part ? part->GetArguments(host) : VUnicodeString();
     // Nothing to connect to: the client opens the session by its path, as
     // the clients name sessions (the name alone does not find one in a folder).
-    if (arguments.IsEmpty()) return VUnicodeString(L"/S ") + QuoteArgument(path_);
+    if (arguments.IsEmpty()) return VUnicodeString(L"/S \"") + path_ + L"\"";
     VUnicodeString line;
     const VUnicodeString firewall = part->GetFirewallName(host);
     if (!firewall.IsEmpty() && !firewall.EqualsNoCase(RemoteHostConfig::NoFirewall)) {
