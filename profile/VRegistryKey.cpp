@@ -137,8 +137,10 @@ bool VRegistryKey::QueryValueSize(const VUnicodeString& name, DWORD type, DWORD&
 }
 
 bool VRegistryKey::QueryValue(const VUnicodeString& name, DWORD type, std::vector<BYTE>& data) {
-    DWORD size = 0;
-    if (!QueryValueSize(name, type, size)) return false;
+    if (!IsOpen()) return RecordRead(NoHandleStatus(), name);
+    // Nearly every value fits this, and is read in one call; a larger one
+    // answers with its size, and the loop asks again with room for it.
+    DWORD size = 256;
     for (;;) {
         data.resize(size);
         DWORD actual = REG_NONE;
