@@ -8,6 +8,7 @@
 #pragma once
 
 #include "IClonable.h"
+#include "ProfileLoadKey.h"
 #include "ProfileValueList.h"
 #include "RemoteHostConfig.h"
 
@@ -16,8 +17,8 @@ public:
     // The protocol's name as the protocol table has it.
     const VUnicodeString& GetProtocolName() const { return GetName(); }
 
-    // Reads the part's values from the session's key (null: the defaults).
-    virtual void Load(VProfileKey* key) = 0;
+    // Reads the part's values from the session's key.
+    virtual void Load(ProfileLoadKey& from) = 0;
     // The firewall this connection goes through, host being the session's
     // remote host; "None" for a direct one.
     virtual VUnicodeString GetFirewallName(const RemoteHostConfig& host) const = 0;

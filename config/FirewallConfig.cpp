@@ -26,12 +26,12 @@ FirewallConfig::FirewallConfig(const VUnicodeString& name, VProfileKey* key,
 }
 
 void FirewallConfig::Load(VProfileKey* key) {
-    ProfileLoadKey loadKey(key);
-    VProfileKey& from = loadKey.Get();
+    ProfileLoadKey from(key);
     const FirewallConfig& defaults = Defaults();
     FIREWALL_OPTIONS(PROFILE_TABLE_LOAD)
     // An older password moves now, so that no other program reads it again.
-    if (FirewallPassword.IsModified() && FirewallPassword.Save(from, false)) from.Flush();
+    if (FirewallPassword.IsModified() && FirewallPassword.Save(from.Get(), false))
+        from.Get().Flush();
 }
 
 std::unique_ptr<VProfileKey> FirewallConfig::OpenKey(VProfileKey& root, const VUnicodeString& name,

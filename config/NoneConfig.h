@@ -12,7 +12,7 @@ public:
     NoneConfig() : ConnectConfig(ProtocolName) {}
 
     IClonable* Clone() const override { return new NoneConfig(*this); }
-    void Load(VProfileKey*) override {}
+    void Load(ProfileLoadKey&) override {}
     VUnicodeString GetFirewallName(const RemoteHostConfig&) const override { return ProtocolName; }
     // Nothing to connect to.
     VUnicodeString GetArguments(const RemoteHostConfig&) const override { return {}; }

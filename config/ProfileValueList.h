@@ -8,7 +8,6 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 
 #include "VProfileData.h"
 
@@ -41,19 +40,3 @@ public:
     bool IsModified() const override;  // some member is modified
 };
 
-// The key a configuration loads from: the one given, or when that is null a
-// key that is not open, from which every value takes its default.
-class ProfileLoadKey {
-public:
-    explicit ProfileLoadKey(VProfileKey* key) : key_(key ? *key : none_) {}
-    ProfileLoadKey(const ProfileLoadKey&) = delete;
-    ProfileLoadKey& operator=(const ProfileLoadKey&) = delete;
-
-    VProfileKey& Get() { return key_; }
-    // A key that is not open, for a value that takes its default on purpose.
-    VProfileKey& None() { return none_; }
-
-private:
-    VProfileKey none_{std::unique_ptr<VProfilePrivateKey>()};
-    VProfileKey& key_;
-};

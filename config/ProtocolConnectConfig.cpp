@@ -18,14 +18,14 @@ ProtocolConnectConfig::ProtocolConnectConfig(const ConnectPartDefinition& defini
     }
 }
 
-void ProtocolConnectConfig::Load(VProfileKey* key) {
-    ProfileLoadKey loadKey(key);
+void ProtocolConnectConfig::Load(ProfileLoadKey& from) {
     for (size_t i = 0; i < definition_->valueCount; ++i) {
         const ConnectPartValue& row = definition_->values[i];
+        VProfileData& member = GetMember(i);
         if (row.isNumber)
-            numbers_[slots_[i]].Load(loadKey.Get(), row.number);
+            numbers_[slots_[i]].Load(from.For(member.GetName()), row.number);
         else
-            texts_[slots_[i]].Load(loadKey.Get(), VUnicodeString(row.text));
+            texts_[slots_[i]].Load(from.For(member.GetName()), VUnicodeString(row.text));
     }
 }
 

@@ -48,7 +48,7 @@ public:
     explicit ProtocolConnectConfig(const ConnectPartDefinition& definition);
 
     IClonable* Clone() const override { return new ProtocolConnectConfig(*this); }
-    void Load(VProfileKey* key) override;
+    void Load(ProfileLoadKey& from) override;
     // The remote host's firewall for a protocol that uses the host, else "None".
     VUnicodeString GetFirewallName(const RemoteHostConfig& host) const override;
     // "/PROTOCOL <name>", the user's option and name (expanded), each value's

@@ -17,18 +17,22 @@ RemoteHostConfig::RemoteHostConfig(VProfileKey* key) : ProfileValueList(L"Remote
 }
 
 void RemoteHostConfig::Load(VProfileKey* key) {
-    ProfileLoadKey loadKey(key);
-    VProfileKey& from = loadKey.Get();
-    hostname_.Load(from, VUnicodeString());
+    ProfileLoadKey from(key);
+    Load(from);
+}
+
+void RemoteHostConfig::Load(ProfileLoadKey& from) {
+    hostname_.Load(from.For(hostname_.GetName()), VUnicodeString());
     uint32_t useFirewall = 0;
-    if (!firewallName_.Load(from, NoFirewall) && from.GetDword(UseFirewallName, useFirewall) &&
-        useFirewall != 0)
-        firewallName_.Load(loadKey.None(), DefaultTerminalFirewall);
-    username_.Load(from, VUnicodeString());
+    if (!firewallName_.Load(from.For(firewallName_.GetName()), NoFirewall) &&
+        from.For(UseFirewallName).GetDword(UseFirewallName, useFirewall) && useFirewall != 0)
+        firewallName_.Load(from.None(), DefaultTerminalFirewall);
+    username_.Load(from.For(username_.GetName()), VUnicodeString());
     // Found only under the older name, the command moves to the newer one now.
-    if (preConnect_.LoadWithFormerName(from, OlderPreConnectName, VUnicodeString()) &&
+    if (preConnect_.LoadWithFormerName(from.For(preConnect_.GetName(), OlderPreConnectName),
+                                       OlderPreConnectName, VUnicodeString()) &&
         preConnect_.IsModified())
-        preConnect_.Save(from, false);
+        preConnect_.Save(from.Get(), false);
 }
 
 VUnicodeString RemoteHostConfig::GetUsername(bool expand) const {

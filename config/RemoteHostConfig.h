@@ -30,6 +30,7 @@ public:
 
     // Reads every value again from key (null: the defaults).
     void Load(VProfileKey* key);
+    void Load(ProfileLoadKey& from);
 
     IClonable* Clone() const override { return new RemoteHostConfig(*this); }
 

@@ -1,6 +1,7 @@
 #include "SessionConfig.h"
 
 #include <iterator>
+#include <mutex>
 
 #include "ConfigMessages.h"
 #include "VAddressIPv4.h"
@@ -35,43 +36,54 @@ VUnicodeString LastPart(const VUnicodeString& path) {
 
 SessionConfig::SessionConfig(VProfileKey* key, const VUnicodeString& path, SessionMode mode,
                              const ConnectProtocolTable* protocols, IPassphraseProvider* provider)
-    : SessionConfig(path, mode, protocols) {
+    : SessionConfig(Prototype(protocols)) {
+    SetName(LastPart(path));
+    path_ = path;
+    mode_ = mode;
 #define SESSION_OPTION_PROVIDER(member, kind, name, value, form) SetProvider(member, provider);
     SESSION_OPTIONS(SESSION_OPTION_PROVIDER)
 #undef SESSION_OPTION_PROVIDER
-    if (protocols_)
-        for (const ConnectProtocolTableElement& element : *protocols_)
-            parts_.emplace_back(element.createPart());
     Load(key);
 }
 
-SessionConfig::SessionConfig(const VUnicodeString& path, SessionMode mode,
-                             const ConnectProtocolTable* protocols)
-    : ProfileValueList(LastPart(path)),
-      path_(path),
-      mode_(mode),
+SessionConfig::SessionConfig(const ConnectProtocolTable* protocols)
+    : ProfileValueList(VUnicodeString()),
+      mode_(SessionMode::Terminal),
       common_(new CommonConfig(VRefPtr<RemoteHostConfig>::Adopt(new RemoteHostConfig).Get())),
-      protocols_(protocols) {}
-
-const SessionConfig& SessionConfig::Defaults() {
-    static const SessionConfig defaults{VUnicodeString(), SessionMode::Terminal, nullptr};
-    return defaults;
+      protocols_(protocols) {
+    if (protocols_)
+        for (const ConnectProtocolTableElement& element : *protocols_)
+            parts_.emplace_back(element.createPart());
 }
 
+const SessionConfig& SessionConfig::Prototype(const ConnectProtocolTable* protocols) {
+    static std::mutex mutex;
+    static std::vector<std::unique_ptr<const SessionConfig>> prototypes;
+    const std::lock_guard<std::mutex> lock(mutex);
+    for (const auto& prototype : prototypes)
+        if (prototype->protocols_ == protocols) return *prototype;
+    prototypes.push_back(std::unique_ptr<const SessionConfig>(new SessionConfig(protocols)));
+    return *prototypes.back();
+}
+
+const SessionConfig& SessionConfig::Defaults() { return Prototype(nullptr); }
+
 void SessionConfig::Load(VProfileKey* key) {
-    ProfileLoadKey loadKey(key);
-    VProfileKey& from = loadKey.Get();
-    IsSession.Load(from, false);
+    ProfileLoadKey from(key, true);
+    // Asked of the key itself: the file back end answers it from the file's
+    // existence, not from a value.
+    IsSession.Load(from.Get(), false);
     // Whatever the key held, this object is a session; the saved value keeps
     // what the key said.
     IsSession.Set(true);
-    Terminal.Load(key);
+    Terminal.Load(from);
     const SessionConfig& defaults = Defaults();
     SESSION_OPTIONS(PROFILE_TABLE_LOAD)
-    GetRemoteHostConfig().Load(key);
-    for (VClonedRef<ConnectConfig>& part : parts_) part->Load(key);
-    currentProtocol_ = protocols_ ? FindProtocolIndex(*protocols_, mode_, ModeProtocolName().Get()) : -1;
-    stored_ = from.IsOpen();
+    GetRemoteHostConfig().Load(from);
+    for (VClonedRef<ConnectConfig>& part : parts_) part->Load(from);
+    currentProtocol_ =
+        protocols_ ? FindProtocolIndex(*protocols_, mode_, ModeProtocolName().Get()) : -1;
+    stored_ = from.Get().IsOpen();
 }
 
 bool SessionConfig::Save(VProfileKey& key, bool force) {

@@ -118,10 +118,13 @@ public:
     SESSION_OPTIONS(PROFILE_TABLE_MEMBER)
 
 private:
-    // Every value with its default; no part, nothing read.
-    SessionConfig(const VUnicodeString& path, SessionMode mode,
-                  const ConnectProtocolTable* protocols);
-    // The defaults of every value, made once: a load takes them from here.
+    // Every value with its default, and the parts of protocols; nothing read.
+    explicit SessionConfig(const ConnectProtocolTable* protocols);
+    // A session of protocols' parts holding every default, made once per
+    // table: each new session starts as a copy of it, which shares its
+    // names and defaults rather than making them anew. Any thread.
+    static const SessionConfig& Prototype(const ConnectProtocolTable* protocols);
+    // The defaults of every value: a load takes them from here.
     static const SessionConfig& Defaults();
 
     SessionKind::Text& ModeProtocolName();

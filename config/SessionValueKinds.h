@@ -7,6 +7,7 @@
 #pragma once
 
 #include "GlobalOptionKinds.h"
+#include "ProfileLoadKey.h"
 #include "VContainers.h"
 #include "VProfileEncodedString.h"
 #include "VProfileMultiLineString.h"
@@ -78,7 +79,8 @@ using Block = GlobalKind::Block;           // binary, opaque
 // the default; Generations rows through their secret's migration.
 template <class Kind>
 void LoadTableValue(Kind& member, const Kind& defaults, const GlobalOptionForm& form,
-                    VProfileKey& key) {
+                    ProfileLoadKey& keys) {
+    VProfileKey& key = keys.For(member.GetName(), form.formerName);
     if (form.formerName)
         member.LoadWithFormerName(key, VUnicodeString(form.formerName), defaults.Get());
     else
@@ -86,8 +88,9 @@ void LoadTableValue(Kind& member, const Kind& defaults, const GlobalOptionForm& 
 }
 
 inline void LoadTableValue(SessionSecret& member, const SessionSecret& defaults,
-                           const SecretGenerations& older, VProfileKey& key) {
-    member.LoadGenerations(key, older, defaults.Get());
+                           const SecretGenerations& older, ProfileLoadKey& keys) {
+    member.LoadGenerations(keys.For(member.GetName(), older.olderProtected, older.olderPlain),
+                           older, defaults.Get());
 }
 
 // Whether two members of one kind hold the same value, as the kind compares.
@@ -106,7 +109,8 @@ bool SameTableValue(const Kind& a, const Kind& b) {
 //   members in the table's order;
 #define PROFILE_TABLE_ROW(member, kind, name, value, form) \
     [](Owner& owner) -> VProfileData& { return owner.member; },
-// - in a load, with `defaults` an object holding the defaults and `from` the key;
+// - in a load, with `defaults` an object holding the defaults and `from` the
+//   ProfileLoadKey;
 #define PROFILE_TABLE_LOAD(member, kind, name, value, form) \
     LoadTableValue(member, defaults.member, form, from);
 // - after `true`, every value equal to that of `other`.

@@ -18,8 +18,11 @@ const TerminalConfig& Defaults() {
 TerminalConfig::TerminalConfig() : ProfileValueList(Name) {}
 
 void TerminalConfig::Load(VProfileKey* key) {
-    ProfileLoadKey loadKey(key);
-    VProfileKey& from = loadKey.Get();
+    ProfileLoadKey from(key);
+    Load(from);
+}
+
+void TerminalConfig::Load(ProfileLoadKey& from) {
     const TerminalConfig& defaults = Defaults();
     TERMINAL_OPTIONS(PROFILE_TABLE_LOAD)
 }

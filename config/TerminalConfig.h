@@ -22,6 +22,7 @@ public:
     // not hold, or holds as another kind, takes its default. A null key gives
     // every default.
     void Load(VProfileKey* key);
+    void Load(ProfileLoadKey& from);
 
     size_t GetMemberCount() const override;
     VProfileData& GetMember(size_t index) override;

@@ -3,6 +3,8 @@
 #
 #   scripts/bench.sh [sessions]                (the INI-file store; default 5000 session keys)
 #   scripts/bench.sh global-config [rounds]    (the global options; default 30 rounds)
+#   scripts/bench.sh sessions [count] [rounds] [changed|whole]
+#                                              (sessions; default 5000, 3 rounds, changed)
 #
 # Configures and builds the benchmark in ./build (or $TRAYWELL_BUILD_DIR),
 # runs it in that build tree's Wine prefix and prints its figures.
@@ -15,6 +17,10 @@
 # The global options': loading and saving the whole object from an INI file
 # and from the registry, each against reading (writing) the same bytes or the
 # same registry values with no parsing. Takes a few seconds.
+#
+# The sessions': loading 5000 sessions as SessionConfig objects from a tree of
+# INI files and from the registry, against reading the same bytes or the same
+# registry values. Takes about N minutes, most of it spent making the sessions.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -23,10 +29,10 @@ cd "$root"
 source "$root/scripts/build-common.sh"
 
 target=bench_ini_store
-if [ "${1:-}" = global-config ]; then
-    target=global_config_bench
-    shift
-fi
+case "${1:-}" in
+    global-config) target=global_config_bench; shift ;;
+    sessions) target=session_config_bench; shift ;;
+esac
 
 lock_build_tree
 configure_build
