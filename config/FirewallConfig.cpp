@@ -36,10 +36,7 @@ void FirewallConfig::Load(VProfileKey* key) {
 
 std::unique_ptr<VProfileKey> FirewallConfig::OpenKey(VProfileKey& root, const VUnicodeString& name,
                                                      bool create) {
-    VUnicodeString path(FirewallsKeyName);
-    path += L"\\";
-    path += name;
-    return std::make_unique<VProfileKey>(root, path, create);
+    return ProfileLoadKey::OpenBelow(root, FirewallsKeyName, name, create);
 }
 
 bool FirewallConfig::GetUsername(VUnicodeString& username, VReportMessageParams& report) {

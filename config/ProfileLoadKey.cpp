@@ -38,6 +38,14 @@ ProfileLoadKey::ProfileLoadKey(VProfileKey* key, bool listValues) : key_(key ? *
     listed_ = true;
 }
 
+std::unique_ptr<VProfileKey> ProfileLoadKey::OpenBelow(VProfileKey& root, const wchar_t* parent,
+                                                       const VUnicodeString& name, bool create) {
+    VUnicodeString path(parent);
+    path += L"\\";
+    path += name;
+    return std::make_unique<VProfileKey>(root, path, create);
+}
+
 bool ProfileLoadKey::MayHold(const wchar_t* name, size_t length) const {
     return std::binary_search(hashes_.begin(), hashes_.end(), FoldedHash(name, length));
 }

@@ -34,6 +34,11 @@ public:
     // A key that is not open.
     VProfileKey& None() { return none_; }
 
+    // The key name below root's key parent ("Sessions", "Firewalls"); create
+    // makes it and what is missing above it. Not open (IsOpen) when it cannot be.
+    static std::unique_ptr<VProfileKey> OpenBelow(VProfileKey& root, const wchar_t* parent,
+                                                  const VUnicodeString& name, bool create);
+
 private:
     bool MayHold(const wchar_t* name, size_t length) const;
 

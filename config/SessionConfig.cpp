@@ -97,10 +97,7 @@ bool SessionConfig::Save(VProfileKey& key, bool force) {
 
 std::unique_ptr<VProfileKey> SessionConfig::OpenKey(VProfileKey& root, const VUnicodeString& path,
                                                     bool create) {
-    VUnicodeString name(SessionsKeyName);
-    name += L"\\";
-    name += path;
-    return std::make_unique<VProfileKey>(root, name, create);
+    return ProfileLoadKey::OpenBelow(root, SessionsKeyName, path, create);
 }
 
 bool SessionConfig::IsDefaultSession() const {

@@ -14,6 +14,8 @@
 #include "SessionConfig.h"
 #include "SessionStore.h"
 #include "VBlowfishString.h"
+#include "VCommandSocket.h"
+#include "VTcpSocket.h"
 
 namespace {
 
@@ -258,6 +260,25 @@ TEST(SessionConfigIdentity, OnlyTheTopLevelDefaultSpelledExactlyIsTheDefaultSess
     for (const wchar_t* path : {L"default", L"DEFAULT", L"Linux\\Default", L"Defaults"})
         EXPECT_FALSE(SessionConfig(nullptr, path).IsDefaultSession()) << VString(path).c_str();
     EXPECT_EQ(SessionConfig(nullptr, L"Linux\\Old\\legacy").GetSessionName(), L"legacy");
+}
+
+TEST(RemoteHostConnect, APreConnectCommandRunsInACommandSocketAroundTheConnection) {
+    RemoteHostConfig host;
+    const auto inner = VRefPtr<IStreamSocket>::Adopt(new VTcpSocket);
+    const auto direct =
+        VRefPtr<IStreamSocket>::Adopt(host.CreateConnectSocket(inner.Get(), nullptr, nullptr));
+    EXPECT_EQ(direct.Get(), inner.Get()) << "no command: the socket itself";
+    host.SetPreConnectCommand(L"cmd.exe /c exit 3");
+    const auto wrapped =
+        VRefPtr<IStreamSocket>::Adopt(host.CreateConnectSocket(inner.Get(), nullptr, nullptr));
+    auto* command = dynamic_cast<VCommandSocket*>(wrapped.Get());
+    ASSERT_NE(command, nullptr);
+    VReportMessageParams report;
+    ASSERT_TRUE(command->Connect("127.0.0.1:9", nullptr, report));
+    DWORD code = 0;
+    for (int wait = 0; wait < 200 && !command->GetCommandStatus(code); ++wait) Sleep(50);
+    EXPECT_EQ(code, 3u) << "the command ran before the connect";
+    command->Close();
 }
 
 // Records which blocks the strings give back, and whether they were all zeros.
