@@ -29,6 +29,7 @@
 #include "ProfileValueList.h"
 #include "SessionOptionTable.h"
 #include "TerminalConfig.h"
+#include "TimeZoneDatabase.h"
 
 class SessionConfig final : public VUnknown<ISessionConfig>, public ProfileValueList {
 public:
@@ -39,8 +40,9 @@ public:
     // The session at path below "Sessions" (folders separated by "\"; its
     // name is the last part), read from key for mode: a null key gives every
     // default. Connection parts come from protocols (null: the session has
-    // none, and connects by its name); its secrets are sealed and opened
-    // through provider (null: with the user's Windows logon).
+    // none, and connects by its name; a table given must live as long as the
+    // process, as GetConnectProtocolTable's does); its secrets are sealed and
+    // opened through provider (null: with the user's Windows logon).
     SessionConfig(VProfileKey* key, const VUnicodeString& path,
                   SessionMode mode = SessionMode::Terminal,
                   const ConnectProtocolTable* protocols = nullptr,
@@ -104,6 +106,13 @@ public:
     // report, when the text is neither.
     bool GetMonitorListenAddress(VRefPtr<IInternetAddress>& address,
                                  VReportMessageParams& report) const;
+
+    // The zone that "Time Zone" names (empty: the computer's own). False,
+    // with CONFIG_TIME_ZONE_UNKNOWN in report, for a name the computer's
+    // time-zone database lacks.
+    bool GetTimeZone(VTimeZone& zone, VReportMessageParams& report) const {
+        return FindTimeZone(TimeZone.Get(), zone, report);
+    }
 
     // Every value equal (terminal block, common and connection parts included).
     bool Equals(const SessionConfig& other) const;

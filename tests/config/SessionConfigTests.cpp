@@ -71,7 +71,7 @@ TEST_P(SessionConfigStore, ASavedSessionLoadsEqualInAFreshOneAndOpensWithItsComm
     session.ScpShellPrompts.Set(L"Password:\r\nanswer");
     session.FilewrightBookmarks.Set({L"/var/log", L"C:\\Temp"});
     session.FilenamesAlwaysUseUtf8.Set(VTriState::No);
-    session.RemoteListViewState.Set(VListViewState());
+    session.TimeZone.Set(L"Tokyo Standard Time");
     ASSERT_TRUE(session.LoginScript.SetPlainText(L"login:\r\nalice", report));
     session.SetProtocolName(L"ssh2");
     RemoteHostConfig& host = session.GetRemoteHostConfig();
@@ -88,6 +88,8 @@ TEST_P(SessionConfigStore, ASavedSessionLoadsEqualInAFreshOneAndOpensWithItsComm
     EXPECT_TRUE(loaded.IsMarkedAsSession());
     EXPECT_EQ(loaded.GetProtocolName(), L"SSH2");
     EXPECT_EQ(PlainText(loaded.LoginScript), L"login:\r\nalice");
+    VTimeZone zone;
+    EXPECT_TRUE(loaded.GetTimeZone(zone, report)) << "a zone of the computer's database";
     EXPECT_EQ(loaded.GetCommandLineForm(),
               L"/FIREWALL \"corp proxy\" /PROTOCOL SSH2 /L alice /P 2222 example.org");
     EXPECT_EQ(StoredText(WebPath, L"Description"), L"first\\r\\nsecond\\tC:\\\\Logs")
