@@ -69,7 +69,13 @@ const SessionConfig& SessionConfig::Prototype(const ConnectProtocolTable* protoc
 const SessionConfig& SessionConfig::Defaults() { return Prototype(nullptr); }
 
 void SessionConfig::Load(VProfileKey* key) {
-    ProfileLoadKey from(key, true);
+    // A key saved whole holds nearly every value, and listing them would
+    // only cost; one saved with what changed holds few. A value that users
+    // leave alone tells which: the key holds it only when it was saved whole.
+    // (A wrong guess costs time, never a value.)
+    uint32_t ignored = 0;
+    const bool savedWhole = key && key->GetDword(Terminal.DumbTerminalIgnoresCrlf.GetName(), ignored);
+    ProfileLoadKey from(key, !savedWhole);
     // Asked of the key itself: the file back end answers it from the file's
     // existence, not from a value.
     IsSession.Load(from.Get(), false);

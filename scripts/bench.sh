@@ -3,7 +3,7 @@
 #
 #   scripts/bench.sh [sessions]                (the INI-file store; default 5000 session keys)
 #   scripts/bench.sh global-config [rounds]    (the global options; default 30 rounds)
-#   scripts/bench.sh sessions [count] [rounds] [changed|whole]
+#   scripts/bench.sh session-config [count] [rounds] [changed|whole]
 #                                              (sessions; default 5000, 3 rounds, changed)
 #
 # Configures and builds the benchmark in ./build (or $TRAYWELL_BUILD_DIR),
@@ -31,7 +31,7 @@ source "$root/scripts/build-common.sh"
 target=bench_ini_store
 case "${1:-}" in
     global-config) target=global_config_bench; shift ;;
-    sessions) target=session_config_bench; shift ;;
+    session-config) target=session_config_bench; shift ;;
 esac
 
 lock_build_tree
