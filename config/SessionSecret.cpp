@@ -1,4 +1,6 @@
-#include "SessionValueKinds.h"
+#include "SessionSecret.h"
+
+#include "VProfileEncodedString.h"
 
 namespace {
 
