@@ -7,6 +7,11 @@
 //           what a Windows developer would use instead.
 // Saving is set against writing the same bytes with WriteFile, and against
 // WritePrivateProfileSectionW writing the classic file's section at once.
+// The key of 100,000 values (5 MB) is not given to the classic functions,
+// which would take many minutes over it.
+//
+// A typed read of a value already loaded is set against reading a plain
+// variable.
 //
 //   bench_ini_store [sessions]     (default 5000 session keys in the tree)
 //
@@ -14,6 +19,7 @@
 // value with the getter of its kind.
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cwchar>
 #include <random>
@@ -21,89 +27,11 @@
 #include <vector>
 
 #include "BenchSupport.h"
+#include "BenchValues.h"
 #include "VIniFileKey.h"
+#include "VProfile.h"
 
 namespace {
-
-struct Value {
-    std::wstring name;
-    VUnicodeString valueName;  // made once, as a typed value holds its name
-    VProfileValueKind kind;
-    uint32_t number;
-    std::wstring text;
-    std::vector<uint8_t> bytes;
-    std::vector<std::wstring> strings;
-};
-
-VUnicodeString V(const std::wstring& text) { return VUnicodeString(text.c_str(), text.size()); }
-
-// Values shaped like a session's: mostly numbers and short strings, some
-// binary blocks (fonts, window places) and a few lists, some non-ASCII text.
-std::vector<Value> SessionLikeValues(size_t count, uint32_t seed) {
-    static const wchar_t* const words[] = {L"Auto",   L"Reconnect", L"Window", L"Font",     L"Color",  L"Tab",
-                                           L"Keep",   L"Alive",     L"Proxy",  L"Terminal", L"Scroll", L"Transfer",
-                                           L"Cipher", L"Log",       L"File",   L"Host",     L"Port",   L"Use"};
-    std::mt19937 random(seed);
-    std::vector<Value> values;
-    for (size_t i = 0; i < count; ++i) {
-        Value value{};
-        value.name = std::wstring(words[random() % 18]) + L" " + words[random() % 18] + L" " + std::to_wstring(i);
-        value.valueName = V(value.name);
-        const uint32_t pick = random() % 20;
-        if (pick < 9) {
-            value.kind = ProfileDword;
-            value.number = random() % 3 ? random() % 100 : random();
-        } else if (pick < 17) {
-            value.kind = ProfileString;
-            value.text = L"host-" + std::to_wstring(random() % 1000) + L".example.com";
-            if (pick == 16) value.text = L"C:\\Users\\Zo\u00eb\\Documents\\Sessions\\log-" + std::to_wstring(i) + L".txt";
-        } else if (pick < 19) {
-            value.kind = ProfileBinary;
-            value.bytes.resize(8 + random() % 57);
-            for (uint8_t& byte : value.bytes) byte = static_cast<uint8_t>(random());
-        } else {
-            value.kind = ProfileMultiString;
-            for (uint32_t n = 1 + random() % 4; n > 0; --n) value.strings.push_back(L"cd /var/log/" + std::to_wstring(n));
-        }
-        values.push_back(std::move(value));
-    }
-    return values;
-}
-
-void Store(VIniFileKey& key, const std::vector<Value>& values) {
-    for (const Value& value : values) {
-        switch (value.kind) {
-        case ProfileDword: key.SetDword(V(value.name), value.number); break;
-        case ProfileString: key.SetString(V(value.name), V(value.text)); break;
-        case ProfileBinary: key.SetBinary(V(value.name), value.bytes.data(), value.bytes.size()); break;
-        default: {
-            VArray<VUnicodeString> strings;
-            for (const std::wstring& string : value.strings) strings.Add(V(string));
-            key.SetMultiString(V(value.name), strings);
-        }
-        }
-    }
-}
-
-// Reads every value; the number read (a check that the load was complete).
-size_t LoadAll(VProfilePrivateKey& key, const std::vector<Value>& values) {
-    size_t read = 0;
-    uint32_t number = 0;
-    VUnicodeString text;
-    VArray<VUnicodeString> strings;
-    uint8_t buffer[256];
-    for (const Value& value : values) {
-        const VUnicodeString& name = value.valueName;
-        size_t size = sizeof buffer;
-        switch (value.kind) {
-        case ProfileDword: read += key.GetDword(name, number); break;
-        case ProfileString: read += key.GetString(name, text); break;
-        case ProfileBinary: read += key.GetBinary(name, buffer, size); break;
-        default: read += key.GetMultiString(name, strings);
-        }
-    }
-    return read;
-}
 
 // The classic INI file of the same values: one section, "name=text" lines,
 // numbers in decimal, bytes in hexadecimal, lists joined with "|".
@@ -175,17 +103,19 @@ void PrintHeader(const char* what) {
                 "x GPPS");
 }
 
+// classic 0: not measured.
 void PrintRow(const char* what, double seconds, uint64_t bytes, size_t values, double floor, double classic) {
-    std::printf("  %-34s %10.3f %9.1f %12.0f %9.2f %9.3f\n", what, seconds * 1e3,
-                static_cast<double>(bytes) / seconds / 1e6, static_cast<double>(values) / seconds, seconds / floor,
-                seconds / classic);
+    std::printf("  %-34s %10.3f %9.1f %12.0f %9.2f", what, seconds * 1e3, static_cast<double>(bytes) / seconds / 1e6,
+                static_cast<double>(values) / seconds, seconds / floor);
+    if (classic > 0) std::printf(" %9.3f\n", seconds / classic);
+    else std::printf(" %9s\n", "-");
 }
 
 void CheckCount(const char* what, size_t read, size_t expected) {
     if (read != expected) std::printf("  !! %s read %zu values of %zu\n", what, read, expected);
 }
 
-void OneKey(const std::wstring& folder, size_t count, int rounds) {
+void OneKey(const std::wstring& folder, size_t count, int rounds, bool withClassic) {
     const std::vector<Value> values = SessionLikeValues(count, static_cast<uint32_t>(count));
     const std::wstring name = L"key" + std::to_wstring(count);
     const VUnicodeString keyFolder = V(folder + name);
@@ -196,7 +126,7 @@ void OneKey(const std::wstring& folder, size_t count, int rounds) {
         VIniFileKey key(keyFolder, VUnicodeString(), false, nullptr);
         Store(key, values);
     }
-    WriteClassicFile(classicFile, values);
+    if (withClassic) WriteClassicFile(classicFile, values);
     const uint64_t bytes = FileSize(valuesFile);
     std::vector<char> buffer(bytes + 4096);
     std::vector<wchar_t> text(bytes);
@@ -205,7 +135,7 @@ void OneKey(const std::wstring& folder, size_t count, int rounds) {
     const std::vector<double> loading = BestTimes(
         {
             [&] { ReadFloor(valuesFile, buffer, text); },
-            [&] { read[0] = LoadClassic(classicFile, values); },
+            [&] { read[0] = withClassic ? LoadClassic(classicFile, values) : 0; },
             [&] {
                 VIniFileKey key(keyFolder, VUnicodeString(), true, nullptr);
                 read[1] = LoadAll(key, values);
@@ -216,31 +146,81 @@ void OneKey(const std::wstring& folder, size_t count, int rounds) {
     std::snprintf(title, sizeof title, "one key of %zu values: %llu bytes", count,
                   static_cast<unsigned long long>(bytes));
     PrintHeader(title);
-    PrintRow("load: floor (ReadFile + convert)", loading[0], bytes, count, loading[0], loading[1]);
-    PrintRow("load: GetPrivateProfileStringW", loading[1], bytes, count, loading[0], loading[1]);
-    PrintRow("load: VIniFileKey", loading[2], bytes, count, loading[0], loading[1]);
-    CheckCount("GetPrivateProfileStringW", read[0], count);
+    const double classicLoad = withClassic ? loading[1] : 0;
+    PrintRow("load: floor (ReadFile + convert)", loading[0], bytes, count, loading[0], classicLoad);
+    if (withClassic) PrintRow("load: GetPrivateProfileStringW", loading[1], bytes, count, loading[0], loading[1]);
+    PrintRow("load: VIniFileKey", loading[2], bytes, count, loading[0], classicLoad);
+    if (withClassic) CheckCount("GetPrivateProfileStringW", read[0], count);
     CheckCount("VIniFileKey", read[1], count);
 
     // Saving: the same bytes written at once, one section call, and a key
     // given every value and flushed.
     const std::wstring section = SectionStrings(values);
     const std::wstring sectionText = ClassicSection(values);
+    // The last case times the save alone: a key whose values were set (not
+    // timed) written to its file, as Flush or the key's end does.
+    double flushOnly = 1e30;
     const std::vector<double> saving = BestTimes(
         {
             [&] { WriteRaw(floorOut, "\xEF\xBB\xBF" + Utf8(sectionText)); },
-            [&] { WritePrivateProfileSectionW(L"Values", section.c_str(), classicFile.c_str()); },
+            [&] {
+                if (withClassic) WritePrivateProfileSectionW(L"Values", section.c_str(), classicFile.c_str());
+            },
             [&] {
                 VIniFileKey key(keyFolder, VUnicodeString(), false, nullptr);
                 Store(key, values);
                 key.Flush();
             },
+            [&] {
+                VIniFileKey key(keyFolder, VUnicodeString(), false, nullptr);
+                Store(key, values);
+                const double start = Now();
+                key.Flush();
+                flushOnly = std::min(flushOnly, Now() - start);
+            },
         },
         rounds);
-    PrintRow("save: floor (convert + WriteFile)", saving[0], bytes, count, saving[0], saving[1]);
-    PrintRow("save: WritePrivateProfileSectionW", saving[1], bytes, count, saving[0], saving[1]);
-    PrintRow("save: VIniFileKey (set + flush)", saving[2], bytes, count, saving[0], saving[1]);
+    const double classicSave = withClassic ? saving[1] : 0;
+    PrintRow("save: floor (convert + WriteFile)", saving[0], bytes, count, saving[0], classicSave);
+    if (withClassic) PrintRow("save: WritePrivateProfileSectionW", saving[1], bytes, count, saving[0], saving[1]);
+    PrintRow("save: VIniFileKey (set + flush)", saving[2], bytes, count, saving[0], classicSave);
+    PrintRow("save: VIniFileKey (flush alone)", flushOnly, bytes, count, saving[0], classicSave);
     for (const std::wstring& file : {valuesFile, classicFile, floorOut}) DeleteFileW(file.c_str());
+}
+
+// A value already loaded, read as the program reads its options all the time:
+// VProfile<T>::Get against a plain variable.
+void TypedRead(const std::wstring& folder) {
+    const VUnicodeString keyFolder = V(folder + L"typed");
+    {
+        VIniFileKey writer(keyFolder, VUnicodeString(), false, nullptr);
+        writer.SetDword(L"Timeout", 180);
+    }
+    VProfileKey key(std::make_unique<VIniFileKey>(keyFolder, VUnicodeString(), true, nullptr));
+    VProfile<unsigned long> timeout(L"Timeout", 0);
+    timeout.Load(key);
+    unsigned long plain = 180;
+    // Read through volatile pointers, so that no read is hoisted out of the loop.
+    VProfile<unsigned long>* volatile value = &timeout;
+    unsigned long* volatile variable = &plain;
+    constexpr int reads = 10000000;
+    constexpr int rounds = 5;
+    uint64_t sum[2] = {};
+    const std::vector<double> times = BestTimes(
+        {
+            [&] {
+                for (int i = 0; i < reads; ++i) sum[0] += *variable;
+            },
+            [&] {
+                for (int i = 0; i < reads; ++i) sum[1] += value->Get();
+            },
+        },
+        rounds);
+    std::printf("\ntyped read of a loaded value (%d reads)\n  %-34s %10s %9s\n", reads, "case", "ns/read", "x floor");
+    std::printf("  %-34s %10.3f %9.2f\n", "floor (a plain variable)", times[0] / reads * 1e9, 1.0);
+    std::printf("  %-34s %10.3f %9.2f\n", "VProfile<unsigned long>::Get", times[1] / reads * 1e9, times[1] / times[0]);
+    CheckCount("typed read", static_cast<size_t>(sum[1] / 180), static_cast<size_t>(reads) * rounds);
+    DeleteFileW((folder + L"typed.ini").c_str());
 }
 
 // A tree of session keys "Sessions\Snnnn", read as the session list does:
@@ -329,9 +309,11 @@ int wmain(int argc, wchar_t** argv) {
 
     std::printf("bench_ini_store: best of several rounds; \"x floor\" and \"x GPPS\" are time ratios "
                 "(below 1 is faster)\n");
-    OneKey(folder, 1, 40);
-    OneKey(folder, 250, 15);
-    OneKey(folder, 10000, 3);
+    OneKey(folder, 1, 40, true);
+    OneKey(folder, 250, 15, true);
+    OneKey(folder, 10000, 3, true);
+    OneKey(folder, 100000, 3, false);
+    TypedRead(folder);
     if (sessions > 0) SessionTree(folder, sessions, std::min<size_t>(sessions, 20));
     RemoveDirectoryW(folder.c_str());
     return 0;

@@ -1,6 +1,7 @@
 #include "VReportMessageParams.h"
 
 #include <atomic>
+#include <mutex>
 #include <stdexcept>
 #include <vector>
 
@@ -20,6 +21,25 @@ std::atomic<HMODULE> g_fallbackModule{nullptr};
 HMODULE NtdllModule() {
     static const HMODULE module = GetModuleHandleW(L"NTDLL.DLL");
     return module;
+}
+
+// The most inserts a message can name (%1 to %99).
+constexpr size_t MaxInserts = 99;
+
+// "%1" to "%99": what stands in for an insert no argument was given for, so
+// that the formatter, which reads as many arguments as the text names, finds
+// one for each and the insert stays in the text as written.
+const std::vector<VUnicodeString>& InsertPlaceholders() {
+    static const std::vector<VUnicodeString> placeholders = [] {
+        std::vector<VUnicodeString> made;
+        for (unsigned number = 1; number <= MaxInserts; ++number) {
+            VUnicodeString placeholder;
+            placeholder.FormatPrintf(4, L"%%%u", number);
+            made.push_back(placeholder);
+        }
+        return made;
+    }();
+    return placeholders;
 }
 
 }  // namespace
@@ -74,6 +94,13 @@ bool VReportMessageParams::FormatFrom(HMODULE module, DWORD flags) {
     for (const VUnicodeString& argument : arguments_) {
         inserts.push_back(reinterpret_cast<DWORD_PTR>(argument.c_str()));
         sensitive = sensitive || argument.IsSensitive();
+    }
+    // Without arguments the formatter refuses a text with inserts, which is
+    // then formatted with inserts ignored (TryFormatFrom); with too few, the
+    // rest are padded.
+    if (!inserts.empty()) {
+        for (size_t missing = inserts.size(); missing < MaxInserts; ++missing)
+            inserts.push_back(reinterpret_cast<DWORD_PTR>(InsertPlaceholders()[missing].c_str()));
     }
     DWORD allFlags = flags | FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_ARGUMENT_ARRAY;
     if (module || !(flags & FORMAT_MESSAGE_FROM_SYSTEM)) allFlags |= FORMAT_MESSAGE_FROM_HMODULE;
@@ -141,7 +168,10 @@ void VReportMessageParams::SetFallbackModule(HMODULE module) { g_fallbackModule.
 HMODULE VReportMessageParams::GetFallbackModule() { return g_fallbackModule.load(); }
 
 bool VReportMessageParams::LoadFallbackModule(const wchar_t* fileName) {
+    // Threads that report at start-up may get here together.
+    static std::mutex loading;
     static LibraryHandle loaded;
+    const std::lock_guard<std::mutex> guard(loading);
     if (!loaded) {
         const VUnicodeString path = GetPathBesideProgram(fileName);
         if (path.IsEmpty()) return false;

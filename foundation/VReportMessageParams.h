@@ -27,8 +27,9 @@ public:
     // Formats number with format (for example "0x%1!08x!") and adds the result.
     virtual void AddArgument(const wchar_t* format, uint32_t number) = 0;
     // The formatted text, cached until the code or the arguments change. Never
-    // fails: a code found in no table gives a text that names the code. The
-    // text belongs to the report.
+    // fails: a code found in no table gives a text that names the code. An
+    // insert that no argument was given for stays in the text as written
+    // ("%2"). The text belongs to the report.
     virtual const wchar_t* GetText(DWORD flags) = 0;
     // The text with its trailing line end removed: "\r\n" when the low byte of
     // flags is zero, else one trailing blank (a line width ends lines with one).

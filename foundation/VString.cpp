@@ -148,8 +148,11 @@ template <class Char>
 VBasicString<Char>& VBasicString<Char>::operator=(VBasicString&& other) {
     if (chars_ == other.chars_) return *this;
     if (IsSensitive() && !other.IsSensitive()) return *this = static_cast<const VBasicString&>(other);
+    // The moved-from variable keeps its own mark, not the one of the block it
+    // is handed here (which it releases).
+    const Str::SensitiveState otherState = other.GetSensitiveState();
     std::swap(chars_, other.chars_);
-    other.Empty();
+    other.TakeBlock(Str::SharedEmptyBlock(sizeof(Char), otherState));
     return *this;
 }
 
@@ -191,6 +194,14 @@ template <class Char>
 void VBasicString<Char>::Assign(const Char* text, size_t count) {
     if (!text || count == 0) {
         Empty();
+        return;
+    }
+    // A private block with room is written over: a caller that reads many
+    // values into one string allocates once.
+    const bool ownText = text >= chars_ && text <= chars_ + GetLength();
+    if (!ownText && !Str::IsBlockShared(Header()) && Header()->capacityBytes >= (count + 1) * sizeof(Char)) {
+        std::memcpy(chars_, text, count * sizeof(Char));
+        SetLength(count);
         return;
     }
     // The text may lie inside this string's own block: copy it out first.
@@ -250,6 +261,7 @@ void VBasicString<Char>::Insert(size_t position, const Char* text, size_t count)
 
 template <class Char>
 void VBasicString<Char>::Insert(size_t position, const VBasicString& text) {
+    if (position > GetLength()) ThrowOutOfRange();
     if (text.IsSensitive() && !IsSensitive()) MakeSensitive();
     Insert(position, text.chars_, text.GetLength());
 }
@@ -375,6 +387,8 @@ bool VBasicString<Char>::ParseUnsigned(const Char* text, uint64_t& value) noexce
     return true;
 }
 
+// The formatters' buffers may hold what was inserted - a pass phrase, say -
+// so they are wiped before they are freed, whatever the string's mark.
 template <class Char>
 bool VBasicString<Char>::FormatPositional(const Char* pattern, ...) {
     va_list args;
@@ -385,6 +399,7 @@ bool VBasicString<Char>::FormatPositional(const Char* pattern, ...) {
     const LocalMemory owner(formatted);
     if (length == 0) return false;
     Assign(formatted, length);
+    SecureZeroMemory(formatted, LocalSize(formatted));
     return true;
 }
 
@@ -395,9 +410,10 @@ bool VBasicString<Char>::FormatPrintf(size_t bufferCharacters, const Char* forma
     va_start(args, format);
     const int written = Runtime<Char>::PrintF(buffer.data(), buffer.size(), format, args);
     va_end(args);
-    if (written < 0 || static_cast<size_t>(written) > bufferCharacters) return false;
-    Assign(buffer.data(), static_cast<size_t>(written));
-    return true;
+    const bool fits = written >= 0 && static_cast<size_t>(written) <= bufferCharacters;
+    if (fits) Assign(buffer.data(), static_cast<size_t>(written));
+    SecureZeroMemory(buffer.data(), buffer.size() * sizeof(Char));
+    return fits;
 }
 
 template class VBasicString<char>;

@@ -26,8 +26,8 @@ public:
         else
             target.SetNarrow(Base::c_str(), Base::GetLength(), Base::GetSensitiveState());
     }
-    void AppendNarrow(const char* text, size_t count) override { Base::Append(Converted(text, count)); }
-    void AppendWide(const wchar_t* text, size_t count) override { Base::Append(Converted(text, count)); }
+    void AppendNarrow(const char* text, size_t count) override { AppendText(text, count); }
+    void AppendWide(const wchar_t* text, size_t count) override { AppendText(text, count); }
     void AppendNarrow(const char* text) override { AppendNarrow(text, Length(text)); }
     void AppendWide(const wchar_t* text) override { AppendWide(text, Length(text)); }
 
@@ -44,6 +44,19 @@ private:
             return Base(text, count, state);
         else
             return Base(VBasicString<In>(text, count, state));
+    }
+
+    // Appends text without changing this string's mark. Text of the other
+    // width is converted through copies that are wiped when freed: nothing
+    // tells whether it is a secret.
+    template <class In>
+    void AppendText(const In* text, size_t count) {
+        if constexpr (std::is_same_v<In, Char>) {
+            Base::Append(text, count);
+        } else {
+            const Base converted = Converted(text, count, Str::Sensitive);
+            Base::Append(converted.c_str(), converted.GetLength());
+        }
     }
 
     // Replaces text and state together: unlike assignment, a Set may drop sensitivity.

@@ -1,18 +1,17 @@
 #include "IniFileFormat.h"
 
 #include <algorithm>
+#include <bit>
 #include <cwchar>
 #include <cwctype>
 
-#include "VTextFile.h"
+#include <emmintrin.h>
 
 namespace {
 
 constexpr size_t NumberFieldLength = 8;
 constexpr size_t BinaryBytesPerLine = 32;
-constexpr size_t BinaryReserveLimit = 64 * 1024;
 constexpr size_t HeaderFrameLength = 5;  // kind, ':', two quotes and '='
-constexpr size_t LineEndLength = 2;
 constexpr wchar_t LowerHexDigits[] = L"0123456789abcdef";
 
 // " 00" to " ff": the texts that binary data lines are made of.
@@ -28,66 +27,64 @@ struct ByteTextTable {
 };
 constexpr ByteTextTable ByteTexts;
 
-// Fills a string whose final length is known beforehand, so that one entry
-// costs one allocation, however many lines it has.
-class EntryText {
-public:
-    EntryText(size_t length, Str::SensitiveState state)
-        : text_(state), begin_(text_.GetBuffer(length)), cursor_(begin_) {}
+void Put(VIniFileText& text, std::wstring_view piece) { text.insert(text.end(), piece.begin(), piece.end()); }
+void PutLineEnd(VIniFileText& text) { Put(text, L"\r\n"); }
 
-    void Put(wchar_t character) { *cursor_++ = character; }
-    void Put(const wchar_t* text, size_t count) {
-        std::wmemcpy(cursor_, text, count);
-        cursor_ += count;
-    }
-    void Put(const VUnicodeString& text) { Put(text.c_str(), text.GetLength()); }
-    void Put(std::wstring_view text) { Put(text.data(), text.size()); }
-    void PutLineEnd() { Put(L"\r\n", LineEndLength); }
-
-    // The header line: as the pattern "K:\"%1\"=%2" formats it (%2 being a
-    // number field "%2!08x!" for D, B and Z), composed here directly because
-    // the system's formatter costs more than the write.
-    void PutHeader(wchar_t kind, std::wstring_view name) {
-        Put(kind);
-        Put(L":\"", 2);
-        Put(name);
-        Put(L"\"=", 2);
-    }
-    void PutNumberField(uint32_t value) {
-        for (int shift = 28; shift >= 0; shift -= 4) Put(LowerHexDigits[(value >> shift) & 15]);
-    }
-
-    VUnicodeString Finish() {
-        text_.ReleaseBuffer(static_cast<size_t>(cursor_ - begin_));
-        return std::move(text_);
-    }
-
-private:
-    VUnicodeString text_;
-    wchar_t* begin_;
-    wchar_t* cursor_;
-};
-
-size_t HeaderLength(std::wstring_view name, size_t fieldLength) {
-    return HeaderFrameLength + name.size() + fieldLength + LineEndLength;
+// The header line: as the pattern "K:\"%1\"=%2" formats it (%2 being a number
+// field "%2!08x!" for D, B and Z), composed here directly because the system's
+// formatter costs more than the write.
+void PutHeader(VIniFileText& text, wchar_t kind, std::wstring_view name) {
+    const wchar_t frame[] = {kind, L':', L'"'};
+    Put(text, std::wstring_view(frame, 3));
+    Put(text, name);
+    Put(text, L"\"=");
 }
 
-VUnicodeString FormatNumberEntry(wchar_t kind, std::wstring_view name, uint32_t value) {
-    EntryText text(HeaderLength(name, NumberFieldLength), Str::NotSensitive);
-    text.PutHeader(kind, name);
-    text.PutNumberField(value);
-    text.PutLineEnd();
-    return text.Finish();
+void PutNumberField(VIniFileText& text, uint32_t value) {
+    wchar_t digits[NumberFieldLength];
+    for (size_t i = 0; i < NumberFieldLength; ++i) digits[i] = LowerHexDigits[(value >> (28 - 4 * i)) & 15];
+    Put(text, std::wstring_view(digits, NumberFieldLength));
+}
+
+void AppendNumberEntry(VIniFileText& text, wchar_t kind, std::wstring_view name, uint32_t value) {
+    PutHeader(text, kind, name);
+    PutNumberField(text, value);
+    PutLineEnd(text);
 }
 
 // ---- reading ----
 
-int HexDigitValue(wchar_t character) {
-    if (character >= L'0' && character <= L'9') return character - L'0';
-    if (character >= L'a' && character <= L'f') return character - L'a' + 10;
-    if (character >= L'A' && character <= L'F') return character - L'A' + 10;
-    return -1;
+// The first of a or b in [begin, end), or end. Eight characters at a time:
+// the reader passes over every character of a file this way, to find line
+// ends and closing quotes.
+const wchar_t* FindEither(const wchar_t* begin, const wchar_t* end, wchar_t a, wchar_t b) {
+    const __m128i wantA = _mm_set1_epi16(static_cast<short>(a));
+    const __m128i wantB = _mm_set1_epi16(static_cast<short>(b));
+    for (; end - begin >= 8; begin += 8) {
+        const __m128i eight = _mm_loadu_si128(reinterpret_cast<const __m128i*>(begin));
+        const int found =
+            _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi16(eight, wantA), _mm_cmpeq_epi16(eight, wantB)));
+        if (found != 0) return begin + std::countr_zero(static_cast<unsigned>(found)) / 2;
+    }
+    while (begin < end && *begin != a && *begin != b) ++begin;
+    return begin;
 }
+
+// Hexadecimal digits of either case by character; -1 for every other one.
+struct HexDigitTable {
+    signed char value[128];
+    constexpr HexDigitTable() : value{} {
+        for (int character = 0; character < 128; ++character) {
+            value[character] = -1;
+            if (character >= '0' && character <= '9') value[character] = static_cast<signed char>(character - '0');
+            if (character >= 'a' && character <= 'f') value[character] = static_cast<signed char>(character - 'a' + 10);
+            if (character >= 'A' && character <= 'F') value[character] = static_cast<signed char>(character - 'A' + 10);
+        }
+    }
+};
+constexpr HexDigitTable HexDigits;
+
+int HexDigitValue(wchar_t character) { return character < 128 ? HexDigits.value[character] : -1; }
 
 // The common case first: iswspace is a call into the runtime's tables.
 bool IsWhiteSpace(wchar_t character) { return character == L' ' || std::iswspace(character); }
@@ -123,8 +120,8 @@ bool ParseHeader(const wchar_t* line, size_t length, EntryHeader& header) {
     if (line[1] != L':' || line[2] != L'"') return false;
     const wchar_t* name = line + 3;
     const wchar_t* end = line + length;
-    const wchar_t* closingQuote = std::wmemchr(name, L'"', static_cast<size_t>(end - name));
-    if (!closingQuote || closingQuote + 1 == end || closingQuote[1] != L'=') return false;
+    const wchar_t* closingQuote = FindEither(name, end, L'"', L'"');
+    if (closingQuote == end || closingQuote + 1 == end || closingQuote[1] != L'=') return false;
     header.kind = kind;
     header.name = name;
     header.nameLength = static_cast<size_t>(closingQuote - name);
@@ -133,86 +130,83 @@ bool ParseHeader(const wchar_t* line, size_t length, EntryHeader& header) {
     return true;
 }
 
-// Appends the pairs of one binary data line. White space may stand before
-// any pair; a pair is two hexadecimal digits of either case. False for a line
-// with no pair, a lone digit, any other character, or more than missing bytes.
-bool ParseBinaryLine(const wchar_t* line, size_t length, size_t missing, std::vector<uint8_t>& bytes) {
+// Puts the pairs of one binary data line at out, which has room for at least
+// missing bytes; the number put. White space may stand before any pair; a pair
+// is two hexadecimal digits of either case. 0 for a line with no pair, a lone
+// digit, any other character, or more than missing bytes.
+size_t ParseBinaryLine(std::wstring_view line, size_t missing, uint8_t* out) {
     size_t pairs = 0;
     size_t i = 0;
+    const size_t length = line.size();
     for (;;) {
-        while (i < length && IsWhiteSpace(line[i])) ++i;
+        int high = -1;
+        // Digits first: most characters are, and iswspace is a call.
+        while (i < length && (high = HexDigitValue(line[i])) < 0 && IsWhiteSpace(line[i])) ++i;
         if (i == length) break;
-        const int high = HexDigitValue(line[i]);
-        if (high < 0 || i + 1 == length) return false;
+        if (high < 0 || i + 1 == length) return 0;
         const int low = HexDigitValue(line[i + 1]);
-        if (low < 0 || pairs == missing) return false;
-        bytes.push_back(static_cast<uint8_t>(high * 16 + low));
-        ++pairs;
+        if (low < 0 || pairs == missing) return 0;
+        out[pairs++] = static_cast<uint8_t>(high * 16 + low);
         i += 2;
     }
-    return pairs != 0;
+    return pairs;
 }
 
 }  // namespace
 
-VUnicodeString FormatIniDwordEntry(std::wstring_view name, uint32_t value) {
-    return FormatNumberEntry(L'D', name, value);
+void AppendIniDwordEntry(VIniFileText& text, std::wstring_view name, uint32_t value) {
+    AppendNumberEntry(text, L'D', name, value);
 }
 
-VUnicodeString FormatIniStringEntry(std::wstring_view name, const VUnicodeString& text) {
-    EntryText entry(HeaderLength(name, text.GetLength()), text.GetSensitiveState());
-    entry.PutHeader(L'S', name);
-    entry.Put(text);
-    entry.PutLineEnd();
-    return entry.Finish();
+void AppendIniStringEntry(VIniFileText& text, std::wstring_view name, std::wstring_view value) {
+    PutHeader(text, L'S', name);
+    Put(text, value);
+    PutLineEnd(text);
 }
 
-VUnicodeString FormatIniBinaryEntry(std::wstring_view name, const uint8_t* bytes, size_t length) {
-    const size_t lines = (length + BinaryBytesPerLine - 1) / BinaryBytesPerLine;
-    EntryText entry(HeaderLength(name, NumberFieldLength) + 3 * length + LineEndLength * lines, Str::NotSensitive);
-    entry.PutHeader(L'B', name);
-    entry.PutNumberField(static_cast<uint32_t>(length));
-    entry.PutLineEnd();
-    for (size_t start = 0; start < length; start += BinaryBytesPerLine) {
-        const size_t end = std::min(length, start + BinaryBytesPerLine);
-        for (size_t i = start; i < end; ++i) entry.Put(ByteTexts.text[bytes[i]], 3);
-        entry.PutLineEnd();
+void AppendIniBinaryEntry(VIniFileText& text, std::wstring_view name, std::span<const uint8_t> bytes) {
+    AppendNumberEntry(text, L'B', name, static_cast<uint32_t>(bytes.size()));
+    for (size_t start = 0; start < bytes.size(); start += BinaryBytesPerLine) {
+        const size_t end = std::min(bytes.size(), start + BinaryBytesPerLine);
+        for (size_t i = start; i < end; ++i) Put(text, std::wstring_view(ByteTexts.text[bytes[i]], 3));
+        PutLineEnd(text);
     }
-    return entry.Finish();
 }
 
-VUnicodeString FormatIniMultiStringEntry(std::wstring_view name, const VArray<VUnicodeString>& strings) {
-    size_t length = HeaderLength(name, NumberFieldLength);
-    bool sensitive = false;
-    for (const VUnicodeString& string : strings) {
-        length += 1 + string.GetLength() + LineEndLength;
-        sensitive = sensitive || string.IsSensitive();
+void AppendIniMultiStringHeader(VIniFileText& text, std::wstring_view name, size_t count) {
+    AppendNumberEntry(text, L'Z', name, static_cast<uint32_t>(count));
+}
+
+void AppendIniStringLine(VIniFileText& text, std::wstring_view string) {
+    text.push_back(L' ');
+    Put(text, string);
+    PutLineEnd(text);
+}
+
+bool NextIniLine(const wchar_t*& position, const wchar_t* end, std::wstring_view& line) {
+    if (position == end) return false;
+    const wchar_t* stop = FindEither(position, end, L'\r', L'\n');
+    line = std::wstring_view(position, static_cast<size_t>(stop - position));
+    if (stop == end) {
+        position = end;
+    } else {
+        position = stop + (*stop == L'\r' && stop + 1 < end && stop[1] == L'\n' ? 2 : 1);
     }
-    EntryText entry(length, sensitive ? Str::Sensitive : Str::NotSensitive);
-    entry.PutHeader(L'Z', name);
-    entry.PutNumberField(static_cast<uint32_t>(strings.GetCount()));
-    entry.PutLineEnd();
-    for (const VUnicodeString& string : strings) {
-        entry.Put(L' ');
-        entry.Put(string);
-        entry.PutLineEnd();
-    }
-    return entry.Finish();
+    return true;
 }
 
 bool VIniFileEntryReader::Next(std::wstring_view& name, VIniFileDataPtr& value) {
-    if (!ended_ && !ReadEntry(value)) ended_ = true;
-    name = name_;
+    if (!ended_ && !ReadEntry(name, value)) ended_ = true;
     return !ended_;
 }
 
-bool VIniFileEntryReader::ReadEntry(VIniFileDataPtr& value) {
+bool VIniFileEntryReader::ReadEntry(std::wstring_view& name, VIniFileDataPtr& value) {
+    std::wstring_view line;
     EntryHeader header;
-    if (!file_.ReadLine(line_) || !ParseHeader(line_.c_str(), line_.GetLength(), header)) return false;
-    // Taken now: the header points into line_, which data lines overwrite.
-    name_.assign(header.name, header.nameLength);
+    if (!NextIniLine(position_, end_, line) || !ParseHeader(line.data(), line.size(), header)) return false;
+    name = std::wstring_view(header.name, header.nameLength);
     if (header.kind == L'S') {
-        value = arena_.Make<VIniFileDataString>(header.field, header.fieldLength);
+        value = arena_.Make<VIniFileDataString>(std::wstring_view(header.field, header.fieldLength));
         return true;
     }
     uint32_t number = 0;
@@ -222,32 +216,41 @@ bool VIniFileEntryReader::ReadEntry(VIniFileDataPtr& value) {
         return true;
     }
     if (header.kind == L'B') {
-        std::vector<uint8_t> bytes;
+        // The count comes from the file and may be damaged: a count that the
+        // rest of the text cannot hold (two digits a byte) is refused before
+        // any memory is taken for it.
+        if (number > static_cast<size_t>(end_ - position_) / 2) return false;
+        const std::span<uint8_t> bytes = arena_.AllocateBytes(number);
         if (!ReadBinaryLines(number, bytes)) return false;
-        value = arena_.Make<VIniFileDataBinary>(std::move(bytes));
+        value = arena_.Make<VIniFileDataBinary>(std::span<const uint8_t>(bytes));
         return true;
     }
-    VArray<VUnicodeString> strings;
-    if (!ReadStringLines(number, strings)) return false;
-    value = arena_.Make<VIniFileDataStringSz>(std::move(strings));
+    std::wstring_view lines;
+    if (!ReadStringLines(number, lines)) return false;
+    value = arena_.Make<VIniFileDataStringSz>(lines, number);
     return true;
 }
 
-// The count comes from the file and may be damaged: the buffer is sized from
-// it only up to a bound, and beyond that grows with what the lines hold.
-bool VIniFileEntryReader::ReadBinaryLines(uint32_t count, std::vector<uint8_t>& bytes) {
-    bytes.reserve(std::min<size_t>(count, BinaryReserveLimit));
-    while (bytes.size() < count) {
-        if (!file_.ReadLine(line_)) return false;
-        if (!ParseBinaryLine(line_.c_str(), line_.GetLength(), count - bytes.size(), bytes)) return false;
+bool VIniFileEntryReader::ReadBinaryLines(uint32_t count, std::span<uint8_t> bytes) {
+    size_t have = 0;
+    std::wstring_view line;
+    while (have < count) {
+        if (!NextIniLine(position_, end_, line)) return false;
+        const size_t pairs = ParseBinaryLine(line, count - have, bytes.data() + have);
+        if (pairs == 0) return false;
+        have += pairs;
     }
     return true;
 }
 
-bool VIniFileEntryReader::ReadStringLines(uint32_t count, VArray<VUnicodeString>& strings) {
+bool VIniFileEntryReader::ReadStringLines(uint32_t count, std::wstring_view& lines) {
+    const wchar_t* const first = position_;
+    const wchar_t* lastEnd = first;
+    std::wstring_view line;
     for (uint32_t i = 0; i < count; ++i) {
-        if (!file_.ReadLine(line_) || line_.IsEmpty() || line_.c_str()[0] != L' ') return false;
-        strings.Add(VUnicodeString(line_.c_str() + 1, line_.GetLength() - 1));
+        if (!NextIniLine(position_, end_, line) || line.empty() || line[0] != L' ') return false;
+        lastEnd = line.data() + line.size();
     }
+    lines = std::wstring_view(first, static_cast<size_t>(lastEnd - first));
     return true;
 }

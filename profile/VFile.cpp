@@ -2,6 +2,10 @@
 // positioning and raw I/O.
 #include "VFile.h"
 
+#include <cstddef>
+#include <cstring>
+#include <vector>
+
 void VFile::SetSecurityDescriptor(const VSecurityDescriptor* descriptor) {
     if (descriptor && !descriptor->IsEmpty()) security_ = *descriptor;
     else security_.reset();
@@ -16,16 +20,31 @@ bool VFile::Open(const VUnicodeString& fileName, DWORD access, DWORD creationDis
     return handle_.IsValid();
 }
 
-bool VFile::OpenUniqueTemporary(const VUnicodeString& prefix) {
+bool VFile::OpenUniqueTemporary(const VUnicodeString& prefix, DWORD* counter) {
     // The counter stops short of all ones, the sign that it has gone round.
-    for (DWORD counter = 0; counter != MAXDWORD; ++counter) {
-        VUnicodeString name;
-        if (!name.FormatPositional(L"%1%2!X!.tmp", prefix.c_str(), counter)) return false;
-        if (Open(name, GENERIC_READ | GENERIC_WRITE, CREATE_NEW)) return true;
+    for (DWORD next = 0; next != MAXDWORD; ++next) {
+        if (Open(TemporaryName(prefix, next), GENERIC_READ | GENERIC_WRITE | DELETE, CREATE_NEW)) {
+            if (counter) *counter = next;
+            return true;
+        }
         if (GetLastError() != ERROR_FILE_EXISTS) return false;
     }
     SetLastError(ERROR_FILE_EXISTS);
     return false;
+}
+
+// As the pattern "%1%2!X!.tmp" makes it, without the system's formatter.
+VUnicodeString VFile::TemporaryName(const VUnicodeString& prefix, DWORD counter) {
+    static constexpr wchar_t Digits[] = L"0123456789ABCDEF";
+    wchar_t hex[8];
+    size_t length = 0;
+    do {
+        hex[length++] = Digits[counter & 15];
+        counter >>= 4;
+    } while (counter != 0);
+    VUnicodeString name = prefix;
+    while (length > 0) name += hex[--length];
+    return name + L".tmp";
 }
 
 void VFile::Close() noexcept { handle_.Reset(); }
@@ -65,6 +84,35 @@ bool VFile::GetSize(uint64_t& size) const {
     if (!GetFileSizeEx(handle_.Get(), &value)) return false;
     size = static_cast<uint64_t>(value.QuadPart);
     return true;
+}
+
+bool VFile::RenameOver(const VUnicodeString& path) {
+    // FILE_RENAME_INFO ends in the name; the structure is allocated with room for it.
+    const size_t nameBytes = path.GetLength() * sizeof(wchar_t);
+    std::vector<BYTE> buffer(offsetof(FILE_RENAME_INFO, FileName) + nameBytes + sizeof(wchar_t));
+    auto* rename = reinterpret_cast<FILE_RENAME_INFO*>(buffer.data());
+    rename->FileNameLength = static_cast<DWORD>(nameBytes);
+    std::memcpy(rename->FileName, path.c_str(), nameBytes);
+    // First with POSIX semantics (Windows 10 and later), which replace a file
+    // that others hold open; systems without them refuse the class.
+    constexpr auto RenameInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(22);  // FileRenameInfoEx
+    constexpr DWORD ReplaceIfExists = 0x1;                                     // FILE_RENAME_FLAG_...
+    constexpr DWORD PosixSemantics = 0x2;
+    rename->Flags = ReplaceIfExists | PosixSemantics;
+    if (SetFileInformationByHandle(handle_.Get(), RenameInfoEx, rename, static_cast<DWORD>(buffer.size())))
+        return true;
+    const DWORD error = GetLastError();
+    if (error != ERROR_INVALID_PARAMETER && error != ERROR_NOT_SUPPORTED && error != ERROR_INVALID_FUNCTION)
+        return false;
+    rename->Flags = 0;
+    rename->ReplaceIfExists = TRUE;
+    return SetFileInformationByHandle(handle_.Get(), FileRenameInfo, rename, static_cast<DWORD>(buffer.size())) !=
+           FALSE;
+}
+
+bool VFile::DeleteOnClose() {
+    FILE_DISPOSITION_INFO disposition{TRUE};
+    return SetFileInformationByHandle(handle_.Get(), FileDispositionInfo, &disposition, sizeof disposition) != FALSE;
 }
 
 bool VFile::ReadBytes(void* buffer, DWORD size, DWORD& bytesRead) {

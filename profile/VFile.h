@@ -43,11 +43,14 @@ public:
     bool Open(const VUnicodeString& fileName, DWORD access, DWORD creationDisposition);
     // Opens a new file named prefix, then the counter in upper-case hexadecimal,
     // then ".tmp" ("%1%2!X!.tmp": prefix0.tmp, prefix1.tmp, ... prefixA.tmp),
-    // for reading and writing with CREATE_NEW, the counter counting up from 0.
-    // An existing name (ERROR_FILE_EXISTS) moves on to the next counter; any
-    // other error ends the attempt, and so does the counter reaching all ones
-    // (with ERROR_FILE_EXISTS). The prefix usually holds a folder path.
-    bool OpenUniqueTemporary(const VUnicodeString& prefix);
+    // for reading and writing (and renaming, RenameOver) with CREATE_NEW, the
+    // counter counting up from 0. An existing name (ERROR_FILE_EXISTS) moves on
+    // to the next counter; any other error ends the attempt, and so does the
+    // counter reaching all ones (with ERROR_FILE_EXISTS). The prefix usually
+    // holds a folder path. counter, when given, receives the counter used.
+    bool OpenUniqueTemporary(const VUnicodeString& prefix, DWORD* counter = nullptr);
+    // The name OpenUniqueTemporary tries for counter.
+    static VUnicodeString TemporaryName(const VUnicodeString& prefix, DWORD counter);
     virtual void Close() noexcept;
 
     bool IsOpen() const noexcept { return handle_.IsValid(); }
@@ -69,6 +72,17 @@ public:
     // Ends the file at position and leaves the file pointer there.
     virtual bool Truncate(uint64_t position);
     bool GetSize(uint64_t& size) const;
+
+    // Renames the open file to path, replacing a file there, in one step: a
+    // reader of path opens the old file or the new one, never neither. Needs
+    // a file opened with DELETE access (OpenUniqueTemporary's files are).
+    // Where the system offers it, the rename replaces a file that others hold
+    // open; elsewhere (Wine, older Windows) it fails with ERROR_ACCESS_DENIED
+    // while any handle of the replaced file is open, and the caller tries again.
+    bool RenameOver(const VUnicodeString& path);
+    // Marks the open file to be deleted when its last handle closes (needs
+    // DELETE access).
+    bool DeleteOnClose();
 
     // Raw I/O at the file pointer. ReadBytes answers 0 bytes at the end of the
     // file; WriteBytes fails unless every byte was written.

@@ -1,12 +1,15 @@
 #include "VIniFileKey.h"
 
+#include <cstring>
 #include <cwchar>
+#include <iterator>
 #include <string_view>
 #include <vector>
 
 #include "FileSystem.h"
 #include "IniFileFormat.h"
 #include "ProfileErrors.h"
+#include "VFileReplacement.h"
 #include "VIniFileKeyIterator.h"
 #include "VTextFile.h"
 
@@ -15,13 +18,16 @@ namespace {
 // Readers, writers and deleters of other processes never shut each other out
 // of a values file; the byte-range locks order them instead.
 constexpr DWORD ValuesFileShareMode = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-// Every reader and writer locks these bytes for the whole read or write.
+// Every reader locks these bytes for the whole read; writers that rewrite the
+// file in place (older programs of the family) lock them exclusively.
 constexpr uint64_t LockOffset = 0;
 constexpr uint64_t LockLength = 4;
 
 constexpr wchar_t IsSessionName[] = L"Is Session";
-// What an entry takes in a file, give or take: to size the table before reading.
-constexpr uint64_t TypicalEntryBytes = 40;
+constexpr size_t IsSessionLength = std::size(IsSessionName) - 1;
+// What an entry takes in a file's text, give or take: to size the table before
+// reading it.
+constexpr size_t TypicalEntryCharacters = 40;
 
 std::wstring_view View(const VUnicodeString& text) { return std::wstring_view(text.c_str(), text.GetLength()); }
 
@@ -42,28 +48,9 @@ VUnicodeString JoinPath(const VUnicodeString& folder, const VUnicodeString& name
     return path;
 }
 
-// The folder that holds path ("C:\Config" for "C:\Config\Sessions.ini").
-VUnicodeString ParentFolder(const VUnicodeString& path) {
-    size_t length = path.GetLength();
-    while (length > 0 && !IsSeparator(path[length - 1])) --length;
-    return WithoutTrailingSeparators(path.Left(length));
-}
-
-bool IsHighSurrogate(wchar_t character) { return character >= 0xD800 && character <= 0xDBFF; }
-bool IsLowSurrogate(wchar_t character) { return character >= 0xDC00 && character <= 0xDFFF; }
-
 // Whether UTF-8 can hold text: every surrogate must be half of a pair.
 bool HasOnlyPairedSurrogates(const VUnicodeString& text) {
-    const wchar_t* characters = text.c_str();
-    const size_t length = text.GetLength();
-    for (size_t i = 0; i < length; ++i) {
-        if (IsHighSurrogate(characters[i]) && i + 1 < length && IsLowSurrogate(characters[i + 1])) {
-            ++i;
-        } else if (IsHighSurrogate(characters[i]) || IsLowSurrogate(characters[i])) {
-            return false;
-        }
-    }
-    return true;
+    return VTextFile::FindLoneSurrogate(text.c_str(), text.GetLength()) == text.GetLength();
 }
 
 bool HoldsLineBreak(const VUnicodeString& text) {
@@ -93,6 +80,11 @@ bool IsValidPathPart(const wchar_t* part, size_t length) {
     // Windows drops a trailing dot or blank, so "Work." would be "Work".
     if (part[length - 1] == L'.' || part[length - 1] == L' ') return false;
     return !IsDeviceName(part, length);
+}
+
+bool IsFolder(const VUnicodeString& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
 bool Exists(const VUnicodeString& path, bool& isFolder) {
@@ -164,32 +156,46 @@ VIniFileValueTable& VIniFileKey::Table() {
 void VIniFileKey::LoadTable() {
     table_ = std::make_unique<VIniFileValueTable>();
     modified_ = false;
+    loadError_ = ERROR_SUCCESS;
     ReadValuesFile(ValuesFilePath(folderPath_));
     // Read second, so that its values win over stray copies in the main file.
-    if (!privateFolderPath_.IsEmpty()) ReadValuesFile(ValuesFilePath(privateFolderPath_));
+    privateFileRead_ = !privateFolderPath_.IsEmpty() && ReadValuesFile(ValuesFilePath(privateFolderPath_));
 }
 
-void VIniFileKey::ReadValuesFile(const VUnicodeString& path) {
+bool VIniFileKey::ReadValuesFile(const VUnicodeString& path) {
     VTextFile file;
     file.SetShareMode(ValuesFileShareMode);
-    // A missing file is an empty key; a file that cannot be opened reads as one.
-    if (!file.Open(path, GENERIC_READ, OPEN_EXISTING)) return;
+    const auto failed = [this](DWORD error) {
+        if (loadError_ == ERROR_SUCCESS) loadError_ = error;
+        return false;
+    };
+    if (!file.Open(path, GENERIC_READ, OPEN_EXISTING)) {
+        const DWORD error = GetLastError();
+        // A missing file is an empty key, and a folder is no values file
+        // (saving over it fails on its own).
+        if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || IsFolder(path)) return false;
+        return failed(error);
+    }
     // The lock covers the whole read, so the blocks need none of their own.
     file.SetBlockLocking(false);
-    if (!file.Lock(LockOffset, LockLength, false)) {
-        RecordLastSystemError(error_);
-        return;
-    }
-    uint64_t size = 0;
-    if (file.GetSize(size)) table_->Reserve(static_cast<size_t>(size / TypicalEntryBytes));
-    VIniFileEntryReader reader(file, table_->GetArena());
+    if (!file.Lock(LockOffset, LockLength, false)) return failed(GetLastError());
+    VIniFileText text;
+    const bool read = file.ReadAll(text, MaxValuesFileBytes);
+    const DWORD readError = GetLastError();
+    file.Unlock(LockOffset, LockLength);
+    if (!read) return failed(readError);
+
+    const VIniFileText& kept = table_->KeepText(std::move(text));
+    table_->BeginReading(kept.size() / TypicalEntryCharacters);
+    VIniFileEntryReader reader(kept.data(), kept.data() + kept.size(), table_->GetArena());
     std::wstring_view name;
     VIniFileDataPtr value;
     while (reader.Next(name, value)) {
         // A name the writer could not have made cannot be stored or read back.
-        if (!name.empty()) table_->Store(name, std::move(value));
+        if (!name.empty()) table_->Read(name, std::move(value));
     }
-    file.Unlock(LockOffset, LockLength);
+    table_->EndReading();
+    return true;
 }
 
 const VIniFileKey::FileInformation& VIniFileKey::GetFileInformation() {
@@ -211,6 +217,11 @@ const VIniFileKey::FileInformation& VIniFileKey::GetFileInformation() {
 const VIniFileData* VIniFileKey::FindForRead(const VUnicodeString& name, VProfileValueKind kind) {
     const VIniFileData* value = Table().Find(View(name));
     if (value && value->GetKind() == kind) return value;
+    // The value may be in the file that could not be read: not "absent".
+    if (loadError_ != ERROR_SUCCESS) {
+        Fail(loadError_);
+        return nullptr;
+    }
     RecordValueAbsent(error_, name);
     return nullptr;
 }
@@ -234,7 +245,7 @@ bool VIniFileKey::GetString(const VUnicodeString& name, VUnicodeString& text) {
 bool VIniFileKey::GetDword(const VUnicodeString& name, uint32_t& value) {
     // A session is a key whose values file exists; the file answers before
     // any value is read, so listing sessions reads no session's values.
-    if (name == IsSessionName) {
+    if (name.GetLength() == IsSessionLength && name == IsSessionName) {
         const FileInformation& information = GetFileInformation();
         if (information.exists && !information.isFolder) {
             value = 1;
@@ -306,9 +317,15 @@ bool VIniFileKey::SetDword(const VUnicodeString& name, uint32_t value) {
 
 bool VIniFileKey::SetSecurity(const VUnicodeString& name, const VSecurityDescriptor& descriptor) {
     if (!CheckWrite(name)) return false;
+    if (descriptor.IsEmpty()) return Fail(ERROR_INVALID_SECURITY_DESCR);
+    // The text form is for people to read and edit; it is used only when it
+    // stands for exactly this descriptor.
     VArray<VUnicodeString> entries;
-    if (!descriptor.ToText(entries)) return Fail(GetLastError());
-    return Store(name, MakeIniFileData<VIniFileDataStringSz>(std::move(entries)));
+    VSecurityDescriptor fromText;
+    if (descriptor.ToText(entries) && fromText.FromText(entries) && fromText.GetLength() == descriptor.GetLength() &&
+        std::memcmp(fromText.Get(), descriptor.Get(), descriptor.GetLength()) == 0)
+        return Store(name, MakeIniFileData<VIniFileDataStringSz>(std::move(entries)));
+    return Store(name, MakeIniFileData<VIniFileDataBinary>(descriptor.Get(), descriptor.GetLength()));
 }
 
 bool VIniFileKey::DeleteValue(const VUnicodeString& name) {
@@ -334,79 +351,49 @@ bool VIniFileKey::Reload() {
 
 // ---- saving ----
 
-bool VIniFileKey::OpenForSaving(VTextFile& file, const VUnicodeString& path) {
-    // Windows refuses to open a read-only file for writing, but Wine grants
-    // it to a process run by root; the attribute is honoured here for both.
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY)) {
-        SetLastError(ERROR_ACCESS_DENIED);
-        return false;
-    }
-    file.SetShareMode(ValuesFileShareMode);
-    file.SetSecurityDescriptor(security_ ? &*security_ : nullptr);
-    if (!file.Open(path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS)) {
-        // Most often the key's folder chain does not exist yet.
-        CreateFolderChain(ParentFolder(path), security_ ? &*security_ : nullptr);
-        if (!file.Open(path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS)) return false;
-    }
-    file.SetEncoding(TextEncodingUtf8);
-    file.SetBlockLocking(false);
-    return file.Lock(LockOffset, LockLength, true) && file.Truncate(0);
+void VIniFileKey::Format(VIniFileText& mainText, VIniFileText* privateText) const {
+    const auto append = [&](const VIniFileValueTable::Slot& slot) {
+        slot.value->AppendTo(slot.isPrivate && privateText ? *privateText : mainText, slot.name);
+    };
+    // The format lists every multi-string after all other entries.
+    table_->ForEach([&](const VIniFileValueTable::Slot& slot) {
+        if (slot.value->GetKind() != ProfileMultiString) append(slot);
+    });
+    table_->ForEach([&](const VIniFileValueTable::Slot& slot) {
+        if (slot.value->GetKind() == ProfileMultiString) append(slot);
+    });
 }
 
 bool VIniFileKey::Save() {
     if (!table_ || !modified_) return true;
     if (readOnly_) return Fail(ERROR_ACCESS_DENIED);
+    if (loadError_ != ERROR_SUCCESS) return Fail(loadError_);
 
-    // Both files are opened before either is written, so that a private value
-    // goes to the private file exactly when that file could be opened.
-    VTextFile mainFile;
-    VTextFile privateFile;
-    DWORD failure = ERROR_SUCCESS;
-    if (!OpenForSaving(mainFile, ValuesFilePath(folderPath_))) {
-        failure = GetLastError();
-        // Open but not locked or not cut: nothing may be written to it.
-        if (mainFile.IsOpen()) return Fail(failure);
-    }
-    const bool privateWanted = !privateFolderPath_.IsEmpty() && table_->NeedsPrivateFile();
-    if (privateWanted && !OpenForSaving(privateFile, ValuesFilePath(privateFolderPath_)) && privateFile.IsOpen()) {
-        // Open but not locked or not cut. The main file is cut already and
-        // must be written: the private values go there, as when the private
-        // file cannot be opened at all, and the save reports the failure.
-        failure = GetLastError();
-        privateFile.Close();
-    }
-    if (!mainFile.IsOpen() && !privateFile.IsOpen()) return Fail(failure);
+    const bool privateWanted = !privateFolderPath_.IsEmpty() && (privateFileRead_ || table_->NeedsPrivateFile());
+    VIniFileText mainText;
+    VIniFileText privateText;
+    Format(mainText, privateWanted ? &privateText : nullptr);
 
-    bool written = true;
-    const auto writeSlot = [&](const VIniFileValueTable::Slot& slot) {
-        VTextFile& target = slot.isPrivate && privateFile.IsOpen() ? privateFile : mainFile;
-        if (written && target.IsOpen() && !slot.value->WriteToFile(target, slot.name)) {
-            written = false;
-            failure = GetLastError();
-        }
-    };
-    // The format lists every multi-string after all other entries.
-    table_->ForEach([&](const VIniFileValueTable::Slot& slot) {
-        if (slot.value->GetKind() != ProfileMultiString) writeSlot(slot);
-    });
-    table_->ForEach([&](const VIniFileValueTable::Slot& slot) {
-        if (slot.value->GetKind() == ProfileMultiString) writeSlot(slot);
-    });
-
-    // Unlocking writes out what is still buffered, under the lock.
-    for (VTextFile* file : {&mainFile, &privateFile}) {
-        if (file->IsOpen() && !file->Unlock(LockOffset, LockLength) && written) {
-            written = false;
-            failure = GetLastError();
-        }
-    }
+    // Both files are written beside their places before either is replaced,
+    // so that a file that cannot be written changes neither.
+    const VSecurityDescriptor* security = security_ ? &*security_ : nullptr;
+    VFileReplacement mainFile;
+    VFileReplacement privateFile;
+    if (privateWanted && !privateFile.Prepare(ValuesFilePath(privateFolderPath_), privateText.data(),
+                                              privateText.size(), security))
+        return Fail(GetLastError());
+    if (!mainFile.Prepare(ValuesFilePath(folderPath_), mainText.data(), mainText.size(), security))
+        return Fail(GetLastError());
+    const bool replaced = (!privateWanted || privateFile.Commit()) && mainFile.Commit();
+    const DWORD error = GetLastError();
     fileInformation_.reset();
-    // Without the main file the save is incomplete even when every value had
-    // a place in the private file: its deletions are not stored. The table
-    // stays changed, so the next save tries again.
-    if (!written || failure != ERROR_SUCCESS) return Fail(failure);
+    // Without the main file the save is incomplete even when the private
+    // file was replaced. The table stays changed, so the next save tries again.
+    if (!replaced) return Fail(error);
+    privateFile.RemoveLeftovers();
+    mainFile.RemoveLeftovers();
     modified_ = false;
+    privateFileRead_ = privateWanted;
     table_->MarkSaved();
     return true;
 }

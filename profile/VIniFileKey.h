@@ -4,13 +4,30 @@
 // private folder Q keeps the values named in PrivateValueNames.h in Q.ini.
 //
 // Nothing is read until a value is first touched; then both files are read
-// into a table once. Writes and deletions change only that table; Flush, and
-// the destructor of a key that is not read-only, write it back when it was
-// changed. Each file is read under a shared and written under an exclusive
-// byte-range lock on its first 4 bytes, so that a reader in another process
-// never sees a half-written file. The file is rewritten whole; the last
-// writer wins. Changes made by other processes after the table was read are
-// seen only after Reload.
+// into a table once, each whole and under a shared byte-range lock on its
+// first 4 bytes (which writers of older programs, rewriting the file in
+// place, hold exclusively). Writes and deletions change only that table;
+// Flush, and the destructor of a key that is not read-only, write it back
+// when it was changed. Changes made by other processes after the table was
+// read are seen only after Reload; the last writer wins.
+//
+// Where saving departs from the family's older steps, so that no failure and
+// no killed process loses settings:
+// - The whole text is formatted in memory first, and each file is replaced
+//   whole by a file written beside it (VFileReplacement), never cut and
+//   rewritten in place: a file holds its old or its new content at every
+//   moment. The private file is replaced before the main file, so that a
+//   value moving into it is in one of them whatever happens between the two.
+// - A private file that cannot be written fails the save, and neither file
+//   changes (the older steps put the secrets into the main file, where the
+//   private file then overrides them at the next load).
+// - A file that exists but could not be read (shared with no one, access
+//   denied, too large) is not saved over: the key remembers the failure and
+//   every save fails with its error until Reload reads the file (the older
+//   steps took it for an empty key, so the next save wiped it).
+// - A private file that was read is rewritten at every save, with only the
+//   private values (the older steps left it alone when no private value was
+//   set, and a stale value in it then won over the main file's).
 //
 // What the key refuses, with ERROR_INVALID_NAME (nothing is changed):
 // - value names that are empty or hold a double quote, CR or LF: the format
@@ -23,8 +40,12 @@
 // and with ERROR_INVALID_DATA: strings (and strings of a multi-string) that
 // hold CR or LF, since they could not be read back as one value and would
 // hide the values after them. Text with an unpaired surrogate cannot be
-// written in UTF-8 and is refused with ERROR_NO_UNICODE_TRANSLATION. Writes,
-// deletions and DeleteKey on a read-only key fail with ERROR_ACCESS_DENIED.
+// written in UTF-8 and is refused with ERROR_NO_UNICODE_TRANSLATION (one read
+// from a UTF-16 file has become U+FFFD, VTextFile). Writes, deletions and
+// DeleteKey on a read-only key fail with ERROR_ACCESS_DENIED.
+//
+// Texts read out of private values are sensitive strings, and every buffer
+// that held a file's text is wiped before it is freed.
 //
 // Used by one thread at a time.
 #pragma once
@@ -38,8 +59,6 @@
 #include "VProfilePrivate.h"
 #include "VSecurityDescriptor.h"
 #include "VString.h"
-
-class VTextFile;
 
 class VIniFileKey : public VProfilePrivateKey {
 public:
@@ -57,7 +76,10 @@ public:
 
     // The security descriptor kept as the value name: read from its
     // multi-string text form, else from a binary value that must be a valid
-    // self-relative descriptor; always written in the text form.
+    // self-relative descriptor. Written in the text form when that gives back
+    // exactly the same descriptor, else as the binary value (the text form
+    // holds only plain access lists; the per-user descriptor of the
+    // shared-memory objects has inheritance flags).
     bool GetSecurity(const VUnicodeString& name, VSecurityDescriptor& descriptor) override;
     bool GetMultiString(const VUnicodeString& name, VArray<VUnicodeString>& strings) override;
     bool GetBinary(const VUnicodeString& name, void* buffer, size_t& size) override;
@@ -98,13 +120,17 @@ public:
     std::unique_ptr<VProfilePrivateKeyIterator> CreatePrivateKeyIterator(bool values) override;
 
     // Writes the table to the values files when it was changed since it was
-    // read: private values to the private file (to the main file when that
-    // one cannot be opened), the others to the main file; D, S and B entries
-    // first, then Z entries. False (with the error recorded) for a read-only
-    // key, or when the main file cannot be opened, locked or written, or the
-    // private file cannot be locked or written; the table then stays
-    // changed, so a later save tries again.
+    // read: private values to the private file, the others to the main file;
+    // D, S and B entries first, then Z entries. False (with the error
+    // recorded) for a read-only key, for a key whose existing file could not
+    // be read, or when either file cannot be written or replaced; the table
+    // then stays changed, so a later save tries again.
     bool Save();
+
+    // A values file larger than this is not read (ERROR_FILE_TOO_LARGE): a
+    // key of 10,000 values takes half a megabyte, so this is far beyond any
+    // values file, and a sparse or runaway file would take the memory.
+    static constexpr uint64_t MaxValuesFileBytes = 64 * 1024 * 1024;
 
     const VUnicodeString& GetFolderPath() const { return folderPath_; }
     const VUnicodeString& GetPrivateFolderPath() const { return privateFolderPath_; }
@@ -124,7 +150,9 @@ private:
 
     VIniFileValueTable& Table();
     void LoadTable();
-    void ReadValuesFile(const VUnicodeString& path);
+    // Reads path into the table; true when the file was there and read. A
+    // file that is there but cannot be read sets loadError_.
+    bool ReadValuesFile(const VUnicodeString& path);
     const FileInformation& GetFileInformation();
 
     // Looks name up for a read; records it as absent when it is missing or of
@@ -136,14 +164,15 @@ private:
     bool Store(const VUnicodeString& name, VIniFileDataPtr value);
     bool Fail(DWORD error);
 
-    // Opens path for a save: created when absent (and its folder with it when
-    // that fails), locked exclusively and cut to just the UTF-8 mark.
-    bool OpenForSaving(VTextFile& file, const VUnicodeString& path);
+    // The text of the main file and, when wanted, of the private file.
+    void Format(VIniFileText& mainText, VIniFileText* privateText) const;
 
     VUnicodeString folderPath_;
     VUnicodeString privateFolderPath_;
     bool readOnly_;
     bool modified_ = false;
+    DWORD loadError_ = ERROR_SUCCESS;  // why an existing file could not be read
+    bool privateFileRead_ = false;
     std::unique_ptr<VIniFileValueTable> table_;
     std::optional<FileInformation> fileInformation_;
     std::optional<VSecurityDescriptor> security_;

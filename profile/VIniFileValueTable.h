@@ -2,6 +2,10 @@
 // private value name (in that list's order), then a main list of every other
 // name in the order the names first arrived. Table order - private list, then
 // main list - is the order in which the key writes and walks its values.
+//
+// The table keeps the decoded texts of the files it was read from: values and
+// names read from a file point into them. Values in the private list belong
+// to the user, and texts read out of them are sensitive strings.
 #pragma once
 
 #include <cstddef>
@@ -13,6 +17,7 @@
 #include "VIniFileArena.h"
 #include "VIniFileData.h"
 #include "VString.h"
+#include "WipedVector.h"
 
 class VIniFileValueTable {
 public:
@@ -21,7 +26,7 @@ public:
     struct Slot {
         std::wstring_view name;  // kept by the table
         VIniFileDataPtr value;
-        size_t hash;
+        uint32_t hash;
         bool isPrivate;
     };
 
@@ -29,15 +34,23 @@ public:
     VIniFileValueTable(const VIniFileValueTable&) = delete;
     VIniFileValueTable& operator=(const VIniFileValueTable&) = delete;
 
-    // Makes room for about count more names, so that loading a large file
-    // does not grow the table step by step.
-    void Reserve(size_t count);
-
     // Where values read from a file are made (VIniFileArena::Make).
     VIniFileArena& GetArena() { return arena_; }
+    // Keeps a file's decoded text for as long as the table lives; the names
+    // and values read from it point into it.
+    const VIniFileText& KeepText(VIniFileText text);
+
+    // Reading a file: each entry in file order (name in a kept text), then
+    // EndReading, before any other operation. As Store would, a later value
+    // of a name replaces an earlier one in its slot; only the lookups wait
+    // for EndReading, which makes them for all the entries at once (see
+    // IndexRead). expectedCount sizes the table beforehand.
+    void BeginReading(size_t expectedCount);
+    void Read(std::wstring_view name, VIniFileDataPtr value);
+    void EndReading();
 
     // The value stored under name (compared exactly), or null.
-    VIniFileData* Find(std::wstring_view name) const;
+    VIniFileData* Find(std::wstring_view name);
     // Replaces the value of name in its slot, whatever its kind; a name in
     // neither list is appended to the main list (and copied).
     void Store(std::wstring_view name, VIniFileDataPtr value);
@@ -63,18 +76,36 @@ private:
 
     // The position in index_ that holds name's slot, or the free position
     // where it would go.
-    size_t Probe(std::wstring_view name, size_t hash) const;
-    void Append(std::wstring_view name, size_t hash, VIniFileDataPtr value, bool isPrivate);
+    size_t Probe(std::wstring_view name, uint32_t hash) const;
+    // The slot of name, or NoSlot.
+    uint32_t SlotOf(std::wstring_view name) const;
+    // Puts value in the slot of name, or appends a slot.
+    void Put(std::wstring_view name, uint32_t hash, VIniFileDataPtr value);
+    void Append(std::wstring_view name, uint32_t hash, VIniFileDataPtr value, bool isPrivate);
     void Rehash(size_t capacity);
+    // Makes the lookups of the slots read since indexed_.
+    void IndexRead();
 
-    // The names of the main list, and the values read from files. Declared
-    // first, so that it goes after the slots that point into it.
+    // The texts read from files, and the arena of the names of the main list
+    // and the values read from files. Declared first, so that they go after
+    // the slots that point into them.
+    std::vector<VIniFileText> texts_;
     VIniFileArena arena_;
-    // The private list (the first PrivateValueNameCount slots), then the main list.
-    std::vector<Slot> slots_;
+    // The private list (the first PrivateValueNameCount slots), then the main
+    // list. (Kept for reuse: a megabyte for a large key.)
+    ReusedVector<Slot> slots_;
     // Open addressing with linear probing: positions in slots_ by name, at
-    // most half full. Every value read from a file is looked up once, so a
-    // lookup is one hash and, mostly, one comparison.
-    std::vector<uint32_t> index_;
+    // most half full. Each entry holds its name's hash too: in a large table
+    // every slot looked at costs a cache miss, and a different hash spares it.
+    struct IndexEntry {
+        uint32_t slot;
+        uint32_t hash;
+    };
+    ReusedVector<IndexEntry> index_;
+    size_t indexed_ = 0;  // slots below this have their lookups
+    // Where the next lookup looks first: a configuration object reads its
+    // values in the order the key wrote them, which is the table's order.
+    size_t nextSlot_ = 0;
+    uint64_t privateHashBits_ = 0;
     bool privateRemoved_ = false;
 };

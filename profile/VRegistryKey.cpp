@@ -1,5 +1,6 @@
 #include "VRegistryKey.h"
 
+#include <algorithm>
 #include <cstring>
 #include <cwchar>
 
@@ -12,6 +13,10 @@ namespace {
 // keeps a misbehaving registry from making the buffer grow for ever.
 constexpr DWORD FirstNameCapacity = 32;
 constexpr DWORD LastNameCapacity = 32768;
+// Most values of the family's keys fit these at once: one call reads them.
+constexpr size_t FirstValueCapacity = 512;
+constexpr DWORD FetchedNameCapacity = 256;
+constexpr size_t FetchedValueCapacity = 4096;
 
 // Fills name through enumerate(buffer, capacity in, length out), with a buffer
 // of 32 characters at first, doubled while the registry answers ERROR_MORE_DATA.
@@ -123,98 +128,94 @@ LSTATUS VRegistryKey::NoHandleStatus() const noexcept {
     return openStatus_ != ERROR_SUCCESS ? openStatus_ : ERROR_INVALID_HANDLE;
 }
 
-bool VRegistryKey::QueryValueSize(const VUnicodeString& name, DWORD type, DWORD& size) {
-    if (!IsOpen()) return RecordRead(NoHandleStatus(), name);
-    DWORD actual = REG_NONE;
-    size = 0;
-    const LSTATUS status = RegQueryValueExW(handle_.Get(), name.c_str(), nullptr, &actual, nullptr, &size);
-    if (status != ERROR_SUCCESS) return RecordRead(status, name);
-    if (actual != type) {
-        RecordValueAbsent(report_, name);
-        return false;
+bool VRegistryKey::ReadValue(const VUnicodeString& name, DWORD type, const BYTE*& data, size_t& size) {
+    if (fetched_ && fetched_->held && fetched_->name == name) {
+        fetched_->held = false;
+        if (fetched_->type != type) {
+            RecordValueAbsent(report_, name);
+            return false;
+        }
+        data = fetched_->data.data();
+        size = fetched_->data.size();
+        return Record(ERROR_SUCCESS);
     }
-    return Record(ERROR_SUCCESS);
-}
-
-bool VRegistryKey::QueryValue(const VUnicodeString& name, DWORD type, std::vector<BYTE>& data) {
     if (!IsOpen()) return RecordRead(NoHandleStatus(), name);
-    // Nearly every value fits this, and is read in one call; a larger one
-    // answers with its size, and the loop asks again with room for it.
-    DWORD size = 256;
+    if (buffer_.size() < FirstValueCapacity) buffer_.resize(FirstValueCapacity);
     for (;;) {
-        data.resize(size);
         DWORD actual = REG_NONE;
-        const LSTATUS status = RegQueryValueExW(handle_.Get(), name.c_str(), nullptr, &actual, data.data(), &size);
-        // Another writer made the value larger since the size was asked; size is the new one.
-        if (status == ERROR_MORE_DATA) continue;
-        if (status != ERROR_SUCCESS) return RecordRead(status, name);
+        DWORD length = static_cast<DWORD>(buffer_.size());
+        const LSTATUS status = RegQueryValueExW(handle_.Get(), name.c_str(), nullptr, &actual, buffer_.data(), &length);
+        // Longer than the buffer (length is the size needed; another writer
+        // may have made it longer still by the next call).
+        if (status == ERROR_MORE_DATA && actual == type) {
+            buffer_.resize(length);
+            continue;
+        }
+        if (status != ERROR_SUCCESS && status != ERROR_MORE_DATA) return RecordRead(status, name);
         if (actual != type) {
             RecordValueAbsent(report_, name);
             return false;
         }
-        data.resize(size);
+        data = buffer_.data();
+        size = length;
         return Record(ERROR_SUCCESS);
     }
 }
 
 bool VRegistryKey::GetDword(const VUnicodeString& name, uint32_t& value) {
-    std::vector<BYTE> data;
-    if (!QueryValue(name, REG_DWORD, data)) return false;
-    if (data.size() != sizeof value) return Record(ERROR_INVALID_DATA);
-    std::memcpy(&value, data.data(), sizeof value);
+    const BYTE* data = nullptr;
+    size_t size = 0;
+    if (!ReadValue(name, REG_DWORD, data, size)) return false;
+    if (size != sizeof value) return Record(ERROR_INVALID_DATA);
+    std::memcpy(&value, data, sizeof value);
     return true;
 }
 
 bool VRegistryKey::GetString(const VUnicodeString& name, VUnicodeString& text) {
-    std::vector<BYTE> data;
-    if (!QueryValue(name, REG_SZ, data)) return false;
+    const BYTE* data = nullptr;
+    size_t size = 0;
+    if (!ReadValue(name, REG_SZ, data, size)) return false;
     // The terminator is the writer's promise, not the registry's: stop at the
     // first zero or at the end of the data, whichever comes first.
-    const auto* characters = reinterpret_cast<const wchar_t*>(data.data());
-    text.Assign(characters, wcsnlen(characters, data.size() / sizeof(wchar_t)));
+    const auto* characters = reinterpret_cast<const wchar_t*>(data);
+    text.Assign(characters, wcsnlen(characters, size / sizeof(wchar_t)));
     return true;
 }
 
 bool VRegistryKey::GetMultiString(const VUnicodeString& name, VArray<VUnicodeString>& strings) {
-    std::vector<BYTE> data;
-    if (!QueryValue(name, REG_MULTI_SZ, data)) return false;
-    const auto* next = reinterpret_cast<const wchar_t*>(data.data());
-    const wchar_t* const end = next + data.size() / sizeof(wchar_t);
-    strings.RemoveAll();
-    // The list ends at an empty string or, without its final zeros, at the end of the data.
+    const BYTE* data = nullptr;
+    size_t size = 0;
+    if (!ReadValue(name, REG_MULTI_SZ, data, size)) return false;
+    const auto* next = reinterpret_cast<const wchar_t*>(data);
+    const wchar_t* const end = next + size / sizeof(wchar_t);
+    // The list ends at an empty string or, without its final zeros, at the
+    // end of the data. The caller's strings keep their blocks where they can.
+    size_t count = 0;
     while (next < end && *next != L'\0') {
         const size_t length = wcsnlen(next, static_cast<size_t>(end - next));
-        strings.Add(VUnicodeString(next, length));
+        if (count == strings.GetCount()) strings.Add(VUnicodeString());
+        strings[count++].Assign(next, length);
         next += length + 1;
     }
+    while (strings.GetCount() > count) strings.RemoveAt(strings.GetCount() - 1);
     return true;
 }
 
 bool VRegistryKey::GetBinary(const VUnicodeString& name, void* buffer, size_t& size) {
-    DWORD needed = 0;
-    if (!QueryValueSize(name, REG_BINARY, needed)) return false;
-    if (!buffer) {
-        size = needed;
-        return true;
-    }
-    DWORD length = size > MAXDWORD ? MAXDWORD : static_cast<DWORD>(size);
-    DWORD actual = REG_NONE;
-    const LSTATUS status =
-        RegQueryValueExW(handle_.Get(), name.c_str(), nullptr, &actual, static_cast<BYTE*>(buffer), &length);
-    if (status == ERROR_MORE_DATA) {
+    const BYTE* data = nullptr;
+    size_t length = 0;
+    if (!ReadValue(name, REG_BINARY, data, length)) return false;
+    if (buffer && size < length) {
         size = length;  // the size needed
-        return Record(status);
+        return Record(ERROR_MORE_DATA);
     }
-    if (status != ERROR_SUCCESS) return RecordRead(status, name);
-    if (actual != REG_BINARY) {
-        RecordValueAbsent(report_, name);
-        return false;
-    }
+    if (buffer && length > 0) std::memcpy(buffer, data, length);
     size = length;
-    return Record(ERROR_SUCCESS);
+    return true;
 }
 
 bool VRegistryKey::SetValue(const VUnicodeString& name, DWORD type, const void* data, size_t length) {
+    DropFetched();
     if (!IsOpen()) return Record(NoHandleStatus());
     if (length > MAXDWORD) return Record(ERROR_INVALID_PARAMETER);
     return Record(RegSetValueExW(handle_.Get(), name.c_str(), 0, type, static_cast<const BYTE*>(data),
@@ -230,7 +231,7 @@ bool VRegistryKey::SetString(const VUnicodeString& name, const VUnicodeString& t
 }
 
 bool VRegistryKey::SetMultiString(const VUnicodeString& name, const VArray<VUnicodeString>& strings) {
-    std::vector<wchar_t> data;
+    WipedVector<wchar_t> data;
     for (const VUnicodeString& text : strings) {
         if (text.IsEmpty() || wcslen(text.c_str()) != text.GetLength()) return Record(ERROR_INVALID_PARAMETER);
         data.insert(data.end(), text.c_str(), text.c_str() + text.GetLength() + 1);
@@ -244,6 +245,7 @@ bool VRegistryKey::SetBinary(const VUnicodeString& name, const void* bytes, size
 }
 
 bool VRegistryKey::DeleteValue(const VUnicodeString& name) {
+    DropFetched();
     if (!IsOpen()) return Record(NoHandleStatus());
     return Record(RegDeleteValueW(handle_.Get(), name.c_str()));
 }
@@ -297,8 +299,27 @@ bool VRegistryKey::EnumSubkey(DWORD index, VUnicodeString& name) {
     return Record(EnumSubkeyName(handle_.Get(), index, name));
 }
 
-bool VRegistryKey::EnumValue(DWORD index, VUnicodeString& name, DWORD& type) {
+bool VRegistryKey::EnumValue(DWORD index, VUnicodeString& name, DWORD& type, VRegistryFetchedValue* fetched) {
     if (!IsOpen()) return Record(NoHandleStatus());
+    if (fetched) {
+        // Name and data in one call while both fit their buffers; else the
+        // name alone below, and the data is read when it is asked for.
+        fetched->held = false;
+        fetched->data.resize(std::max(fetched->data.capacity(), FetchedValueCapacity));
+        DWORD length = FetchedNameCapacity;
+        DWORD size = static_cast<DWORD>(fetched->data.size());
+        const LSTATUS status = RegEnumValueW(handle_.Get(), index, name.GetBuffer(length - 1), &length, nullptr,
+                                             &type, fetched->data.data(), &size);
+        name.ReleaseBuffer(status == ERROR_SUCCESS ? length : 0);
+        if (status == ERROR_SUCCESS) {
+            fetched->name = name;
+            fetched->type = type;
+            fetched->data.resize(size);
+            fetched->held = true;
+            return Record(ERROR_SUCCESS);
+        }
+        if (status != ERROR_MORE_DATA) return Record(status);
+    }
     return Record(EnumerateName(name, [&](wchar_t* buffer, DWORD* length) {
         return RegEnumValueW(handle_.Get(), index, buffer, length, nullptr, &type, nullptr, nullptr);
     }));

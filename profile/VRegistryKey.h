@@ -16,12 +16,25 @@
 #include <cstdint>
 #include <vector>
 
+#include <memory>
+
 #include "VContainers.h"
 #include "VReportMessageParams.h"
 #include "VString.h"
 #include "Win32Handle.h"
+#include "WipedVector.h"
 
 class VSecurityDescriptor;
+
+// A value as the value iterator fetched it - name, registry type and data -
+// for the read that follows it: a caller that lists a key's values reads each
+// one next, and the enumeration has brought its data already.
+struct VRegistryFetchedValue {
+    VUnicodeString name;
+    DWORD type = REG_NONE;
+    WipedVector<BYTE> data;  // its size is the data's; values may be passwords
+    bool held = false;       // false once used, or when the data did not come along
+};
 
 class VRegistryKey {
 public:
@@ -49,8 +62,11 @@ public:
     DWORD GetDisposition() const noexcept { return disposition_; }
     VReportMessageParams& GetLastErrorParams() noexcept { return report_; }
 
-    // Typed reads: RegQueryValueExW first for the type and size, then, only when
-    // the type is the one asked for, for the data.
+    // Typed reads: one RegQueryValueExW for type and data (a second only for
+    // data longer than the key's buffer, which then grows); a value of
+    // another type than asked fails as absent and changes nothing of the
+    // caller's. The read right after the value iterator fetched that value
+    // takes it from there (UseFetched) without asking the registry.
     bool GetDword(const VUnicodeString& name, uint32_t& value);                // REG_DWORD
     bool GetString(const VUnicodeString& name, VUnicodeString& text);          // REG_SZ
     bool GetMultiString(const VUnicodeString& name, VArray<VUnicodeString>& strings);  // REG_MULTI_SZ
@@ -92,7 +108,13 @@ public:
     // long as the registry answers ERROR_MORE_DATA. False with
     // ERROR_NO_MORE_ITEMS past the last entry.
     bool EnumSubkey(DWORD index, VUnicodeString& name);
-    bool EnumValue(DWORD index, VUnicodeString& name, DWORD& type);
+    // With fetched, the value's data is fetched into it in the same call where
+    // it fits the buffer (fetched->held tells whether it did).
+    bool EnumValue(DWORD index, VUnicodeString& name, DWORD& type, VRegistryFetchedValue* fetched = nullptr);
+
+    // Reads take a value from fetched, once, when it holds the one asked for
+    // by exactly that name; a write or deletion through this key drops it.
+    void UseFetched(std::shared_ptr<VRegistryFetchedValue> fetched) { fetched_ = std::move(fetched); }
 
 private:
     // Stores status as the last result; true when it is ERROR_SUCCESS.
@@ -102,13 +124,17 @@ private:
     // The code a call on a key without handle fails with: the reason opening
     // failed, so that a read under a key that does not exist reads as absent.
     LSTATUS NoHandleStatus() const noexcept;
-    // The size of name's data when its registry type is type.
-    bool QueryValueSize(const VUnicodeString& name, DWORD type, DWORD& size);
-    // Reads name's data of registry type type into data, sized to fit.
-    bool QueryValue(const VUnicodeString& name, DWORD type, std::vector<BYTE>& data);
+    // name's data of registry type type: in the fetched value, or read into
+    // buffer_. False (as absent for another type) when there is none.
+    bool ReadValue(const VUnicodeString& name, DWORD type, const BYTE*& data, size_t& size);
     bool SetValue(const VUnicodeString& name, DWORD type, const void* data, size_t length);
+    void DropFetched() noexcept {
+        if (fetched_) fetched_->held = false;
+    }
 
     RegistryKeyHandle handle_;
+    WipedVector<BYTE> buffer_;
+    std::shared_ptr<VRegistryFetchedValue> fetched_;
     REGSAM access_ = 0;
     DWORD disposition_ = 0;
     LSTATUS openStatus_ = ERROR_INVALID_HANDLE;

@@ -11,12 +11,16 @@ constexpr REGSAM ReadAccess = KEY_QUERY_VALUE | KEY_ENUMERATE_SUB_KEYS;
 
 class VRegistryProfileKey::Iterator final : public VProfilePrivateKeyIterator {
 public:
-    Iterator(HKEY key, bool values) : values_(values) { key_.Open(key, VUnicodeString(), ReadAccess); }
+    // With fetched, values come with their data, for the key's next read.
+    Iterator(HKEY key, std::shared_ptr<VRegistryFetchedValue> fetched)
+        : fetched_(std::move(fetched)), values_(fetched_ != nullptr) {
+        key_.Open(key, VUnicodeString(), ReadAccess);
+    }
 
     bool Next(VUnicodeString& name, uint32_t& kind) override {
         if (values_) {
             DWORD type = REG_NONE;
-            if (!key_.EnumValue(index_, name, type)) return false;
+            if (!key_.EnumValue(index_, name, type, fetched_.get())) return false;
             kind = KindOfType(type);
         } else {
             if (!key_.EnumSubkey(index_, name)) return false;
@@ -33,6 +37,7 @@ public:
 
 private:
     VRegistryKey key_;  // a handle of its own: iterating does not depend on the key object
+    std::shared_ptr<VRegistryFetchedValue> fetched_;
     DWORD index_ = 0;
     bool values_;
 };
@@ -119,5 +124,10 @@ std::unique_ptr<VProfilePrivateKey> VRegistryProfileKey::OpenKey(const VUnicodeS
 }
 
 std::unique_ptr<VProfilePrivateKeyIterator> VRegistryProfileKey::CreatePrivateKeyIterator(bool values) {
-    return std::make_unique<Iterator>(key_.GetHandle(), values);
+    std::shared_ptr<VRegistryFetchedValue> fetched;
+    if (values) {
+        fetched = std::make_shared<VRegistryFetchedValue>();
+        key_.UseFetched(fetched);
+    }
+    return std::make_unique<Iterator>(key_.GetHandle(), std::move(fetched));
 }

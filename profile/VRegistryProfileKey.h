@@ -65,7 +65,9 @@ public:
                                                 const VSecurityDescriptor* security) override;
     // Lists the values (each with its kind code, NoKind for types without one)
     // or the subkeys (kind ProfileSubkey). The iterator holds a handle of its
-    // own on the key, so it may outlive this object.
+    // own on the key, so it may outlive this object. A value iterator fetches
+    // each value's data with its name, and this key's read of that value
+    // right after takes it from there.
     std::unique_ptr<VProfilePrivateKeyIterator> CreatePrivateKeyIterator(bool values) override;
 
 private:

@@ -18,6 +18,8 @@ namespace {
 constexpr size_t MaxCarry = 3;
 // Written text is collected up to this size before it goes to the file.
 constexpr size_t WriteBufferSize = 64 * 1024;
+// ReadAll reads pieces of this size.
+constexpr size_t ReadAllPieceSize = 64 * 1024;
 // Converters take int lengths: long texts are converted in pieces.
 constexpr size_t ConvertPieceCharacters = 1 << 20;
 
@@ -90,7 +92,29 @@ size_t CompletePrefix(UINT codePage, bool doubleByte, const BYTE* bytes, size_t 
     return position > size ? size - 1 : size;
 }
 
+bool IsHighSurrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool IsLowSurrogate(wchar_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
+// A surrogate without its other half becomes U+FFFD.
+void ReplaceLoneSurrogates(wchar_t* text, size_t length) {
+    constexpr wchar_t Replacement = 0xFFFD;
+    for (size_t i = VTextFile::FindLoneSurrogate(text, length); i < length;
+         i = VTextFile::FindLoneSurrogate(text, length, i + 1))
+        text[i] = Replacement;
+}
+
 }  // namespace
+
+size_t VTextFile::FindLoneSurrogate(const wchar_t* text, size_t length, size_t from) noexcept {
+    for (size_t i = from; i < length; ++i) {
+        if (IsHighSurrogate(text[i]) && i + 1 < length && IsLowSurrogate(text[i + 1])) {
+            ++i;
+        } else if (IsHighSurrogate(text[i]) || IsLowSurrogate(text[i])) {
+            return i;
+        }
+    }
+    return length;
+}
 
 VTextFile::VTextFile() : block_(MaxCarry + BlockSize), decoded_(BlockSize + MaxCarry) {}
 
@@ -128,59 +152,86 @@ size_t VTextFile::TakeMark(const BYTE* bytes, size_t size, bool atFileStart) {
     return atFileStart && own && StartsWith(bytes, size, *own) ? own->length : 0;
 }
 
-bool VTextFile::DecodeMultiByte(const BYTE* bytes, size_t size) {
-    decodedLength_ = 0;
+bool VTextFile::DecodeMultiByte(const BYTE* bytes, size_t size, wchar_t* out, size_t& length) const {
+    length = 0;
     if (size == 0) return true;
     const char* text = reinterpret_cast<const char*>(bytes);
-    const int capacity = static_cast<int>(decoded_.size());
-    int count = MultiByteToWideChar(codePage_, MB_ERR_INVALID_CHARS, text, static_cast<int>(size), decoded_.data(),
-                                    capacity);
+    // Converters take int lengths; the callers' sizes are bounded far below.
+    const int capacity = static_cast<int>(size);
+    int count = MultiByteToWideChar(codePage_, MB_ERR_INVALID_CHARS, text, static_cast<int>(size), out, capacity);
     if (count > 0) {
-        decodedLength_ = static_cast<size_t>(count);
+        length = static_cast<size_t>(count);
         return true;
     }
     // Rare: find the first character that does not translate, one at a time,
     // so that the text before it is still delivered.
     size_t good = 0;
     while (good < size) {
-        const size_t length = CharacterBytes(codePage_, doubleByte_, bytes[good]);
+        const size_t characterLength = CharacterBytes(codePage_, doubleByte_, bytes[good]);
         wchar_t characters[2];
-        if (length == 0 || length > size - good ||
-            MultiByteToWideChar(codePage_, MB_ERR_INVALID_CHARS, text + good, static_cast<int>(length), characters,
-                                2) <= 0)
+        if (characterLength == 0 || characterLength > size - good ||
+            MultiByteToWideChar(codePage_, MB_ERR_INVALID_CHARS, text + good, static_cast<int>(characterLength),
+                                characters, 2) <= 0)
             break;
-        good += length;
+        good += characterLength;
     }
     count = good == 0 ? 0
-                      : MultiByteToWideChar(codePage_, MB_ERR_INVALID_CHARS, text, static_cast<int>(good),
-                                            decoded_.data(), capacity);
-    decodedLength_ = static_cast<size_t>(std::max(count, 0));
+                      : MultiByteToWideChar(codePage_, MB_ERR_INVALID_CHARS, text, static_cast<int>(good), out,
+                                            capacity);
+    length = static_cast<size_t>(std::max(count, 0));
     SetLastError(ERROR_NO_UNICODE_TRANSLATION);
     return false;
 }
 
+size_t VTextFile::CompleteLength(const BYTE* bytes, size_t size, bool atEnd) const {
+    if (encoding_ == TextEncodingUtf16LE || encoding_ == TextEncodingUtf16BE) {
+        size_t complete = size & ~size_t{1};
+        // A pair split by the block edge waits for its second half.
+        if (!atEnd && complete >= 2) {
+            const BYTE* last = bytes + complete - 2;
+            const wchar_t unit = static_cast<wchar_t>(encoding_ == TextEncodingUtf16LE ? last[0] | (last[1] << 8)
+                                                                                        : (last[0] << 8) | last[1]);
+            if (IsHighSurrogate(unit)) complete -= 2;
+        }
+        return complete;
+    }
+    return atEnd ? size : CompletePrefix(codePage_, doubleByte_, bytes, size);
+}
+
+bool VTextFile::DecodeWhole(const BYTE* bytes, size_t size, wchar_t* out, size_t& length) const {
+    if (encoding_ != TextEncodingUtf16LE && encoding_ != TextEncodingUtf16BE)
+        return DecodeMultiByte(bytes, size, out, length);
+    length = size / 2;
+    if (encoding_ == TextEncodingUtf16LE) {
+        std::memcpy(out, bytes, length * sizeof(wchar_t));
+    } else {
+        for (size_t i = 0; i < length; ++i) out[i] = static_cast<wchar_t>((bytes[2 * i] << 8) | bytes[2 * i + 1]);
+    }
+    ReplaceLoneSurrogates(out, length);
+    return true;
+}
+
 bool VTextFile::Decode(const BYTE* bytes, size_t size, bool atEnd) {
     decodedPosition_ = 0;
-    size_t complete;
-    bool translated = true;
-    if (encoding_ == TextEncodingUtf16LE || encoding_ == TextEncodingUtf16BE) {
-        complete = size & ~size_t{1};
-        decodedLength_ = complete / 2;
-        if (encoding_ == TextEncodingUtf16LE) {
-            std::memcpy(decoded_.data(), bytes, complete);
-        } else {
-            for (size_t i = 0; i < decodedLength_; ++i)
-                decoded_[i] = static_cast<wchar_t>((bytes[2 * i] << 8) | bytes[2 * i + 1]);
-        }
-        // Half a unit at the very end cannot be translated.
-        translated = !(atEnd && complete < size);
-    } else {
-        complete = atEnd ? size : CompletePrefix(codePage_, doubleByte_, bytes, size);
-        translated = DecodeMultiByte(bytes, complete);
-    }
+    const size_t complete = CompleteLength(bytes, size, atEnd);
+    bool translated = DecodeWhole(bytes, complete, decoded_.data(), decodedLength_);
+    // Half a unit at the very end cannot be translated.
+    if (atEnd && complete < size) translated = false;
     carried_ = size - complete;
     std::memmove(block_.data(), bytes + complete, carried_);
     return translated;
+}
+
+bool VTextFile::Start(const BYTE* bytes, size_t size, uint64_t offset, size_t& markLength) {
+    started_ = true;
+    markLength = TakeMark(bytes, size, offset == 0);
+    codePage_ = CodePageOf(encoding_);
+    doubleByte_ = IsDoubleByte(codePage_);
+    if (codePage_ == 0 && encoding_ != TextEncodingUtf16LE && encoding_ != TextEncodingUtf16BE) {
+        SetLastError(ERROR_NOT_SUPPORTED);
+        return false;
+    }
+    return true;
 }
 
 bool VTextFile::FillBlock() {
@@ -199,14 +250,7 @@ bool VTextFile::FillBlock() {
         blockOffset_ += got;
 
         size_t start = 0;
-        if (!started_) {
-            started_ = true;
-            start = TakeMark(block_.data(), got, offset == 0);
-            codePage_ = CodePageOf(encoding_);
-            doubleByte_ = IsDoubleByte(codePage_);
-            if (codePage_ == 0 && encoding_ != TextEncodingUtf16LE && encoding_ != TextEncodingUtf16BE)
-                return End(ERROR_NOT_SUPPORTED);
-        }
+        if (!started_ && !Start(block_.data(), got, offset, start)) return End(GetLastError());
         // Fewer bytes than asked is not yet the end: only a read of none is.
         const bool atEnd = got == 0;
         if (!Decode(block_.data() + start, carried_ + got - start, atEnd)) {
@@ -216,6 +260,50 @@ bool VTextFile::FillBlock() {
         if (decodedLength_ > 0) return true;
         if (atEnd) return End(ERROR_HANDLE_EOF);
     }
+}
+
+bool VTextFile::ReadAll(WipedVector<wchar_t>& text, uint64_t maxBytes) {
+    uint64_t position = 0;
+    uint64_t size = 0;
+    if (!VFile::Seek(0, FILE_CURRENT, &position) || !GetSize(size)) return false;
+    const uint64_t left = size > position ? size - position : 0;
+    if (left > maxBytes) {
+        SetLastError(ERROR_FILE_TOO_LARGE);
+        return false;
+    }
+    // A byte gives at most one character; the text is cut to what it holds.
+    text.resize(static_cast<size_t>(left));
+    size_t length = 0;
+    // Read in pieces through one buffer, small enough to be reused from the
+    // heap rather than mapped afresh for every file.
+    WipedVector<BYTE> piece(MaxCarry + ReadAllPieceSize);
+    size_t carried = 0;
+    uint64_t offset = position;
+    for (;;) {
+        DWORD got = 0;
+        if (!ReadBytes(piece.data() + carried, static_cast<DWORD>(ReadAllPieceSize), got)) return false;
+        size_t start = 0;
+        if (!started_ && !Start(piece.data() + carried, got, offset, start)) return false;
+        offset += got;
+        const size_t have = carried + got - start;
+        const bool atEnd = got == 0;
+        const size_t complete = CompleteLength(piece.data() + start, have, atEnd);
+        // More than the file held at first (it grew): the text makes room.
+        if (text.size() - length < complete) text.resize(length + complete);
+        size_t decoded = 0;
+        const bool translated = DecodeWhole(piece.data() + start, complete, text.data() + length, decoded);
+        length += decoded;
+        if (!translated || atEnd) break;
+        carried = have - complete;
+        std::memmove(piece.data(), piece.data() + start + complete, carried);
+        if (offset - position > maxBytes) {
+            SetLastError(ERROR_FILE_TOO_LARGE);
+            return false;
+        }
+    }
+    text.resize(length);
+    ended_ = true;
+    return true;
 }
 
 namespace {
@@ -259,14 +347,14 @@ bool VTextFile::ReadLine(VUnicodeString& line) {
         const wchar_t* stop = begin;
         while (stop < end && (*stop > L'\r' || (*stop != L'\r' && *stop != L'\n'))) ++stop;
         if (stop == end) {
-            line_.append(begin, end);
+            line_.insert(line_.end(), begin, end);
             decodedPosition_ = decodedLength_;
             continue;
         }
         if (line_.empty()) {
             Deliver(line, begin, static_cast<size_t>(stop - begin));
         } else {
-            line_.append(begin, stop);
+            line_.insert(line_.end(), begin, stop);
             Deliver(line, line_.data(), line_.size());
             line_.clear();
         }

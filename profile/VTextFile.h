@@ -1,16 +1,22 @@
 // VTextFile: a line-oriented text file over VFile that detects its encoding
 // from the byte-order mark when reading and writes in the encoding it is given.
 //
+// Every buffer that holds the file's bytes or text is wiped before it is
+// freed: profile files hold user names and passwords.
+//
+// A lone UTF-16 surrogate read from a UTF-16 file becomes U+FFFD, the
+// replacement character: no other encoding can hold it, so a text read with
+// one could never be written back.
+//
 // Failures as in VFile: false with the operating system's error code as the
 // thread's last error. One thread at a time.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
-#include <vector>
 
 #include "VFile.h"
+#include "WipedVector.h"
 
 enum VTextEncoding : uint32_t {
     TextEncodingUnknown = 0,  // not yet known: the first read looks at the mark
@@ -56,6 +62,14 @@ public:
     // reading every line into one variable allocates little.
     bool ReadLine(VUnicodeString& line);
 
+    // Reads everything from the file pointer to the end at once and decodes it
+    // as ReadLine would (the mark decides an unknown encoding): text receives
+    // the characters, up to the first bytes that cannot be translated, which
+    // end the text. For a file just opened (or after a Seek); do not mix with
+    // ReadLine. False on a read error, and with ERROR_FILE_TOO_LARGE, reading
+    // nothing, when more than maxBytes are left.
+    bool ReadAll(WipedVector<wchar_t>& text, uint64_t maxBytes);
+
     // Converts text to the file's encoding (UTF-8 or UTF-16 without a mark,
     // ANSI through the system code page) and appends it at the file pointer.
     // A character the encoding cannot hold (for UTF-8 a lone surrogate, for
@@ -83,6 +97,10 @@ public:
     bool Unlock(uint64_t offset, uint64_t length) override;
     void Close() noexcept override;
 
+    // The position of the first UTF-16 surrogate at or after from that lacks
+    // its other half (which only UTF-16 can hold), or length when there is none.
+    static size_t FindLoneSurrogate(const wchar_t* text, size_t length, size_t from = 0) noexcept;
+
 private:
     // Reads and decodes the next block; false when reading is over.
     bool FillBlock();
@@ -90,9 +108,19 @@ private:
     // incomplete last character over; false on untranslatable bytes, with the
     // characters before them decoded.
     bool Decode(const BYTE* bytes, size_t size, bool atEnd);
-    bool DecodeMultiByte(const BYTE* bytes, size_t size);
+    // The number of leading bytes that make whole characters; the rest begins
+    // a character that more bytes complete (none are left at the end).
+    size_t CompleteLength(const BYTE* bytes, size_t size, bool atEnd) const;
+    // Decodes size bytes of whole characters into out (room for size
+    // characters); length receives the count. False on untranslatable bytes,
+    // with the characters before them decoded.
+    bool DecodeWhole(const BYTE* bytes, size_t size, wchar_t* out, size_t& length) const;
+    bool DecodeMultiByte(const BYTE* bytes, size_t size, wchar_t* out, size_t& length) const;
     // Settles the encoding from the mark (or skips the known encoding's own
-    // mark at the start of the file); the number of mark bytes.
+    // mark at the start of the file) and the code page that goes with it; the
+    // number of mark bytes. False (ERROR_NOT_SUPPORTED) for an encoding that
+    // cannot be read.
+    bool Start(const BYTE* bytes, size_t size, uint64_t offset, size_t& markLength);
     size_t TakeMark(const BYTE* bytes, size_t size, bool atFileStart);
     bool End(DWORD error);
     void ResetReading() noexcept;
@@ -107,7 +135,7 @@ private:
     // Reading: the raw bytes of the current block (after up to 3 bytes
     // carried from the block before, an incomplete character), the decoded
     // text of the block and the line being assembled across block edges.
-    std::vector<BYTE> block_;
+    WipedVector<BYTE> block_;
     size_t carried_ = 0;
     uint64_t blockOffset_ = 0;  // file offset of the next block
     UINT codePage_ = 0;         // of the 8-bit encodings
@@ -116,11 +144,11 @@ private:
     bool lastWasCR_ = false;    // an LF right after it is skipped
     bool ended_ = false;        // no block will be read any more
     DWORD endError_ = ERROR_HANDLE_EOF;
-    std::vector<wchar_t> decoded_;
+    WipedVector<wchar_t> decoded_;
     size_t decodedLength_ = 0;
     size_t decodedPosition_ = 0;
-    std::wstring line_;
+    WipedVector<wchar_t> line_;
 
     // Writing: converted bytes not yet written.
-    std::vector<char> pending_;
+    WipedVector<char> pending_;
 };

@@ -9,6 +9,10 @@
 // The plain text exists only while a caller asks for it, in a sensitive
 // string. A text that cannot be opened (no pass phrase yet, another user's
 // blob) stays as it is, so nothing is lost by loading and saving it again.
+//
+// A text remembers the pass phrase it was sealed under (the one in use when
+// it was sealed or set), so that it can be sealed anew when the pass phrase
+// changes (Reseal): the provider answers only the pass phrase now in use.
 #pragma once
 
 #include "IPassphraseProvider.h"
@@ -27,10 +31,9 @@ public:
                               IPassphraseProvider* provider = nullptr);
 
     const VUnicodeString& GetProtectedText() const { return *this; }
-    // Replaces the protected text; the provider stays.
-    void SetProtectedText(const VUnicodeString& protectedText) {
-        VUnicodeString::operator=(protectedText);
-    }
+    // Replaces the protected text, taken to be sealed under the provider's
+    // pass phrase now in use; the provider stays.
+    void SetProtectedText(const VUnicodeString& protectedText);
     Form GetForm() const;
 
     // Null when there is none, which is taken as "no pass phrase in use".
@@ -52,11 +55,21 @@ public:
     bool GetPlainText(VUnicodeString& plain, const VUnicodeString& name,
                       VReportMessageParams& report) const;
 
+    // Seals the text as SetPlainText would seal it now, when it is sealed
+    // otherwise: under another pass phrase than the one in use, under one
+    // while none is in use, or with the logon while one is. The text is
+    // opened with the pass phrase it was sealed under (or the one in use).
+    // True when the text changed; false, with the text unchanged, when it
+    // needs nothing, cannot be opened (it is kept as it is) or cannot be
+    // sealed (report tells why).
+    bool Reseal(const VUnicodeString& name, VReportMessageParams& report, IRandomSource* random = nullptr);
+
 private:
     // The provider's pass phrase in a sensitive string; empty when none.
     VUnicodeString GetPassphrase() const;
 
     VRefPtr<IPassphraseProvider> provider_;
+    VUnicodeString sealedUnder_{Str::Sensitive};  // empty for the logon and the older form
 };
 
 // Kept in a string value as its protected text; two values are equal when

@@ -49,7 +49,8 @@ public:
         return true;
     }
 
-    // Slot 2. A value loaded under a former name also blanks that name.
+    // Slot 2. A value loaded under a former name also blanks that name, in a
+    // key that holds it.
     bool Save(VProfileKey& key, bool force) override {
         if (!this->NeedsSave(force)) return true;
         Stored stored;
@@ -58,7 +59,14 @@ public:
         if (!this->WriteValue(key, this->GetName(), stored)) return false;
         const VUnicodeString& formerName = this->GetPendingFormerName();
         if (!formerName.IsEmpty()) {
-            if (!this->WriteValue(key, formerName, Base::BlankStored())) return false;
+            // Only a key that holds the former value gets the blank: another
+            // one (the value saved elsewhere) would gain a value it never had.
+            Stored former;
+            if (this->ReadValue(key, formerName, former)) {
+                if (!this->WriteValue(key, formerName, Base::BlankStored())) return false;
+            } else if (key.GetLastErrorParams().GetMessageCode() != CONFIG_VALUE_ABSENT) {
+                return false;
+            }
             this->ClearPendingFormerName();
         }
         this->TakeSaved();

@@ -22,9 +22,10 @@ bool VProfileCapiString::ReadValue(VProfileKey& key, const VUnicodeString& name,
     VUnicodeString stored;
     if (!VProfileSz::ReadValue(key, name, stored)) return false;
     VUnicodeString plain(Str::Sensitive);
-    const bool opened = CapiForm::Decode(stored, plain, name, key.GetLastErrorParams());
+    // A text that cannot be opened leaves plain empty, which is then the value.
+    CapiForm::Decode(stored, plain, name, key.GetLastErrorParams());
     out = plain;
-    return opened;
+    return true;
 }
 
 bool VProfileCapiString::WriteValue(VProfileKey& key, const VUnicodeString& name,

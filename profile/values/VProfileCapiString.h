@@ -14,9 +14,10 @@ public:
 
     // Slot 21: reads the stored text and opens it into out. A damaged text
     // (odd or bad digits, a blob the system refuses) reads as empty: out is
-    // emptied, the key's record gets CONFIG_PROTECTED_TEXT_DAMAGED with the
-    // value's name, and the result is false, so a load keeps what the value
-    // had and the stored text stays untouched until the value is set anew.
+    // emptied and the result is true, so a load takes the empty text (not the
+    // default), while the key's record gets CONFIG_PROTECTED_TEXT_DAMAGED with
+    // the value's name. The stored text stays untouched until the value is
+    // set anew. False only when the key holds no such string.
     bool ReadValue(VProfileKey& key, const VUnicodeString& name, VUnicodeString& out) override;
     // Slot 22: seals value and writes it. When the system refuses to seal,
     // nothing is written and the key's record gets CONFIG_PROTECT_FAILED.

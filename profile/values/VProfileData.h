@@ -31,8 +31,10 @@
 class VProfileData {
 public:
     explicit VProfileData(const VUnicodeString& name) : name_(name) {}
-    // Copies the name (sharing its buffer) and both flags.
-    VProfileData(const VProfileData& other) = default;
+    // Copies the name (sharing its buffer) and both flags, not a pending move
+    // from a former name: that belongs to the key the value was read from.
+    VProfileData(const VProfileData& other)
+        : name_(other.name_), modified_(other.modified_), userFlag_(other.userFlag_) {}
     // Copies the name and the user flag only: the target keeps its own
     // modified flag, so an assigned value keeps its own pending-save state.
     VProfileData& operator=(const VProfileData& other);
@@ -158,7 +160,7 @@ protected:
 
 private:
     VUnicodeString name_;
-    VUnicodeString formerName_;  // not copied by assignment, like modified_
+    VUnicodeString formerName_;  // not copied, by assignment or copy construction
     bool modified_ = false;
     bool userFlag_ = true;
 };

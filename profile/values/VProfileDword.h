@@ -20,6 +20,7 @@ protected:
         return key.GetDword(name, number);
     }
     // Writes number under the value's name; after a load under a former name
-    // also deletes the former value, a number's way of being blanked.
+    // also deletes the former value (where the key holds one), a number's way
+    // of being blanked.
     bool WriteNumber(VProfileKey& key, uint32_t number);
 };

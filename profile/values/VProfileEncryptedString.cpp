@@ -12,6 +12,19 @@ bool VProfileEncryptedString::SetPlainText(const VUnicodeString& text,
     return true;
 }
 
+bool VProfileEncryptedString::Save(VProfileKey& key, bool force) {
+    VEncryptedString current = Get();
+    if (current.Reseal(GetName(), key.GetLastErrorParams())) Set(current);
+    return VProfile2::Save(key, force);
+}
+
+bool VProfileEncryptedString::LoadWithFormerName(VProfileKey& key, const VUnicodeString& formerName,
+                                                 const VEncryptedString& defaultValue) {
+    if (VProfile2::LoadWithFormerName(key, formerName, defaultValue)) return true;
+    SetModified(true);
+    return false;
+}
+
 bool VProfileEncryptedString::LoadWithDefault(VProfileKey& key, const VUnicodeString& name,
                                               const VUnicodeString& defaultProtectedText) {
     SetName(name);

@@ -7,6 +7,8 @@
 // sealed text, and loading takes the stored text as it is. Opening it
 // (GetPlainText) is a separate step that may fail without touching the value,
 // so a text that cannot be opened now (no pass phrase given yet) is kept.
+// When the pass phrase has changed since the text was sealed or loaded, Save
+// seals it anew under the one in use (VEncryptedString::Reseal) and writes it.
 #pragma once
 
 #include "VEncryptedString.h"
@@ -36,6 +38,17 @@ public:
     // Slot 28: the current and the saved value take a reference to provider
     // (which may be null) and drop their former one.
     virtual void SetPassphraseProvider(IPassphraseProvider* provider);
+
+    // Slot 2: as for every value, after sealing the text anew when the pass
+    // phrase changed (then the text is written even when not forced).
+    bool Save(VProfileKey& key, bool force) override;
+
+    // As for every value; when neither name holds the value, the default is
+    // marked modified, as LoadOrDefault marks it, so that the next Save
+    // writes it.
+    bool LoadWithFormerName(VProfileKey& key, const VUnicodeString& formerName,
+                            const VEncryptedString& defaultValue);
+    using VProfile2::Load;
 
     IPassphraseProvider* GetPassphraseProvider() const { return Get().GetPassphraseProvider(); }
     // Opens the current value into plain (which becomes sensitive); on

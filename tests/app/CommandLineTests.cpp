@@ -20,14 +20,16 @@ TEST(CommandLineTokens, QuotesJoinAndDropOutOfUnquotedTokens) {
 }
 
 TEST(CommandLineTokens, QuotedTokensEndAtAnUnescapedQuote) {
-    EXPECT_EQ(TokensOf(L"\"C:\\Dir\\\" next"), VArray<VUnicodeString>{L"C:\\Dir\" next"});  // \" escapes
+    EXPECT_EQ(TokensOf(L"\"C:\\Dir\\\" next"),
+              VArray<VUnicodeString>{L"C:\\Dir\" next"});  // \" escapes
     EXPECT_EQ(TokensOf(L"\"say \\\"hi\\\"\""), VArray<VUnicodeString>{L"say \"hi\""});
     EXPECT_EQ(TokensOf(L"\"closed\"glued"), (VArray<VUnicodeString>{L"closed", L"glued"}));
     EXPECT_EQ(TokensOf(L"\"\" \"unterminated tail"), VArray<VUnicodeString>{L"unterminated tail"});
 }
 
 TEST(CommandLineFolder, EverySpellingOfTheSwitchGivesTheFolder) {
-    for (const wchar_t* line : {L"/f C:\\Conf", L"-F C:\\Conf", L"/F C:\\Conf", L"other /F C:\\Conf tail"}) {
+    for (const wchar_t* line :
+         {L"/f C:\\Conf", L"-F C:\\Conf", L"/F C:\\Conf", L"other /F C:\\Conf tail"}) {
         VCommandLine commandLine;
         VReportMessageParams report;
         EXPECT_TRUE(commandLine.Parse(line, report)) << line;

@@ -15,8 +15,9 @@ TEST(TraywellMessages, EveryCodeHasItsExactText) {
         {0x61450002, L"Version\r\n"},
         {0xE1450003, L"Traywell failed to initialize.\r\nError: %1\r\n"},
         {0xE1450004, L"Could not initialize SSH2:\r\n%1\r\n"},
-        {0x61450005, L"One or more sessions are locked or a dialog is open. Traywell cannot exit until all "
-                     L"sessions are unlocked or the dialog is closed.\r\n"},
+        {0x61450005,
+         L"One or more sessions are locked or a dialog is open. Traywell cannot exit until all "
+         L"sessions are unlocked or the dialog is closed.\r\n"},
         {0x61450006, L"A dialog is open. Traywell cannot exit until the dialog is closed.\r\n"},
         {0x61450007, L"Exiting %1 will close all windows listed on the menu.\r\n"},
         {0x61450008, L"Sessions\r\n"},
@@ -43,7 +44,8 @@ TEST(TraywellMessages, EveryCodeHasItsExactText) {
 TEST(TraywellMessages, InsertsAreFilled) {
     VReportMessageParams report(TRAY_INIT_FAILED);
     report.AddArgument(L"Access is denied.");
-    EXPECT_EQ(report.GetTextAsString(), L"Traywell failed to initialize.\r\nError: Access is denied.");
+    EXPECT_EQ(report.GetTextAsString(),
+              L"Traywell failed to initialize.\r\nError: Access is denied.");
 }
 
 }  // namespace

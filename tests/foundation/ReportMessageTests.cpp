@@ -5,6 +5,11 @@
 
 #include <windows.h>
 
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
 #include "ConfigMessages.h"
 #include "TestMessages.h"
 #include "VReportMessageParams.h"
@@ -58,9 +63,38 @@ TEST_F(ReportMessages, OwnModuleTextGetsItsInsertsInOrder) {
     EXPECT_STREQ(report.GetText(), L"Text of the test module with wide and narrow.\r\n");
 }
 
+// Inserts nobody gave stay as written, whether no argument or too few were
+// given; the formatter must not read past the arguments there are.
 TEST_F(ReportMessages, MissingInsertsAreLeftInTheTextRatherThanFailing) {
-    VReportMessageParams report(TEST_OWN_MODULE_TEXT);
-    EXPECT_STREQ(report.GetText(), L"Text of the test module with %1 and %2.\r\n");
+    VReportMessageParams none(TEST_OWN_MODULE_TEXT);
+    EXPECT_STREQ(none.GetText(), L"Text of the test module with %1 and %2.\r\n");
+    VReportMessageParams one(TEST_OWN_MODULE_TEXT);
+    one.AddArgument(L"one");
+    EXPECT_STREQ(one.GetText(), L"Text of the test module with one and %2.\r\n");
+    VReportMessageParams fallback(CONFIG_OPTION_NOT_A_NUMBER);
+    fallback.AddArgument(L"/X");
+    EXPECT_STREQ(fallback.GetText(), L"The command-line option /X needs a number made of the digits 0 to 9, not \"%2\".\r\n");
+}
+
+// Several threads load the fallback module and format at once, as a worker
+// thread's report and the user interface's may.
+TEST_F(ReportMessages, ThreadsFormatAtOnce) {
+    std::vector<std::thread> threads;
+    std::atomic<int> wrong{0};
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&wrong] {
+            VReportMessageParams::LoadFallbackModule(ConfigMessagesModule);
+            for (int i = 0; i < 200; ++i) {
+                VReportMessageParams report(i % 2 ? CONFIG_VALUE_ABSENT : 0xC0000005);
+                report.AddArgument(L"Port");
+                const std::wstring text = report.GetText();
+                const bool right = i % 2 ? text == L"The setting \"Port\" has not been stored yet.\r\n"
+                                         : !text.empty();
+                wrong += right ? 0 : 1;
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(wrong, 0);
 }
 
 TEST_F(ReportMessages, CodeOnlyTheFallbackModuleKnowsComesFromIt) {

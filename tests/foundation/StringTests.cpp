@@ -140,6 +140,14 @@ TEST_F(StringBlocks, SensitivityIsStickyOnAssignmentOfPlainText) {
     moved = VUnicodeString(L"moved in");
     EXPECT_TRUE(moved.IsSensitive());
     EXPECT_EQ(moved, L"moved in");
+
+    // Moved away, a sensitive variable stays sensitive: it may be filled again.
+    VUnicodeString source(L"moved out", Str::Sensitive);
+    VUnicodeString target;
+    target = std::move(source);
+    EXPECT_TRUE(target.IsSensitive());
+    EXPECT_TRUE(source.IsSensitive());
+    EXPECT_TRUE(source.IsEmpty());
 }
 
 TEST_F(StringBlocks, EmptyStringsAreTheSharedOnesOfTheRightState) {
@@ -163,6 +171,27 @@ TEST_F(StringBlocks, AppendingSensitiveTextMakesThePlainTargetSensitive) {
     EXPECT_TRUE(message.IsSensitive());
     message.Empty();
     EXPECT_TRUE(AllZero(BlockRecorder::releases.back().bytes));
+
+    // Inserting where the text does not reach marks nothing.
+    VUnicodeString plain(L"abc");
+    EXPECT_THROW(plain.Insert(4, VUnicodeString(L"s", Str::Sensitive)), std::out_of_range);
+    EXPECT_FALSE(plain.IsSensitive());
+}
+
+// Text appended in the other width passes through copies of its own; none
+// may keep it once they are freed.
+TEST_F(StringBlocks, AnAppendAcrossWidthsLeavesNoCopyOfTheTextBehind) {
+    {
+        VUnicodeStringI password(Str::Sensitive);
+        IString& asInterface = password;
+        asInterface.AppendNarrow("hunter2");
+        EXPECT_EQ(password, L"hunter2");
+        VStringI narrow(Str::Sensitive);
+        static_cast<IString&>(narrow).AppendWide(L"hunter3");
+        EXPECT_EQ(narrow, "hunter3");
+    }
+    ASSERT_FALSE(BlockRecorder::releases.empty());
+    for (const auto& released : BlockRecorder::releases) EXPECT_TRUE(AllZero(released.bytes));
 }
 
 TEST(Strings, InsertAtTheLengthAppendsAndBeyondThrows) {

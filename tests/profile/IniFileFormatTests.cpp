@@ -235,15 +235,25 @@ TEST_F(IniFileFormat, AReplacedOrRestoredValueKeepsItsPlaceAndNoValueLeavesOnlyT
 }
 
 
-TEST_F(IniFileFormat, AUtf16BigEndianFileIsRewrittenAsUtf8) {
-    const std::wstring text = L"S:\"" + Mixed + L"\"=" + Mixed + L"\r\nD:\"n\"=00000007\r\n";
-    ASSERT_TRUE(WriteWholeFile(ValuesFile(), "\xFE\xFF" + Utf16(text, true)));
-    {
-        VIniFileKey key(keyFolder_, VUnicodeString(), false, nullptr);
-        ASSERT_TRUE(key.SetDword(VUnicodeString(L"n"), 8));
-    }
+// A lone surrogate, which a UTF-16 file can hold and UTF-8 cannot, reads as
+// U+FFFD; otherwise no later save could write the key, and none of its values.
+TEST_F(IniFileFormat, AUtf16FileIsRewrittenAsUtf8WithLoneSurrogatesReplaced) {
+    const std::wstring text = L"S:\"" + Mixed + L"\"=" + Mixed + L"\r\nS:\"lone\"=a\xD800" L"b\xDC00\r\nD:\"n\"=00000007\r\n";
     const std::string utf8Mixed = "Zo\xC3\xAB \xE4\xB8\xAD \xF0\x9F\x98\x80";
-    EXPECT_EQ(Bom + "S:\"" + utf8Mixed + "\"=" + utf8Mixed + "\r\nD:\"n\"=00000008\r\n", ReadWholeFile(ValuesFile()));
+    for (const bool bigEndian : {false, true}) {
+        SCOPED_TRACE(bigEndian ? "big-endian" : "little-endian");
+        ASSERT_TRUE(WriteWholeFile(ValuesFile(), (bigEndian ? "\xFE\xFF" : "\xFF\xFE") + Utf16(text, bigEndian)));
+        {
+            VIniFileKey key(keyFolder_, VUnicodeString(), false, nullptr);
+            EXPECT_EQ((TestValues{{Mixed, S(Mixed)}, {L"lone", S(L"a\uFFFDb\uFFFD")}, {L"n", D(7)}}),
+                      ReadAllValues(key));
+            ASSERT_TRUE(key.SetDword(VUnicodeString(L"n"), 8));
+            EXPECT_TRUE(key.Flush());
+        }
+        EXPECT_EQ(Bom + "S:\"" + utf8Mixed + "\"=" + utf8Mixed +
+                      "\r\nS:\"lone\"=a\xEF\xBF\xBD" "b\xEF\xBF\xBD\r\nD:\"n\"=00000008\r\n",
+                  ReadWholeFile(ValuesFile()));
+    }
 }
 
 // ---- private values ----
@@ -263,11 +273,6 @@ TEST_F(IniFileFormat, PrivateValuesGoToThePrivateFileInTheListsOrder) {
               ReadWholeFile(PrivateValuesFile()));
 }
 
-TEST_F(IniFileFormat, WithoutPrivateFolderPrivateValuesStayInTheMainFile) {
-    EXPECT_EQ(Bom + "S:\"Username\"=me\r\nS:\"Host\"=h\r\n", Save({{L"Host", S(L"h")}, {L"Username", S(L"me")}}));
-}
-
-
 TEST_F(IniFileFormat, ThePrivateFileOverridesTheMainFileAndTakesOverItsPrivateValues) {
     ASSERT_TRUE(WriteWholeFile(ValuesFile(), Bom + "S:\"Password\"=old\r\nS:\"Account\"=acct\r\nD:\"Port\"=00000016\r\n"));
     ASSERT_TRUE(CreateDirectoryW((folder_ / L"Private").c_str(), nullptr));
@@ -280,6 +285,21 @@ TEST_F(IniFileFormat, ThePrivateFileOverridesTheMainFileAndTakesOverItsPrivateVa
     }
     EXPECT_EQ(Bom + "D:\"Port\"=00000017\r\n", ReadWholeFile(ValuesFile()));
     EXPECT_EQ(Bom + "S:\"Password\"=new\r\nS:\"Account\"=acct\r\n", ReadWholeFile(PrivateValuesFile()));
+}
+
+// A value the private file should not hold (put there by hand or by an older
+// version) would win over the main file's at every load.
+TEST_F(IniFileFormat, APrivateFileThatWasReadIsRewrittenWithOnlyThePrivateValues) {
+    ASSERT_TRUE(WriteWholeFile(ValuesFile(), Bom + "S:\"Host\"=main\r\n"));
+    ASSERT_TRUE(CreateDirectoryW((folder_ / L"Private").c_str(), nullptr));
+    ASSERT_TRUE(WriteWholeFile(PrivateValuesFile(), Bom + "S:\"Host\"=stale\r\n"));
+    {
+        VIniFileKey key(keyFolder_, privateFolder_, false, nullptr);
+        ASSERT_TRUE(key.SetString(VUnicodeString(L"Host"), VUnicodeString(L"new")));
+    }
+    EXPECT_EQ(Bom, ReadWholeFile(PrivateValuesFile()));
+    VIniFileKey key(keyFolder_, privateFolder_, true, nullptr);
+    EXPECT_EQ((TestValues{{L"Host", S(L"new")}}), ReadAllValues(key));
 }
 
 TEST_F(IniFileFormat, ADeletedPrivateValueDoesNotComeBackFromThePrivateFile) {

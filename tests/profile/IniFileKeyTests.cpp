@@ -3,8 +3,11 @@
 // subkeys, what the key refuses and what a save that cannot be done leaves.
 #include <gtest/gtest.h>
 
+#include <aclapi.h>
+
 #include <cstring>
 #include <functional>
+#include <map>
 #include <string>
 
 #include "ConfigMessages.h"
@@ -13,6 +16,7 @@
 #include "VIniFileKey.h"
 #include "VIniFileStoreFactory.h"
 #include "VProfileStore.h"
+#include "Win32Handle.h"
 
 namespace {
 
@@ -122,25 +126,31 @@ TEST_F(IniFileKey, IsSessionIsOneWheneverTheValuesFileExists) {
     EXPECT_FALSE(Key(true)->GetDword(W(L"Is Session"), value)) << "a folder is no values file";
 }
 
-TEST_F(IniFileKey, ASecurityDescriptorIsKeptAsTextAndAlsoReadFromBinary) {
-    VSecurityDescriptor written;
-    ASSERT_TRUE(written.FromText({W(L"allow,0x001f01ff,S-1-5-32-544"), W(L"deny,0x00000002,S-1-1-0")}));
+// A descriptor comes back exactly as it was set, through a save and a new
+// key: as text when the text form holds it, else as a binary value (the
+// per-user descriptor has inheritance flags).
+TEST_F(IniFileKey, ASecurityDescriptorIsKeptExactlyAsTextOrAsBinary) {
+    VSecurityDescriptor plain;
+    ASSERT_TRUE(plain.FromText({W(L"allow,0x001f01ff,S-1-5-32-544"), W(L"deny,0x00000002,S-1-1-0")}));
+    VSecurityDescriptor perUser;
+    ASSERT_TRUE(perUser.AssignCurrentUserAccess());
     {
         const auto key = Key();
-        ASSERT_TRUE(key->SetSecurity(W(L"Security"), written));
+        ASSERT_TRUE(key->SetSecurity(W(L"Plain"), plain));
+        ASSERT_TRUE(key->SetSecurity(W(L"Per User"), perUser));
     }
-    EXPECT_EQ(Bom + "Z:\"Security\"=00000002\r\n allow,0x001f01ff,S-1-5-32-544\r\n deny,0x00000002,S-1-1-0\r\n",
-              ReadWholeFile(ValuesFile()));
+    EXPECT_NE(std::string::npos,
+              ReadWholeFile(ValuesFile()).find("Z:\"Plain\"=00000002\r\n allow,0x001f01ff,S-1-5-32-544\r\n"
+                                               " deny,0x00000002,S-1-1-0\r\n"));
     const auto key = Key();
+    for (const auto& [name, written] : {std::pair{L"Plain", &plain}, std::pair{L"Per User", &perUser}}) {
+        VSecurityDescriptor read;
+        ASSERT_TRUE(key->GetSecurity(W(name), read)) << LastCode(*key);
+        ASSERT_EQ(written->GetLength(), read.GetLength());
+        EXPECT_EQ(0, std::memcmp(written->Get(), read.Get(), read.GetLength()));
+    }
+
     VSecurityDescriptor read;
-    ASSERT_TRUE(key->GetSecurity(W(L"Security"), read));
-    ASSERT_EQ(written.GetLength(), read.GetLength());
-    EXPECT_EQ(0, std::memcmp(written.Get(), read.Get(), written.GetLength()));
-
-    ASSERT_TRUE(key->SetBinary(W(L"Binary"), written.Get(), written.GetLength()));
-    ASSERT_TRUE(key->GetSecurity(W(L"Binary"), read));
-    EXPECT_EQ(0, std::memcmp(written.Get(), read.Get(), written.GetLength()));
-
     const uint8_t garbage[20] = {9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9};
     ASSERT_TRUE(key->SetBinary(W(L"BadBinary"), garbage, sizeof garbage));
     ASSERT_TRUE(key->SetMultiString(W(L"BadText"), {W(L"permit,0x1,S-1-5-18")}));
@@ -153,6 +163,43 @@ TEST_F(IniFileKey, ASecurityDescriptorIsKeptAsTextAndAlsoReadFromBinary) {
     }
 }
 
+// A file is replaced at every save; the new one keeps the old one's access
+// list (the private file's protection) and attributes, and no leftover.
+TEST_F(IniFileKey, ASaveKeepsTheFilesAccessListsAndAttributes) {
+    VSecurityDescriptor perUser;
+    ASSERT_TRUE(perUser.AssignCurrentUserAccess());
+    const VUnicodeString files[] = {ValuesFile(), VIniFileKey::ValuesFilePath(privateFolder_)};
+    const auto accessList = [](const VUnicodeString& path) {
+        PSECURITY_DESCRIPTOR descriptor = nullptr;
+        GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr,
+                              nullptr, &descriptor);
+        const LocalMemory owner(descriptor);
+        return std::string(static_cast<const char*>(descriptor), descriptor ? GetSecurityDescriptorLength(descriptor) : 0);
+    };
+    std::string before[2];
+    const VSecurityDescriptor* const securities[] = {&perUser, nullptr};  // made with one, then saved without
+    for (const VSecurityDescriptor* security : securities) {
+        {
+            VIniFileKey key(keyFolder_, privateFolder_, false, security);
+            ASSERT_TRUE(key.SetDword(W(L"n"), security ? 1 : 2));
+            ASSERT_TRUE(key.SetString(W(L"Password"), W(security ? L"x" : L"y")));
+        }
+        for (int i = 0; i < 2; ++i) {
+            if (security) {
+                ASSERT_TRUE(SetFileAttributesW(files[i].c_str(), FILE_ATTRIBUTE_HIDDEN));
+                before[i] = accessList(files[i]);
+                continue;
+            }
+            EXPECT_EQ(before[i], accessList(files[i]));
+            // A file that changed is marked for backup, as any write marks it.
+            EXPECT_EQ(FILE_ATTRIBUTE_HIDDEN, GetFileAttributesW(files[i].c_str()) & ~FILE_ATTRIBUTE_ARCHIVE);
+        }
+    }
+    EXPECT_EQ(Bom + "D:\"n\"=00000002\r\n", ReadWholeFile(ValuesFile()));
+    WIN32_FIND_DATAW found;
+    EXPECT_FALSE(FindHandle(FindFirstFileW((folder_ / L"*.tmp").c_str(), &found)));
+}
+
 TEST_F(IniFileKey, IsWritableFollowsTheKeyAndItsFile) {
     EXPECT_TRUE(Key()->IsWritable()) << "no file yet";
     EXPECT_FALSE(Key(true)->IsWritable());
@@ -163,40 +210,104 @@ TEST_F(IniFileKey, IsWritableFollowsTheKeyAndItsFile) {
     ASSERT_TRUE(SetFileAttributesW(ValuesFile().c_str(), FILE_ATTRIBUTE_NORMAL));
 }
 
-// A save that cannot be done fails with a reason, leaves what stands in the
-// way as it was, and keeps the change for a later save.
+// Every file under folder with its size and, unless it is huge, its bytes.
+using Tree = std::map<std::wstring, std::pair<int64_t, std::string>>;
+
+void Snapshot(const std::wstring& folder, Tree& tree) {
+    WIN32_FIND_DATAW entry;
+    const FindHandle search(FindFirstFileW((folder + L"\\*").c_str(), &entry));
+    if (!search) return;
+    do {
+        const std::wstring name = entry.cFileName;
+        if (name == L"." || name == L"..") continue;
+        const std::wstring path = folder + L"\\" + name;
+        if (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
+            Snapshot(path, tree);
+            continue;
+        }
+        const int64_t size = (static_cast<int64_t>(entry.nFileSizeHigh) << 32) | entry.nFileSizeLow;
+        tree[path] = {size, size < 1024 * 1024 ? ReadWholeFile(VUnicodeString(path.c_str())) : std::string()};
+    } while (FindNextFileW(search.Get(), &entry));
+}
+
+// A save that cannot be done fails with a reason and changes no file (and
+// leaves none behind); once what stood in the way is gone, the key saves
+// (after a Reload when the failure was in reading).
 TEST_F(IniFileKey, ASaveThatCannotBeDoneFailsAndDamagesNothing) {
     const std::string bytes = Bom + "D:\"n\"=00000001\r\n";
+    const VUnicodeString privateFile = VIniFileKey::ValuesFilePath(privateFolder_);
+    const VUnicodeString parent = folder_ / L"Parent";
+    FileHandle held;
     struct Case {
         const char* what;
         VUnicodeString keyFolder;
-        VUnicodeString obstacle;  // stays untouched
         std::function<bool()> arrange;
         std::function<void()> clear;
+        DWORD code;  // 0: any
+        bool unreadable = false;  // the load failed: the key's reads say why, not "absent"
+        std::function<void()> afterLoad = [] {};
     };
-    const VUnicodeString parent = folder_ / L"Parent";
     const Case cases[] = {
-        {"read-only values file", keyFolder_, ValuesFile(),
+        {"read-only values file", keyFolder_,
          [&] { return WriteWholeFile(ValuesFile(), bytes) && SetFileAttributesW(ValuesFile().c_str(), FILE_ATTRIBUTE_READONLY); },
-         [&] { SetFileAttributesW(ValuesFile().c_str(), FILE_ATTRIBUTE_NORMAL); }},
-        {"folder where the values file should be", folder_ / L"Other", folder_ / L"Other.ini",
+         [&] { SetFileAttributesW(ValuesFile().c_str(), FILE_ATTRIBUTE_NORMAL); }, ERROR_ACCESS_DENIED},
+        {"folder where the values file should be", folder_ / L"Other",
          [&] { return CreateDirectoryW((folder_ / L"Other.ini").c_str(), nullptr) != FALSE; },
-         [&] { RemoveDirectoryW((folder_ / L"Other.ini").c_str()); }},
-        {"file where the parent folder should be", parent + L"\\Key", parent,
-         [&] { return WriteWholeFile(parent, bytes); }, [&] { DeleteFileW(parent.c_str()); }},
+         [&] { RemoveDirectoryW((folder_ / L"Other.ini").c_str()); }, ERROR_ACCESS_DENIED},
+        {"file where the parent folder should be", parent + L"\\Key",
+         [&] { return WriteWholeFile(parent, bytes); }, [&] { DeleteFileW(parent.c_str()); }, 0},
+        // The secrets must not go to the main file instead: the private file
+        // would win over them at the next load.
+        {"read-only private file", keyFolder_,
+         [&] {
+             return WriteWholeFile(ValuesFile(), bytes) && WriteWholeFile(privateFile, Bom + "S:\"Password\"=old\r\n") &&
+                    SetFileAttributesW(privateFile.c_str(), FILE_ATTRIBUTE_READONLY);
+         },
+         [&] { SetFileAttributesW(privateFile.c_str(), FILE_ATTRIBUTE_NORMAL); }, ERROR_ACCESS_DENIED},
+        // Read as an empty key, the next save would wipe it.
+        {"values file that another process had to itself at the load", keyFolder_,
+         [&] {
+             held.Reset(CreateFileW(ValuesFile().c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0,
+                                    nullptr));
+             DWORD written = 0;
+             return held && WriteFile(held.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+         },
+         [] {}, ERROR_SHARING_VIOLATION, true, [&] { held.Reset(); }},
+        // A sparse file far beyond the limit; its size must not be trusted to
+        // size anything, and no exception may escape a getter.
+        {"values file too large to read", keyFolder_,
+         [&] {
+             const FileHandle file(CreateFileW(ValuesFile().c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+             LARGE_INTEGER end;
+             end.QuadPart = 1LL << 36;
+             return file && SetFilePointerEx(file.Get(), end, nullptr, FILE_BEGIN) && SetEndOfFile(file.Get());
+         },
+         [&] { DeleteFileW(ValuesFile().c_str()); }, ERROR_FILE_TOO_LARGE, true},
     };
     for (const Case& test : cases) {
         SCOPED_TRACE(test.what);
         ASSERT_TRUE(test.arrange());
-        VIniFileKey key(test.keyFolder, VUnicodeString(), false, nullptr);
+        VIniFileKey key(test.keyFolder, privateFolder_, false, nullptr);
         ASSERT_TRUE(key.SetDword(W(L"n"), 2));
+        ASSERT_TRUE(key.SetString(W(L"Password"), W(L"new")));
+        test.afterLoad();
+        uint32_t number = 0;
+        EXPECT_FALSE(key.GetDword(W(L"absent"), number));
+        EXPECT_EQ(test.unreadable ? test.code : CONFIG_VALUE_ABSENT, LastCode(key));
+        Tree before;
+        Snapshot(folder_.Path().c_str(), before);
         EXPECT_FALSE(key.Flush());
-        EXPECT_NE(0u, LastCode(key));
-        if (IsFile(test.obstacle)) EXPECT_EQ(bytes, ReadWholeFile(test.obstacle));
-        else EXPECT_TRUE(IsFolder(test.obstacle));
+        if (test.code) EXPECT_EQ(test.code, LastCode(key));
+        else EXPECT_NE(0u, LastCode(key));
+        Tree after;
+        Snapshot(folder_.Path().c_str(), after);
+        EXPECT_EQ(before, after);
         test.clear();
-        EXPECT_TRUE(key.Flush()) << "the change is still held";
+        EXPECT_TRUE(key.Reload());
+        ASSERT_TRUE(key.SetDword(W(L"n"), 2));
+        EXPECT_TRUE(key.Flush()) << LastCode(key);
         EXPECT_EQ(Bom + "D:\"n\"=00000002\r\n", ReadWholeFile(VIniFileKey::ValuesFilePath(test.keyFolder)));
+        DeleteFileW(privateFile.c_str());
     }
 }
 

@@ -153,19 +153,17 @@ BuiltFile Build(const TestValues& values) {
     BuiltFile file;
     file.bytes = "\xEF\xBB\xBF";
     for (const auto& [name, value] : values) {
-        VUnicodeString text;
+        VIniFileText text;
         switch (value.kind) {
-        case ProfileDword: text = FormatIniDwordEntry(name, value.dword); break;
-        case ProfileString: text = FormatIniStringEntry(name, V(value.text)); break;
-        case ProfileBinary: text = FormatIniBinaryEntry(name, value.bytes.data(), value.bytes.size()); break;
-        default: {
-            VArray<VUnicodeString> strings;
-            for (const std::wstring& string : value.strings) strings.Add(V(string));
-            text = FormatIniMultiStringEntry(name, strings);
-        }
+        case ProfileDword: AppendIniDwordEntry(text, name, value.dword); break;
+        case ProfileString: AppendIniStringEntry(text, name, value.text); break;
+        case ProfileBinary: AppendIniBinaryEntry(text, name, value.bytes); break;
+        default:
+            AppendIniMultiStringHeader(text, name, value.strings.size());
+            for (const std::wstring& string : value.strings) AppendIniStringLine(text, string);
         }
         BuiltFile::Entry entry{name, value, {}};
-        const std::wstring all(text.c_str(), text.GetLength());
+        const std::wstring all(text.data(), text.size());
         for (size_t start = 0; start < all.size();) {
             const size_t end = all.find(L"\r\n", start);
             const std::wstring line = all.substr(start, end - start);

@@ -2,9 +2,15 @@
 //
 //   ini_store_helper churn <key folder> <milliseconds> <id> <result file>
 //       Saves and loads the key in turns until the time is up. Every save
-//       writes one generation: 150 values that all name the same
-//       writer and counter. Every load checks that all values are there and
-//       belong to one generation. Writes "saves loads" to the result file.
+//       writes one generation of 150 values that all name this writer and
+//       its counter (GenerationValues.h); every load checks that all values
+//       are there and belong to one generation. Writes "saves loads last"
+//       to the result file, last being the counter of its last save.
+//   ini_store_helper save-generations <key folder> <private folder> <event>
+//       Loads the key (main and private file, GenerationValues.h with
+//       private values, KillValueCount values) and saves the following
+//       generations of the same writer one after the other until it is
+//       killed; signals the named event as the first save starts.
 //   ini_store_helper hold <file> exclusive|shared <milliseconds> <event> [<text>]
 //       Opens file, locks its first 4 bytes, signals the named event and keeps
 //       the lock for the given time. Exclusive: then rewrites the file with
@@ -20,6 +26,7 @@
 #include <cwchar>
 #include <string>
 
+#include "GenerationValues.h"
 #include "VIniFileKey.h"
 #include "Win32Handle.h"
 
@@ -66,62 +73,45 @@ int Hold(const wchar_t* path, bool exclusive, DWORD milliseconds, const wchar_t*
     return result;
 }
 
-VUnicodeString Generation(unsigned id, unsigned counter, unsigned index) {
-    VUnicodeString text;
-    // Long enough that a generation spans several 4096-byte blocks.
-    text.FormatPositional(L"writer %1!u! generation %2!u! value %3!u! ................................", id,
-                          counter, index);
-    return text;
-}
-
-VUnicodeString ValueName(unsigned index) {
-    VUnicodeString name;
-    name.FormatPositional(L"v%1!03u!", index);
-    return name;
-}
-
-// All values of one generation, or a complaint on stderr.
-bool CheckGeneration(VIniFileKey& key) {
-    VUnicodeString first;
-    if (!key.GetString(ValueName(0), first)) {
-        std::fwprintf(stderr, L"v000 is missing\n");
-        return false;
-    }
-    unsigned id = 0, counter = 0;
-    if (std::swscanf(first.c_str(), L"writer %u generation %u", &id, &counter) != 2) return false;
-    for (unsigned index = 0; index < ChurnValueCount; ++index) {
-        VUnicodeString text;
-        if (!key.GetString(ValueName(index), text) || text != Generation(id, counter, index)) {
-            std::fwprintf(stderr, L"value %u of writer %u generation %u is \"%ls\"\n", index, id, counter,
-                          text.c_str());
-            return false;
-        }
-    }
-    return true;
-}
-
 int Churn(const wchar_t* folder, DWORD milliseconds, unsigned id, const wchar_t* resultFile) {
     const ULONGLONG end = GetTickCount64() + milliseconds;
     unsigned saves = 0, loads = 0;
+    Generation last{id, 0};
     for (unsigned counter = 0; GetTickCount64() < end; ++counter) {
         {
             VIniFileKey writer(VUnicodeString(folder), VUnicodeString(), false, nullptr);
-            for (unsigned index = 0; index < ChurnValueCount; ++index)
-                writer.SetString(ValueName(index), Generation(id, counter, index));
+            StoreGeneration(writer, {id, counter}, ChurnValueCount, false);
             if (!writer.Flush()) return 2;
+            last.number = counter;
             ++saves;
         }
         for (int read = 0; read < 2; ++read) {
             VIniFileKey reader(VUnicodeString(folder), VUnicodeString(), true, nullptr);
-            if (!CheckGeneration(reader)) return 1;
+            Generation main, personal;
+            if (!ReadGeneration(reader, ChurnValueCount, false, main, personal)) return 1;
             ++loads;
         }
     }
     FILE* result = _wfopen(resultFile, L"w");
     if (!result) return 2;
-    std::fprintf(result, "%u %u\n", saves, loads);
+    std::fprintf(result, "%u %u %u\n", saves, loads, last.number);
     std::fclose(result);
     return 0;
+}
+
+int SaveGenerations(const wchar_t* folder, const wchar_t* privateFolder, const wchar_t* eventName) {
+    const KernelHandle ready(OpenEventW(EVENT_MODIFY_STATE, FALSE, eventName));
+    if (!ready) return 2;
+    VIniFileKey key(VUnicodeString(folder), VUnicodeString(privateFolder), false, nullptr);
+    Generation main, personal;
+    if (!ReadGeneration(key, KillValueCount, true, main, personal)) return 1;
+    for (bool first = true;; first = false) {
+        ++main.number;
+        StoreGeneration(key, main, KillValueCount, true);
+        // The kill is timed from the start of the first save.
+        if (first) SetEvent(ready.Get());
+        if (!key.Flush()) return 2;
+    }
 }
 
 }  // namespace
@@ -129,6 +119,7 @@ int Churn(const wchar_t* folder, DWORD milliseconds, unsigned id, const wchar_t*
 int wmain(int argc, wchar_t** argv) {
     if (argc == 6 && std::wcscmp(argv[1], L"churn") == 0)
         return Churn(argv[2], std::wcstoul(argv[3], nullptr, 10), std::wcstoul(argv[4], nullptr, 10), argv[5]);
+    if (argc == 5 && std::wcscmp(argv[1], L"save-generations") == 0) return SaveGenerations(argv[2], argv[3], argv[4]);
     if ((argc == 6 || argc == 7) && std::wcscmp(argv[1], L"hold") == 0) {
         const bool exclusive = std::wcscmp(argv[3], L"exclusive") == 0;
         if (!exclusive && std::wcscmp(argv[3], L"shared") != 0) return 3;

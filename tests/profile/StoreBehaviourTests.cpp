@@ -5,6 +5,7 @@
 #include <cstring>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "StoreBehaviour.h"
 
@@ -220,6 +221,50 @@ TEST_P(StoreBehaviour, IteratorsListValuesWithTheirKindsAndSubkeysApart) {
     size_t count = 0;
     while (iterator.Next(name)) ++count;
     EXPECT_EQ(count, 2u);
+}
+
+// A caller that lists the values reads each one right after; what it reads is
+// what the key stores now: written through the key meanwhile, of another
+// kind, or too large to come along with the listing.
+TEST_P(StoreBehaviour, ValuesReadWhileListingAreTheStoredOnes) {
+    const std::vector<BYTE> large(10000, 0x5A);
+    {
+        auto store = Open();
+        VProfileKey& root = store->GetRootKey();
+        ASSERT_TRUE(root.SetDword(L"d", 1));
+        ASSERT_TRUE(root.SetString(L"s", L"text"));
+        ASSERT_TRUE(root.SetMultiString(L"m", List3));
+        ASSERT_TRUE(root.SetBinary(L"large", large.data(), static_cast<uint32_t>(large.size())));
+    }
+    auto store = Open();
+    VProfileKey& root = store->GetRootKey();
+    VProfileKeyIterator iterator(root, true);
+    VUnicodeString name;
+    uint32_t number = 0;
+    VUnicodeString text;
+    VArray<VUnicodeString> strings;
+    std::vector<BYTE> bytes(large.size());
+    uint32_t size = static_cast<uint32_t>(bytes.size());
+    std::wstring listed;
+    while (iterator.Next(name)) {
+        listed += name.c_str();
+        if (name == L"d") {
+            EXPECT_FALSE(ReadAs(root, L"d", ProfileString)) << "of another kind";
+            ASSERT_TRUE(root.SetDword(name, 2));
+            ASSERT_TRUE(root.GetDword(name, number));
+        } else if (name == L"s") {
+            ASSERT_TRUE(root.GetString(name, text));
+        } else if (name == L"m") {
+            ASSERT_TRUE(root.GetMultiString(name, strings));
+        } else {
+            ASSERT_TRUE(root.GetBinary(name, bytes.data(), size));
+        }
+    }
+    EXPECT_EQ(listed.size(), 8u);  // "d", "s", "m" and "large", in some order
+    EXPECT_EQ(number, 2u) << "written meanwhile";
+    EXPECT_EQ(text, L"text");
+    EXPECT_EQ(strings, List3);
+    EXPECT_EQ(bytes, large);
 }
 
 TEST_P(StoreBehaviour, AReadOnlyStoreReadsButNeverWrites) {

@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "IniFileFormat.h"
 #include "TempFolder.h"
 #include "VTextFile.h"
 
@@ -50,6 +51,19 @@ protected:
         while (file.ReadLine(line)) lines.emplace_back(line.c_str(), line.GetLength());
         if (error) *error = GetLastError();
         if (encoding) *encoding = file.GetEncoding();
+        return lines;
+    }
+
+    // The lines of a file with the given bytes, read whole and then cut.
+    Lines ReadWhole(const std::string& bytes) {
+        VTextFile file;
+        EXPECT_TRUE(file.Open(Make(bytes), GENERIC_READ, OPEN_EXISTING));
+        WipedVector<wchar_t> text;
+        EXPECT_TRUE(file.ReadAll(text, bytes.size()));
+        const wchar_t* position = text.data();
+        Lines lines;
+        std::wstring_view line;
+        while (NextIniLine(position, text.data() + text.size(), line)) lines.emplace_back(line);
         return lines;
     }
 
@@ -99,6 +113,9 @@ TEST_F(TextFileTest, ReadsLinesByTheMarkAndStopsAtBadBytes) {
         {Utf8Mark + "x\ny\xE2\x82", {L"x", L"y"}, TextEncodingUtf8, Bad},  // cut off by the end
         {Utf8Mark + "x\n\xC0\xAF", {L"x"}, TextEncodingUtf8, Bad},  // an empty partial line is not delivered
         {std::string("\xFF\xFE" "a\0b\0c", 7), {L"ab"}, TextEncodingUtf16LE, Bad},  // half a unit
+        // A surrogate without its other half, which no other encoding holds.
+        {std::string("\xFF\xFE" "a\0\x00\xD8" "b\0\x00\xDC", 10), {L"a\uFFFDb\uFFFD"}, TextEncodingUtf16LE, Eof},
+        {std::string("\xFE\xFF" "\xDC\x00\xD8\x00", 6), {L"\uFFFD\uFFFD"}, TextEncodingUtf16BE, Eof},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(::testing::PrintToString(c.bytes));
@@ -107,6 +124,7 @@ TEST_F(TextFileTest, ReadsLinesByTheMarkAndStopsAtBadBytes) {
         EXPECT_EQ(c.lines, ReadAll(c.bytes, &encoding, &error));
         EXPECT_EQ(c.encoding, encoding);
         EXPECT_EQ(c.error, error);
+        EXPECT_EQ(c.lines, ReadWhole(c.bytes)) << "the whole file at once reads the same";
     }
 }
 
@@ -135,6 +153,7 @@ TEST_F(TextFileTest, BlockEdgesSplitNothing) {
     std::string utf16 = "\xFF\xFE";  // up to the last unit of the block, then a pair across the edge
     const size_t units = (Block - 2) / 2 - 1;
     for (size_t i = 0; i < units; ++i) utf16 += std::string("y\0", 2);
+    std::string loneAtEdge = utf16 + std::string("\x3D\xD8z\0", 4);
     utf16 += std::string("\x3D\xD8\x00\xDE\r\0\n\0", 8);
     const std::string q(Block + 100, 'q');
 
@@ -152,6 +171,8 @@ TEST_F(TextFileTest, BlockEdgesSplitNothing) {
         {"line of several blocks", "first\n" + longLine + "\r\nlast", {L"first", Widen(longLine), L"last"},
          ERROR_HANDLE_EOF},
         {"UTF-16 pair split", utf16, {std::wstring(units, L'y') + L"\U0001F600"}, ERROR_HANDLE_EOF},
+        {"lone UTF-16 surrogate last in its block", loneAtEdge, {std::wstring(units, L'y') + L"\uFFFDz"},
+         ERROR_HANDLE_EOF},
         {"bad bytes in a later block", Utf8Mark + "head\n" + q + "tail\xF8rest\nnever",
          {L"head", Widen(q) + L"tail"}, ERROR_NO_UNICODE_TRANSLATION},
     };

@@ -83,6 +83,48 @@ TEST_F(FormerNameTest, ATextFoundUnderItsFormerNameIsBlankedThereAtTheNextSave) 
     EXPECT_FALSE(again.IsModified());
 }
 
+// The former name is blanked (or, for a number, removed) only where it is
+// stored: a copy of the value, or the value saved into another key (a
+// session saved under a new name), must not write or fail on it there.
+TEST_F(FormerNameTest, OnlyAKeyThatHoldsTheFormerNameLosesIt) {
+    {
+        auto key = store_.OpenKey();
+        key->SetDword(L"Old Number", 7);
+        key->SetString(L"Old Text", L"seven");
+    }
+    VProfile<unsigned long> number(L"New Number", 0);
+    VProfileString text(L"New Text");
+    {
+        auto key = store_.OpenKey();
+        ASSERT_TRUE(number.LoadWithFormerName(*key, L"Old Number", 0));
+        ASSERT_TRUE(text.LoadWithFormerName(*key, L"Old Text", L""));
+    }
+    VProfile<unsigned long> numberCopy(number);
+    VProfileString textCopy(text);
+    for (const wchar_t* subkey : {L"Copy", L"Original"}) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(subkey)));
+        const bool copy = subkey[0] == L'C';
+        {
+            auto key = store_.OpenKey();
+            VProfileKey other(*key, subkey, true);
+            EXPECT_TRUE((copy ? numberCopy : number).Save(other, false)) << other.GetLastErrorParams().GetMessageCode();
+            EXPECT_TRUE((copy ? textCopy : text).Save(other, false));
+        }
+        auto key = store_.OpenKey();
+        VProfileKey other(*key, subkey, false);
+        uint32_t stored = 0;
+        VUnicodeString storedText;
+        EXPECT_TRUE(other.GetDword(L"New Number", stored));
+        EXPECT_EQ(stored, 7u);
+        EXPECT_TRUE(other.GetString(L"New Text", storedText));
+        EXPECT_EQ(storedText, L"seven");
+        VProfileKeyIterator values(other, true);
+        size_t count = 0;
+        while (values.Next(storedText)) ++count;
+        EXPECT_EQ(count, 2u) << "nothing under the former names";
+    }
+}
+
 TEST_F(FormerNameTest, TheOlderTabStateIsConvertedIntoTheNewerForm) {
     store_.OpenKey()->SetString(L"Termwright Tab State", L"1,-1,200");
 

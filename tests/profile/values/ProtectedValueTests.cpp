@@ -122,6 +122,67 @@ TEST_F(ProtectedValueTest, AnOlderPasswordMovesToItsNewNameSealedAnew) {
     EXPECT_EQ(PlainOf(reloaded), L"old secret");
 }
 
+// A provider whose pass phrase changes, as the configuration's does when the
+// user sets a new one.
+class ChangingPassphraseProvider : public VUnknown<IPassphraseProvider> {
+public:
+    bool GetPassphrase(VUnicodeString& passphrase) override {
+        passphrase = phrase;
+        return !phrase.IsEmpty();
+    }
+    VUnicodeString phrase{Str::Sensitive};
+};
+
+// The pass phrase changes (from none, to none, to another), and the values
+// are saved again: every one, whether sealed by an edit or loaded before the
+// change, must open with the new pass phrase and not with the old one (with
+// none, the logon seals it, which opens whatever the pass phrase).
+TEST_F(ProtectedValueTest, AfterThePassphraseChangesASaveSealsTheValuesUnderTheNewOne) {
+    const std::pair<const wchar_t*, const wchar_t*> changes[] = {
+        {L"old phrase", L"new phrase"}, {L"", L"new phrase"}, {L"old phrase", L""}};
+    for (const auto& [before, after] : changes) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(before) + L" -> " + after));
+        const VRefPtr<ChangingPassphraseProvider> provider =
+            VRefPtr<ChangingPassphraseProvider>::Adopt(new ChangingPassphraseProvider());
+        provider->phrase = before;
+        VProfileEncryptedString edited(L"Edited", provider.Get());
+        VProfileEncryptedString loaded(L"Loaded", provider.Get());
+        VReportMessageParams report;
+        ASSERT_TRUE(edited.SetPlainText(L"secret", report));
+        ASSERT_TRUE(loaded.SetPlainText(L"secret", report));
+        ASSERT_TRUE(loaded.Save(*store_.OpenKey(), false));
+        ASSERT_TRUE(loaded.LoadEncrypted(*store_.OpenKey()));
+
+        provider->phrase = after;
+        {
+            auto key = store_.OpenKey();
+            ASSERT_TRUE(edited.Save(*key, false));
+            ASSERT_TRUE(loaded.Save(*key, false));
+        }
+        const VRefPtr<IPassphraseProvider> old =
+            VRefPtr<IPassphraseProvider>::Adopt(new VFixedPassphraseProvider(VUnicodeString(before)));
+        for (const wchar_t* name : {L"Edited", L"Loaded"}) {
+            VUnicodeString opened;
+            EXPECT_TRUE(VEncryptedString(Stored(name), provider.Get()).GetPlainText(opened, name, report)) << name;
+            EXPECT_EQ(opened, L"secret");
+            if (*after) EXPECT_FALSE(*before && VEncryptedString(Stored(name), old.Get()).GetPlainText(opened, name, report));
+            else EXPECT_TRUE(Stored(name).StartsWith(L"CAPI:")) << name;
+        }
+    }
+}
+
+// Taken as a default, the value must be written at the next save, whether
+// it had a former name or not.
+TEST_F(ProtectedValueTest, ADefaultTakenForAnAbsentValueIsSavedNextTime) {
+    VProfileEncryptedString value(ValueName, phrase_.Get());
+    auto key = store_.OpenKey();
+    EXPECT_FALSE(value.LoadWithFormerName(*key, L"Firewall Password", VEncryptedString()));
+    EXPECT_TRUE(value.IsModified());
+    VProfileEncryptedString plain(ValueName, phrase_.Get());
+    EXPECT_FALSE(plain.LoadOrDefault(*key, VUnicodeString()));
+    EXPECT_TRUE(plain.IsModified());
+}
+
 TEST_F(ProtectedValueTest, VariantsCarryTheProtectedTextNeverThePlainText) {
     VProfileEncryptedString value(ValueName, phrase_.Get());
     VReportMessageParams report;
@@ -160,12 +221,13 @@ TEST_F(ProtectedValueTest, ADamagedCapiStringReadsAsEmptyAndStaysInTheStore) {
     VProfileCapiString value(L"Proxy Password", L"default");
     {
         auto key = store_.OpenKey();
-        EXPECT_FALSE(value.Load(*key));
+        EXPECT_TRUE(value.Load(*key));
         EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(),
                   static_cast<DWORD>(CONFIG_PROTECTED_TEXT_DAMAGED));
         ASSERT_EQ(key->GetLastErrorParams().GetArguments().GetCount(), 1u);
         EXPECT_EQ(key->GetLastErrorParams().GetArguments()[0], L"Proxy Password");
-        EXPECT_EQ(value.Get(), L"default") << "the load is refused, so the value keeps what it had";
+        EXPECT_TRUE(value.Get().IsEmpty()) << "neither the default nor what the value had";
+        EXPECT_FALSE(value.IsModified());
         EXPECT_TRUE(value.Save(*key, false));
     }
     EXPECT_EQ(Stored(L"Proxy Password"), L"CAPI:0102030")

@@ -1,0 +1,124 @@
+// Plays a client program for the tray program's tests and benchmark.
+//
+//   client_window_helper --class terminal|transfer --log FILE [--windows N]
+//                        [--exit agree|refuse|hang] [--session TEXT]...
+//
+// shows N (default 1) client main windows of that class, each holding the
+// sessions given, answers the session query through the shared buffer and
+// the can-exit question as told ("hang": never in time), and appends to FILE
+// "select <window> <session number>" for each show-selection message and
+// "close <window>" for each WM_CLOSE (<window>: its index from 0). A closed
+// window goes; the process ends with its last window. Started in any other
+// way (as Traywell starts a client), it appends its command line to the file
+// that TRAYWELL_HELPER_LAUNCH_LOG names, and ends.
+#include <windows.h>
+
+#include <cwchar>
+
+#include "ClientProtocol.h"
+#include "RegisteredMessages.h"
+#include "VMemoryMappedBuffer.h"
+#include "Win32Handle.h"
+
+namespace {
+
+const wchar_t* windowClass = nullptr;
+VUnicodeString logFile;
+VArray<VUnicodeString> sessions;
+const wchar_t* exitAnswer = L"agree";
+int openWindows = 0;
+
+void AppendLine(const wchar_t* file, const VUnicodeString& line) {
+    const FileHandle handle(CreateFileW(file, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                        nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const VString text(line + L"\n");
+    DWORD written = 0;
+    if (handle)
+        WriteFile(handle.Get(), text.c_str(), static_cast<DWORD>(text.GetLength()), &written,
+                  nullptr);
+}
+
+void Record(HWND window, const wchar_t* what, unsigned number = 0) {
+    VUnicodeString line;
+    line.FormatPositional(what, static_cast<unsigned>(GetWindowLongPtrW(window, GWLP_USERDATA) - 1),
+                          number);
+    AppendLine(logFile.c_str(), line);
+}
+
+LRESULT AnswerSessionQuery(LPARAM size) {
+    if (size == 0) return static_cast<LRESULT>(ClientProtocol::SessionDataSize(sessions));
+    const auto buffer =
+        VRefPtr<VMemoryMappedBuffer>::Adopt(new VMemoryMappedBuffer(static_cast<size_t>(size)));
+    if (!buffer->IsMapped() || !ClientProtocol::WriteSessions(*buffer, sessions)) return 0;
+    return static_cast<LRESULT>(buffer->GetDataLength());
+}
+
+LRESULT CALLBACK ClientWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == ClientProtocol::SessionQueryMessage) return AnswerSessionQuery(lParam);
+    if (message == GetTraywellCanExitApplicationMessage()) {
+        if (std::wcscmp(exitAnswer, L"hang") == 0) Sleep(120000);
+        return std::wcscmp(exitAnswer, L"agree") != 0;
+    }
+    if (message == GetTraywellShowSelectionMessage()) {
+        Record(window, L"select %1!u! %2!u!", static_cast<unsigned>(lParam));
+        ShowWindow(window, SW_RESTORE);
+        return 0;
+    }
+    if (message == WM_CLOSE) {
+        Record(window, L"close %1!u!");
+        DestroyWindow(window);
+        return 0;
+    }
+    if (message == WM_DESTROY && --openWindows == 0) PostQuitMessage(0);
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+}  // namespace
+
+int wmain(int argc, wchar_t** argv) {
+    if (argc < 2 || std::wcsncmp(argv[1], L"--", 2) != 0) {
+        wchar_t file[MAX_PATH];
+        const DWORD length = GetEnvironmentVariableW(L"TRAYWELL_HELPER_LAUNCH_LOG", file, MAX_PATH);
+        if (length == 0 || length >= MAX_PATH) return 2;
+        AppendLine(file, GetCommandLineW());
+        return 0;
+    }
+    int windows = 1;
+    for (int i = 1; i + 1 < argc; i += 2) {
+        const VUnicodeString option(argv[i]);
+        if (option == L"--class")
+            windowClass = std::wcscmp(argv[i + 1], L"terminal") == 0
+                              ? ClientProtocol::TerminalWindowClass
+                              : ClientProtocol::TransferWindowClass;
+        else if (option == L"--log")
+            logFile = argv[i + 1];
+        else if (option == L"--windows")
+            windows = _wtoi(argv[i + 1]);
+        else if (option == L"--exit")
+            exitAnswer = argv[i + 1];
+        else if (option == L"--session")
+            sessions.Add(argv[i + 1]);
+        else
+            return 2;
+    }
+    WNDCLASSEXW registration{};
+    registration.cbSize = sizeof registration;
+    registration.lpfnWndProc = ClientWindowProc;
+    registration.cbWndExtra = sizeof(LONG_PTR);
+    registration.hInstance = GetModuleHandleW(nullptr);
+    registration.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1);
+    registration.lpszClassName = windowClass;
+    if (!windowClass || logFile.IsEmpty() || !RegisterClassExW(&registration)) return 2;
+    for (; openWindows < windows; ++openWindows) {
+        const HWND window =
+            CreateWindowExW(0, windowClass, windowClass, WS_OVERLAPPEDWINDOW, 40 + 20 * openWindows,
+                            40 + 20 * openWindows, 320, 200, nullptr, nullptr, nullptr, nullptr);
+        if (!window) return 3;
+        SetWindowLongW(window, 0, static_cast<LONG>(ClientProtocol::MainWindowMark));
+        SetWindowLongPtrW(window, GWLP_USERDATA, openWindows + 1);  // the index, kept non-zero
+        ShowWindow(window, SW_SHOWNOACTIVATE);
+    }
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
+    return 0;
+}
