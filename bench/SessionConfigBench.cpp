@@ -131,10 +131,17 @@ size_t ReadUntyped(VProfileStoreFactory& factory, size_t sessions, const StoredV
         for (const auto& [name, kind] : values) {
             uint32_t size = sizeof buffer;
             switch (kind) {
-                case ProfileDword: read += key->GetDword(name, number); break;
-                case ProfileString: read += key->GetString(name, text); break;
-                case ProfileBinary: read += key->GetBinary(name, buffer, size); break;
-                default: read += key->GetMultiString(name, strings);
+                case ProfileDword:
+                    read += key->GetDword(name, number);
+                    break;
+                case ProfileString:
+                    read += key->GetString(name, text);
+                    break;
+                case ProfileBinary:
+                    read += key->GetBinary(name, buffer, size);
+                    break;
+                default:
+                    read += key->GetMultiString(name, strings);
             }
         }
     }
@@ -170,13 +177,13 @@ void IniFiles(size_t sessions, int rounds, bool whole) {
     std::vector<char> buffer(1 << 20);
     std::vector<wchar_t> text(buffer.size());
     size_t marked = 0;
-    const std::vector<double> times = BestTimes(
-        {[&] {
-             for (const std::wstring& file : files) ReadFloor(file, buffer, text);
-         },
-         [&] { marked = LoadAll(factory, sessions); }, [&] { BuildAll(sessions); },
-         [&] { ReadUntyped(factory, sessions, stored); }},
-        rounds);
+    const std::vector<double> times =
+        BestTimes({[&] {
+                       for (const std::wstring& file : files) ReadFloor(file, buffer, text);
+                   },
+                   [&] { marked = LoadAll(factory, sessions); }, [&] { BuildAll(sessions); },
+                   [&] { ReadUntyped(factory, sessions, stored); }},
+                  rounds);
     Report("INI files", sessions, stored.size() * sessions, bytes, times, marked);
     DeleteTree(VUnicodeString(folder.c_str()));
 }
@@ -208,23 +215,23 @@ void Registry(size_t sessions, int rounds, bool whole) {
     }
     const StoredValues stored = ListValues(factory, SessionPath(0));
     size_t marked = 0;
-    const std::vector<double> times = BestTimes(
-        {[&] {
-             BYTE data[4096];
-             for (const auto& [path, names] : keys) {
-                 HKEY key = nullptr;
-                 RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key);
-                 for (const std::wstring& name : names) {
-                     DWORD size = sizeof data;
-                     DWORD type = REG_NONE;
-                     RegQueryValueExW(key, name.c_str(), nullptr, &type, data, &size);
-                 }
-                 RegCloseKey(key);
-             }
-         },
-         [&] { marked = LoadAll(factory, sessions); }, [&] { BuildAll(sessions); },
-         [&] { ReadUntyped(factory, sessions, stored); }},
-        rounds);
+    const std::vector<double> times =
+        BestTimes({[&] {
+                       BYTE data[4096];
+                       for (const auto& [path, names] : keys) {
+                           HKEY key = nullptr;
+                           RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key);
+                           for (const std::wstring& name : names) {
+                               DWORD size = sizeof data;
+                               DWORD type = REG_NONE;
+                               RegQueryValueExW(key, name.c_str(), nullptr, &type, data, &size);
+                           }
+                           RegCloseKey(key);
+                       }
+                   },
+                   [&] { marked = LoadAll(factory, sessions); }, [&] { BuildAll(sessions); },
+                   [&] { ReadUntyped(factory, sessions, stored); }},
+                  rounds);
     Report("registry", sessions, values, bytes, times, marked);
     RegDeleteTreeW(HKEY_CURRENT_USER, root.c_str());
     RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\TraywellBench");

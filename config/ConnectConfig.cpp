@@ -2,7 +2,8 @@
 
 VUnicodeString QuoteArgument(const VUnicodeString& argument) {
     if (!argument.IsEmpty() && argument.Find(L" ") == VUnicodeString::npos &&
-        argument.Find(L"\t") == VUnicodeString::npos && argument.Find(L"\"") == VUnicodeString::npos)
+        argument.Find(L"\t") == VUnicodeString::npos &&
+        argument.Find(L"\"") == VUnicodeString::npos)
         return argument;
     VUnicodeString quoted(L"\"");
     size_t backslashes = 0;

@@ -27,8 +27,8 @@ constexpr uint32_t FileTransferFtp = 9;
 }  // namespace ConnectProtocolKind
 
 struct ConnectProtocolTableElement {
-    VUnicodeString name;  // as sessions name it
-    uint32_t kind;        // ConnectProtocolKind
+    VUnicodeString name;    // as sessions name it
+    uint32_t kind;          // ConnectProtocolKind
     VUnicodeString module;  // the module that carries the protocol; empty when built in
     // The protocol a session of its kind's mode takes when it names none, or
     // one that is unknown or does not suit it. One per mode.

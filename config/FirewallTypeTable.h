@@ -15,8 +15,8 @@ struct FirewallTypeRow {
     uint32_t displayTextId;     // followed by 32 bits of padding
     const wchar_t* name;        // null in the row that ends the table
 };
-static_assert(sizeof(void*) != 8 || (offsetof(FirewallTypeRow, name) == 16 &&
-                                     sizeof(FirewallTypeRow) == 24),
+static_assert(sizeof(void*) != 8 ||
+                  (offsetof(FirewallTypeRow, name) == 16 && sizeof(FirewallTypeRow) == 24),
               "the row layout is shared with the other programs of the family");
 
 // The rows, in order, ended by a row whose name is null.

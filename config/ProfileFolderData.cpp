@@ -23,7 +23,8 @@ std::vector<Child> ListChildren(VProfileKey& folderKey) {
         if (name == ProfileFolderData::ValueName) continue;
         VProfileKey child(folderKey, name, false);
         uint32_t isSession = 0;
-        const bool marked = child.GetDword(SessionConfig::IsSessionName, isSession) && isSession != 0;
+        const bool marked =
+            child.GetDword(SessionConfig::IsSessionName, isSession) && isSession != 0;
         children.push_back({name, marked});
     }
     std::sort(children.begin(), children.end(),

@@ -39,4 +39,3 @@ public:
     bool SetVariant(const VARIANT& variant, VReportMessageParams& report) override;
     bool IsModified() const override;  // some member is modified
 };
-

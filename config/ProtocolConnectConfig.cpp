@@ -30,7 +30,8 @@ void ProtocolConnectConfig::Load(ProfileLoadKey& from) {
 }
 
 VUnicodeString ProtocolConnectConfig::GetFirewallName(const RemoteHostConfig& host) const {
-    return definition_->usesHost ? host.GetFirewallName() : VUnicodeString(NoneConfig::ProtocolName);
+    return definition_->usesHost ? host.GetFirewallName()
+                                 : VUnicodeString(NoneConfig::ProtocolName);
 }
 
 VUnicodeString ProtocolConnectConfig::GetArguments(const RemoteHostConfig& host) const {
@@ -46,8 +47,9 @@ VUnicodeString ProtocolConnectConfig::GetArguments(const RemoteHostConfig& host)
     if (definition_->usesHost) add(definition_->userOption, host.GetUsername(true));
     for (size_t i = 0; i < definition_->valueCount; ++i) {
         const ConnectPartValue& row = definition_->values[i];
-        add(row.option,
-            row.isNumber ? VUnicodeString(std::to_wstring(numbers_[slots_[i]].Get()).c_str()) : texts_[slots_[i]].Get());
+        add(row.option, row.isNumber
+                            ? VUnicodeString(std::to_wstring(numbers_[slots_[i]].Get()).c_str())
+                            : texts_[slots_[i]].Get());
     }
     if (definition_->usesHost && !host.GetHostname().IsEmpty()) {
         arguments += L" ";

@@ -74,7 +74,8 @@ void SessionConfig::Load(VProfileKey* key) {
     // leave alone tells which: the key holds it only when it was saved whole.
     // (A wrong guess costs time, never a value.)
     uint32_t ignored = 0;
-    const bool savedWhole = key && key->GetDword(Terminal.DumbTerminalIgnoresCrlf.GetName(), ignored);
+    const bool savedWhole =
+        key && key->GetDword(Terminal.DumbTerminalIgnoresCrlf.GetName(), ignored);
     ProfileLoadKey from(key, !savedWhole);
     // Asked of the key itself: the file back end answers it from the file's
     // existence, not from a value.
@@ -173,9 +174,10 @@ bool SessionConfig::GetMonitorListenAddress(VRefPtr<IInternetAddress>& address,
 }
 
 bool SessionConfig::Equals(const SessionConfig& other) const {
-    bool same = IsSession.Get() == other.IsSession.Get() && Terminal.Equals(other.Terminal)
-        SESSION_OPTIONS(PROFILE_TABLE_SAME) && GetRemoteHostConfig().Equals(other.GetRemoteHostConfig()) &&
-        parts_.size() == other.parts_.size() && currentProtocol_ == other.currentProtocol_;
+    bool same = IsSession.Get() == other.IsSession.Get() &&
+                Terminal.Equals(other.Terminal) SESSION_OPTIONS(PROFILE_TABLE_SAME) &&
+                GetRemoteHostConfig().Equals(other.GetRemoteHostConfig()) &&
+                parts_.size() == other.parts_.size() && currentProtocol_ == other.currentProtocol_;
     for (size_t i = 0; same && i < parts_.size(); ++i) same = parts_[i]->Equals(*other.parts_[i]);
     return same;
 }

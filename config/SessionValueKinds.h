@@ -15,22 +15,22 @@
 
 // The storage kinds that the session's and the terminal block's rows name.
 namespace SessionKind {
-using Flag = VProfile<bool>;               // 32-bit number, 0 or not
-using Number = GlobalKind::Number;         // 32-bit number
+using Flag = VProfile<bool>;                // 32-bit number, 0 or not
+using Number = GlobalKind::Number;          // 32-bit number
 using Signed = GlobalKind::Signed;          // 32-bit number, signed
-using Color = GlobalKind::Color;           // COLORREF as a 32-bit number
-using TriState = VProfile<VTriState>;      // 32-bit number: 0 no, 1 yes, 2 automatic
-using Text = GlobalKind::Text;             // string
-using Encoded = VProfileEncodedString;     // string, line breaks escaped
-using MultiLine = VProfileMultiLineString; // multi-string, one line each
-using TextList = GlobalKind::TextList;     // multi-string
-using Secret = SessionSecret;              // string, "CAPI:" or "02:" form
-using Placement = GlobalKind::Placement;   // binary WINDOWPLACEMENT
-using Font = GlobalKind::Font;             // binary LOGFONTW
-using ColorSet = GlobalKind::ColorSet;     // binary COLORREF[16]
-using Pane = GlobalKind::Pane;             // string "shown,position,size"
-using ListView = GlobalKind::ListView;     // string "sort,up;widths;order"
-using Block = GlobalKind::Block;           // binary, opaque
+using Color = GlobalKind::Color;            // COLORREF as a 32-bit number
+using TriState = VProfile<VTriState>;       // 32-bit number: 0 no, 1 yes, 2 automatic
+using Text = GlobalKind::Text;              // string
+using Encoded = VProfileEncodedString;      // string, line breaks escaped
+using MultiLine = VProfileMultiLineString;  // multi-string, one line each
+using TextList = GlobalKind::TextList;      // multi-string
+using Secret = SessionSecret;               // string, "CAPI:" or "02:" form
+using Placement = GlobalKind::Placement;    // binary WINDOWPLACEMENT
+using Font = GlobalKind::Font;              // binary LOGFONTW
+using ColorSet = GlobalKind::ColorSet;      // binary COLORREF[16]
+using Pane = GlobalKind::Pane;              // string "shown,position,size"
+using ListView = GlobalKind::ListView;      // string "sort,up;widths;order"
+using Block = GlobalKind::Block;            // binary, opaque
 }  // namespace SessionKind
 
 // Loading one member of a table: under its name, else a former name, else

@@ -40,10 +40,9 @@ bool TerminalConfig::Equals(const TerminalConfig& other) const {
 
 const VArray<VUnicodeString>& TerminalConfig::GetEmulationNames() {
     static const VArray<VUnicodeString> names = {
-        L"VT100",      L"VT102",      L"VT220",      L"VT320",      L"ANSI",
-        L"SCO-ANSI",   L"Xterm",      L"Linux",      L"WYSE50",     L"WYSE60",
-        L"TN3270",     L"IBM-3278-2", L"IBM-3278-3", L"IBM-3278-4", L"IBM-3278-5",
-        L"Hostwright", L"Dumb",       L"Custom"};
+        L"VT100",      L"VT102",      L"VT220",      L"VT320",      L"ANSI",   L"SCO-ANSI",
+        L"Xterm",      L"Linux",      L"WYSE50",     L"WYSE60",     L"TN3270", L"IBM-3278-2",
+        L"IBM-3278-3", L"IBM-3278-4", L"IBM-3278-5", L"Hostwright", L"Dumb",   L"Custom"};
     return names;
 }
 

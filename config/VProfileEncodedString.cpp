@@ -29,7 +29,7 @@ VUnicodeString VProfileEncodedSz::Encode(const VUnicodeString& text) {
     VUnicodeString stored(text.GetSensitiveState());
     wchar_t* out = stored.GetBuffer(2 * text.GetLength());
     size_t length = 0;
-    for (const wchar_t *in = text.c_str(), *end = in + text.GetLength(); in < end; ++in) {
+    for (const wchar_t* in = text.c_str(), *end = in + text.GetLength(); in < end; ++in) {
         if (const EscapePair* escape = EscapeOfCharacter(*in)) {
             out[length++] = L'\\';
             out[length++] = escape->letter;

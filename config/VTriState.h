@@ -19,7 +19,7 @@ template <>
 struct VProfileValueTraits<VTriState> : VProfileScalarTraits<VTriState, VT_UI4, VT_UI4> {
     static bool FromStored(const Stored& in, VTriState& value) {
         value = in <= static_cast<Stored>(VTriState::Automatic) ? static_cast<VTriState>(in)
-                                                                 : VTriState::Automatic;
+                                                                : VTriState::Automatic;
         return true;
     }
     static void Put(VARIANT& variant, VTriState value) {

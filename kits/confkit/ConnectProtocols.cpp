@@ -12,7 +12,7 @@ using namespace ConnectProtocolKind;
 constexpr wchar_t UserOption[] = L"/L";
 
 // The parts of the network protocols: their port, and the remote host.
-#define NETWORK_PROTOCOL(id, protocol, port, userOption)                                   \
+#define NETWORK_PROTOCOL(id, protocol, port, userOption)                                    \
     constexpr ConnectPartValue id##Values[] = {PartNumber(protocol L" Port", L"/P", port)}; \
     constexpr ConnectPartDefinition id##Part = {protocol, true, userOption, id##Values, 1};
 
@@ -30,9 +30,9 @@ NETWORK_PROTOCOL(FtpTlsExplicit, L"FTP/TLS (explicit)", 21, UserOption)
 #undef NETWORK_PROTOCOL
 
 constexpr ConnectPartValue SerialValues[] = {
-    PartText(L"Com Port", L"/COM", L"COM1"),      PartNumber(L"Baud Rate", L"/BAUD", 9600),
-    PartNumber(L"Data Bits", L"/DATA", 8),        PartNumber(L"Parity", L"/PARITY", 0),
-    PartNumber(L"Stop Bits", L"/STOP", 0),        PartNumber(L"Flow Control", L"/FLOW", 0),
+    PartText(L"Com Port", L"/COM", L"COM1"), PartNumber(L"Baud Rate", L"/BAUD", 9600),
+    PartNumber(L"Data Bits", L"/DATA", 8),   PartNumber(L"Parity", L"/PARITY", 0),
+    PartNumber(L"Stop Bits", L"/STOP", 0),   PartNumber(L"Flow Control", L"/FLOW", 0),
 };
 constexpr ConnectPartDefinition SerialPart = {L"Serial", false, nullptr, SerialValues,
                                               std::size(SerialValues)};

@@ -7,8 +7,8 @@ ISessionDatabase* GetSessionDatabase() {
         const FARPROC entry = GetProcAddress(GetModuleHandleW(nullptr), "GetSessionDatabaseImpl");
         // Through a pointer to a function of no parameters, the one cast
         // between function types that the compiler takes as deliberate.
-        const auto function = reinterpret_cast<GetSessionDatabaseImplFunction>(
-            reinterpret_cast<void (*)()>(entry));
+        const auto function =
+            reinterpret_cast<GetSessionDatabaseImplFunction>(reinterpret_cast<void (*)()>(entry));
         return function ? function() : nullptr;
     }();
     return database;

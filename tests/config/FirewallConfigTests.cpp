@@ -90,7 +90,7 @@ TEST(FirewallPrompts, OnlyATypeThatNeedsCredentialsAndHasNoneAsks) {
         bool confirm, save, saves;
         std::vector<const char*> asked;  // over two calls of GetUsername
         bool handed;
-        const wchar_t* user;        // handed over both times
+        const wchar_t* user;  // handed over both times
         const wchar_t* storedAfter;
     } cases[] = {
         {L"SOCKSv5", L"", true, true, true, {}, true, L"", L""},

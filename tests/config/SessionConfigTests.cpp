@@ -147,11 +147,16 @@ TEST_P(SessionConfigStore, OlderGenerationsOfASecretLoadIntoItAndAreBlankedAtThe
         const wchar_t* plain;
     } cases[] = {
         {&SessionConfig::LoginScript,
-         {{L"Login Script V2", VBlowfishString::Encode(L"from v2")}, {L"Login Script", L"from plain"}},
+         {{L"Login Script V2", VBlowfishString::Encode(L"from v2")},
+          {L"Login Script", L"from plain"}},
          L"from v2"},
-        {&SessionConfig::LoginScript, {{L"Login Script", L"line one\\r\\nline two"}}, L"line one\r\nline two"},
+        {&SessionConfig::LoginScript,
+         {{L"Login Script", L"line one\\r\\nline two"}},
+         L"line one\r\nline two"},
         {&SessionConfig::MonitorPassword, {{L"Monitor Password", capi}}, L"monitor"},
-        {&SessionConfig::ScpShellPassword, {{L"SCP Shell Password", VBlowfishString::Encode(L"scp")}}, L"scp"},
+        {&SessionConfig::ScpShellPassword,
+         {{L"SCP Shell Password", VBlowfishString::Encode(L"scp")}},
+         L"scp"},
         {&SessionConfig::PgpUploadCommand, {{L"PGP Upload Command", L"gpg -e"}}, L"gpg -e"},
         {&SessionConfig::PgpDownloadCommand, {{L"PGP Download Command", L"gpg -d"}}, L"gpg -d"},
     };
@@ -182,7 +187,8 @@ TEST_P(SessionConfigStore, OlderNamesOfTheHostAndTheTerminalMove) {
     SessionConfig session(&Key(WebPath), L"Linux\\web");
     EXPECT_FALSE(session.Terminal.Enable80132ColumnSwitching.Get());
     EXPECT_EQ(session.GetRemoteHostConfig().GetFirewallName(), L"DefaultTerminalFirewall");
-    EXPECT_EQ(session.GetRemoteHostConfig().GetPreConnectCommand(), L"net use x: \\\\server\\share");
+    EXPECT_EQ(session.GetRemoteHostConfig().GetPreConnectCommand(),
+              L"net use x: \\\\server\\share");
     EXPECT_EQ(StoredText(WebPath, L"Local Shell Command Pre-connect V2"),
               L"net use x: \\\\server\\share")
         << "moved by the load itself";
@@ -214,7 +220,8 @@ TEST_P(SessionConfigStore, AProtocolNameUnknownForTheModeIsTracedAndTheDefaultTa
     };
     for (const auto& c : cases) {
         Key(WebPath).SetString(
-            c.mode == SessionMode::Terminal ? L"Protocol Name" : L"Transfer Protocol Name", c.stored);
+            c.mode == SessionMode::Terminal ? L"Protocol Name" : L"Transfer Protocol Name",
+            c.stored);
         TraceCapture trace;
         const SessionConfig session = Loaded(WebPath, c.mode);
         EXPECT_EQ(session.GetProtocolName(), c.protocol) << c.stored;
@@ -262,6 +269,12 @@ TEST(SessionConfigIdentity, OnlyTheTopLevelDefaultSpelledExactlyIsTheDefaultSess
     for (const wchar_t* path : {L"default", L"DEFAULT", L"Linux\\Default", L"Defaults"})
         EXPECT_FALSE(SessionConfig(nullptr, path).IsDefaultSession()) << VString(path).c_str();
     EXPECT_EQ(SessionConfig(nullptr, L"Linux\\Old\\legacy").GetSessionName(), L"legacy");
+    TerminalConfig block;
+    for (const auto& [stored, known] : {std::pair{L"scoansi", L"SCO-ANSI"}, {L"vt220", L"VT220"},
+                                        {L"Teletype", L"Xterm"}}) {
+        block.Emulation.Set(stored);
+        EXPECT_EQ(block.GetEmulationName(), known);
+    }
 }
 
 TEST(RemoteHostConnect, APreConnectCommandRunsInACommandSocketAroundTheConnection) {
@@ -294,7 +307,8 @@ struct ReleasedBlocks {
 };
 
 TEST(SessionConfigClone, AClonesSecretsShareSensitiveBlocksAndReleasingBothWipesThem) {
-    auto* session = new SessionConfig(nullptr, L"web", SessionMode::Terminal, &GetConnectProtocolTable());
+    auto* session =
+        new SessionConfig(nullptr, L"web", SessionMode::Terminal, &GetConnectProtocolTable());
     VReportMessageParams report;
     ASSERT_TRUE(session->LoginScript.SetPlainText(L"login:\r\nalice", report));
     ASSERT_TRUE(session->MonitorPassword.SetPlainText(L"monitor", report));
@@ -315,9 +329,9 @@ TEST(SessionConfigClone, AClonesSecretsShareSensitiveBlocksAndReleasingBothWipes
     EXPECT_NE(&clone->GetRemoteHostConfig(), &session->GetRemoteHostConfig());
 
     ReleasedBlocks::wiped.clear();
-    const Str::BlockAllocator previous =
-        Str::ReplaceBlockAllocator({[](size_t bytes) { return HeapAlloc(GetProcessHeap(), 0, bytes); },
-                                    ReleasedBlocks::Release});
+    const Str::BlockAllocator previous = Str::ReplaceBlockAllocator(
+        {[](size_t bytes) { return HeapAlloc(GetProcessHeap(), 0, bytes); },
+         ReleasedBlocks::Release});
     session->Release();
     const size_t releasedWithOne = ReleasedBlocks::wiped.count(blocks[0]);
     clone->Release();

@@ -14,11 +14,12 @@ protected:
     // the folders Windows (empty) and Linux\Old.
     void SetUp() override {
         SessionStore::SetUp();
-        for (const wchar_t* path : {L"Linux\\web", L"Linux\\db", L"Linux\\Old\\legacy", L"router",
-                                    L"Default"}) {
+        for (const wchar_t* path :
+             {L"Linux\\web", L"Linux\\db", L"Linux\\Old\\legacy", L"router", L"Default"}) {
             SessionConfig session(nullptr, path);
             session.GetRemoteHostConfig().SetHostname(path);
-            ASSERT_TRUE(session.Save(*SessionConfig::OpenKey(Open()->GetRootKey(), path, true), false));
+            ASSERT_TRUE(
+                session.Save(*SessionConfig::OpenKey(Open()->GetRootKey(), path, true), false));
         }
         Key(L"Sessions\\Windows");
         WriteFolder(L"Sessions", false, {L"Windows", L"Linux"}, {L"router", L"Default"});

@@ -37,9 +37,8 @@ public:
 std::string Utf8(const VUnicodeString& text) {
     const int length = static_cast<int>(text.GetLength());
     std::string bytes(static_cast<size_t>(length) * 3, '\0');
-    bytes.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.c_str(), length,
-                                                         bytes.data(), length * 3, nullptr,
-                                                         nullptr)));
+    bytes.resize(static_cast<size_t>(WideCharToMultiByte(
+        CP_UTF8, 0, text.c_str(), length, bytes.data(), length * 3, nullptr, nullptr)));
     return bytes;
 }
 

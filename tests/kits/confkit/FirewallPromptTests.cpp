@@ -59,8 +59,8 @@ std::string RunHost(const VUnicodeString& folder, const Prompt& prompt) {
     GetModuleFileNameW(nullptr, path, MAX_PATH);
     std::wstring host(path);
     host = host.substr(0, host.rfind(L'\\')) + L"\\firewall_prompt_host.exe";
-    std::wstring line = L"\"" + host + L"\" \"" + folder.c_str() + L"\" corp " +
-                        prompt.credential + L" \"" + Passphrase + L"\"";
+    std::wstring line = L"\"" + host + L"\" \"" + folder.c_str() + L"\" corp " + prompt.credential +
+                        L" \"" + Passphrase + L"\"";
     SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
     HANDLE readEnd = nullptr, writeEnd = nullptr;
     EXPECT_TRUE(CreatePipe(&readEnd, &writeEnd, &inherit, 0));
@@ -107,10 +107,12 @@ TEST(FirewallPromptWindows, WhatIsTypedIsHandedBackAndSavedOnlyWhenAskedTo) {
     } cases[] = {
         {{L"user", L"carol", true, IDOK}, "confirmed=1\ntext=carol\nsensitive=1\nreport=0\n", true},
         {{L"password", L"s3cret pass", true, IDOK},
-         "confirmed=1\ntext=s3cret pass\nsensitive=1\nreport=0\n", true},
+         "confirmed=1\ntext=s3cret pass\nsensitive=1\nreport=0\n",
+         true},
         {{L"user", L"dave", false, IDOK}, "confirmed=1\ntext=dave\nsensitive=1\nreport=0\n", false},
         {{L"password", L"never", true, IDCANCEL},
-         "confirmed=0\ntext=(none)\nsensitive=1\nreport=0\n", false},
+         "confirmed=0\ntext=(none)\nsensitive=1\nreport=0\n",
+         false},
     };
     for (const auto& c : cases) {
         TempFolder folder;
@@ -124,10 +126,12 @@ TEST(FirewallPromptWindows, WhatIsTypedIsHandedBackAndSavedOnlyWhenAskedTo) {
         for (size_t at; (at = output.find('\r')) != std::string::npos;) output.erase(at, 1);
         EXPECT_EQ(output, c.handed);
 
-        auto provider = VRefPtr<IPassphraseProvider>::Adopt(new VFixedPassphraseProvider(Passphrase));
+        auto provider =
+            VRefPtr<IPassphraseProvider>::Adopt(new VFixedPassphraseProvider(Passphrase));
         VProfileStore store(&factory, true);
         const FirewallConfig stored(
-            L"corp", FirewallConfig::OpenKey(store.GetRootKey(), L"corp", false).get(), provider.Get());
+            L"corp", FirewallConfig::OpenKey(store.GetRootKey(), L"corp", false).get(),
+            provider.Get());
         const bool password = std::wstring(c.prompt.credential) == L"password";
         VUnicodeString value;
         VReportMessageParams report;
