@@ -1,3 +1,8 @@
+// profile/ holds the store's contract: this public layer, the private layer
+// that every back end implements (VProfilePrivate.h) and the error records
+// (ProfileErrors.h). The back ends live in ini/ and registry/, shared memory
+// in sharedmem/, and the files under the stores in files/.
+//
 // The public layer of the profile store: small concrete classes that each own
 // one object of the private layer (VProfilePrivate.h) and forward to it, so
 // that callers never know which back end keeps their settings.

@@ -1,3 +1,6 @@
+// profile/values owns the typed values that configuration objects are lists
+// of, the protected ones included (over the forms of crypto/).
+//
 // The base of every typed profile value: the value name it lives under in a
 // profile key, the flag that forces its next save, and the operations that
 // every kind implements. A configuration object is a list of these.

@@ -1,3 +1,8 @@
+// crypto/ owns the ciphers and hashers (over Crypto++), the random source and
+// the protected forms of a text built on them: this one, "CAPI:"
+// (CapiForm.h) and the older fixed-key form (VBlowfishString.h). The
+// protected values of profile/values use them.
+//
 // The "02:" form of a protected text, readable wherever the configuration
 // pass phrase is known. The record
 //

@@ -1,3 +1,7 @@
+// files/ owns what the stores keep their data with: files and their locks,
+// text files, whole-file replacement, folders, security descriptors and the
+// buffers wiped before they are freed.
+//
 // VFile: a file handle with the open options and the byte-range locks that the
 // profile file store relies on. Byte-range locks are the only coordination of
 // profile files between processes.

@@ -1,3 +1,6 @@
+// ini/ owns the INI-file back end: the values file format, its keys with
+// their value tables and private files, and this store with its factory.
+//
 // VIniFileStore: the file-tree back end of the profile store. Its root key is
 // the configuration folder, with the personal data folder as private root.
 #pragma once

@@ -1,5 +1,5 @@
 // How the crypto utilities turn a Crypto++ exception into a report, in one
-// place. Private to profile/values.
+// place. Private to crypto/.
 #pragma once
 
 #include <cryptopp/cryptlib.h>

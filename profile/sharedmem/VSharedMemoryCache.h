@@ -1,3 +1,6 @@
+// sharedmem/ owns the cross-process lock, the mapped buffer and this cache
+// built on them.
+//
 // VSharedMemoryCache: a block of shared memory private to the user (its name
 // and its lock's name carry the user's SID, its access list admits only the
 // user), with a count of the cache objects in all processes that hold it.

@@ -1,3 +1,6 @@
+// registry/ owns the registry back end and the family's fixed places in the
+// registry (RegistrySettings.h).
+//
 // VRegistryStore: the registry back end's store, rooted at a hive and a path.
 #pragma once
 
