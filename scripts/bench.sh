@@ -4,6 +4,8 @@
 #   scripts/bench.sh [sessions]                (the INI-file store; default 5000 session keys)
 #   scripts/bench.sh registry-store            (the registry store)
 #   scripts/bench.sh global-config [rounds]    (the global options; default 30 rounds)
+#   scripts/bench.sh session-config [count] [rounds] [changed|whole]
+#                                              (sessions; default 5000, 3 rounds, changed)
 #   scripts/bench.sh tray-menu [windows]       (the tray menu; default 20 client windows)
 #   scripts/bench.sh agent [signatures]        (the SSH agent; default 200 signatures a round)
 #
@@ -24,6 +26,11 @@
 # and from the registry, each against reading (writing) the same bytes or the
 # same registry values with no parsing. Takes a few seconds.
 #
+# The sessions': loading 5000 sessions as SessionConfig objects from a tree of
+# INI files and from the registry, against reading the same bytes or the same
+# registry values. Takes about 2 minutes ("changed") or 5 ("whole"), most of
+# it spent making the sessions.
+#
 # The tray menu's: building it with client windows of 3 sessions each (helper
 # processes) against the session queries' round trips alone. A few seconds.
 #
@@ -41,6 +48,7 @@ target=bench_ini_store
 case ${1:-} in
     registry-store) target=bench_registry_store; shift ;;
     global-config) target=global_config_bench; shift ;;
+    session-config) target=session_config_bench; shift ;;
     tray-menu) target=bench_tray_menu; shift ;;
     agent) target=agent_sign_bench; shift ;;
 esac
