@@ -21,18 +21,12 @@ constexpr uint64_t Day = Minute * 60 * 24;
 uint64_t Count(const FILETIME& time) {
     return (uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
 }
-FILETIME Time(uint64_t count) {
-    return {static_cast<DWORD>(count), static_cast<DWORD>(count >> 32)};
-}
+FILETIME Time(uint64_t count) { return {static_cast<DWORD>(count), static_cast<DWORD>(count >> 32)}; }
 
 // UTC midnight (or the hour given); month 13 is January of the next year.
 uint64_t Utc(WORD year, WORD month, WORD day, WORD hour = 0, WORD minute = 0) {
-    SYSTEMTIME time{};
-    time.wYear = static_cast<WORD>(year + month / 13);
-    time.wMonth = static_cast<WORD>((month - 1) % 12 + 1);
-    time.wDay = day;
-    time.wHour = hour;
-    time.wMinute = minute;
+    const SYSTEMTIME time{static_cast<WORD>(year + month / 13), static_cast<WORD>((month - 1) % 12 + 1),
+                          0, day, hour, minute, 0, 0};
     FILETIME fileTime{};
     EXPECT_TRUE(SystemTimeToFileTime(&time, &fileTime));
     return Count(fileTime);
@@ -76,14 +70,11 @@ TEST(TimeZones, RulesGiveTheDaylightStateOffsetAndConversions) {
         EXPECT_EQ(state * 10000 + offset, c.state * 10000 + c.offset) << c.what;
     }
     // Conversions beyond the file-time range fail and leave the result alone.
-    const VTimeZone west(Zone(300, 3, 2, 11, 1));
-    const VTimeZone east(southern);
+    const VTimeZone west(Zone(300, 3, 2, 11, 1)), east(southern);
     FILETIME result = Time(12345);
     EXPECT_FALSE(west.UtcToLocal(Time(1), result) || east.LocalToUtc(Time(1), result) ||
-                 east.UtcToLocal(Time(~0ull), result) ||
-                 west.LocalToUtc(Time(~0ull - Minute), result));
+                 east.UtcToLocal(Time(~0ull), result) || west.LocalToUtc(Time(~0ull - Minute), result));
     EXPECT_EQ(Count(result), 12345u);
-
     // Without a time, now: the machine's zone as the system reports it.
     TIME_ZONE_INFORMATION machine{};
     const bool daylight = GetTimeZoneInformation(&machine) == TIME_ZONE_ID_DAYLIGHT;
@@ -96,11 +87,9 @@ TEST(TimeZones, TheDatabaseFindsZonesByKeyName) {
     VTimeZone zone(Zone(1, 0, 0, 0, 0));
     VReportMessageParams report;
     ASSERT_TRUE(FindTimeZone(VUnicodeString(L"AUS Eastern Standard Time"), zone, report));
-    EXPECT_EQ(zone.GetInformation().Bias * 100 + zone.GetInformation().DaylightDate.wMonth,
-              -600 * 100 + 10);
+    EXPECT_TRUE(zone.GetInformation().Bias == -600 && zone.GetInformation().DaylightDate.wMonth == 10);
     EXPECT_STREQ(zone.GetInformation().StandardName, L"AUS Eastern Standard Time");
-    for (const wchar_t* unknown :
-         {L"Atlantis Standard Time", L"W. Europe Standard Time\\Dynamic DST"}) {
+    for (const wchar_t* unknown : {L"Atlantis Standard Time", L"W. Europe Standard Time\\Dynamic DST"}) {
         EXPECT_FALSE(FindTimeZone(VUnicodeString(unknown), zone, report));
         EXPECT_EQ(report.GetMessageCode(), CONFIG_TIME_ZONE_UNKNOWN);
         EXPECT_EQ(zone.GetInformation().Bias, -600);
@@ -121,22 +110,17 @@ bool Agree(const TIME_ZONE_INFORMATION& information, ITimeZone& zone, uint64_t u
     const bool converted = FileTimeToSystemTime(&utcTime, &utcDate) &&
                            SystemTimeToTzSpecificLocalTime(&information, &utcDate, &localDate) &&
                            SystemTimeToFileTime(&localDate, &expected) &&
-                           zone.UtcToLocal(utcTime, local) &&
-                           zone.GetDaylightState(&utcTime, state);
+                           zone.UtcToLocal(utcTime, local) && zone.GetDaylightState(&utcTime, state);
     system = Count(expected);
     ours = Count(local);
     if (!converted || ours != system) return false;
-    EXPECT_TRUE(zone.LocalToUtc(local, back) && zone.UtcToLocal(back, again) &&
-                Count(again) == ours);
-    const int shown =
-        system - utc == 0 - uint64_t(information.Bias + information.DaylightBias) * Minute;
-    return information.DaylightBias == information.StandardBias ||
-           state == (state == -1 ? -1 : shown);
+    EXPECT_TRUE(zone.LocalToUtc(local, back) && zone.UtcToLocal(back, again) && Count(again) == ours);
+    const int shown = system - utc == 0 - uint64_t(information.Bias + information.DaylightBias) * Minute;
+    return information.DaylightBias == information.StandardBias || state == (state == -1 ? -1 : shown);
 }
 
 TEST(TimeZones, EveryDatabaseZoneAgreesWithTheSystemSaveOnTheLastDayOfAMonth) {
-    constexpr WORD firstYear = 1980;
-    constexpr WORD lastYear = 2039;
+    constexpr WORD firstYear = 1980, lastYear = 2039;
     VArray<VUnicodeString> names;
     VReportMessageParams report;
     ASSERT_TRUE(GetTimeZoneNames(names, report)) << report.GetText();
@@ -147,16 +131,6 @@ TEST(TimeZones, EveryDatabaseZoneAgreesWithTheSystemSaveOnTheLastDayOfAMonth) {
         ASSERT_TRUE(FindTimeZone(name, found, report)) << report.GetText();
         const TIME_ZONE_INFORMATION& information = found.GetInformation();
         const VRefPtr<ITimeZone> zone = VRefPtr<ITimeZone>::Adopt(new VTimeZoneI(found));
-        // Compares at utc, and gives the system's offset and ours.
-        const auto check = [&](uint64_t utc, const std::string& month) {
-            uint64_t system = 0, ours = 0;
-            ++instants;
-            if (!Agree(information, *zone, utc, system, ours)) {
-                ++disagreements;
-                disagreeingMonths.insert(month);
-            }
-            return std::make_pair(system - utc, ours - utc);
-        };
         const SYSTEMTIME rules[] = {information.DaylightDate, information.StandardDate};
         const bool daylightTime = rules[0].wMonth != 0 && rules[1].wMonth != 0;
         withDaylightTime += daylightTime;
@@ -164,26 +138,32 @@ TEST(TimeZones, EveryDatabaseZoneAgreesWithTheSystemSaveOnTheLastDayOfAMonth) {
             for (const SYSTEMTIME& rule : rules) {
                 const std::string month = std::string(VString(name).c_str()) + " " +
                                           std::to_string(year) + "-" + std::to_string(rule.wMonth);
+                // Compares at utc, and gives the system's offset and ours.
+                const auto check = [&](uint64_t utc) {
+                    uint64_t system = 0, ours = 0;
+                    ++instants;
+                    if (!Agree(information, *zone, utc, system, ours) && ++disagreements)
+                        disagreeingMonths.insert(month);
+                    return std::make_pair(system - utc, ours - utc);
+                };
                 if (!daylightTime) {
-                    check(Utc(year, 1 + 6 * (&rule - rules), 1), month);  // January and July
+                    check(Utc(year, 1 + 6 * (&rule - rules), 1));  // January and July
                     continue;
                 }
-                // Each day of the rule's month and two on either side; then
-                // every half hour of a day on which our offset or the
-                // system's changes.
+                // Each day of the rule's month and two on either side; then every half
+                // hour of a day on which our offset or the system's changes.
                 std::set<uint64_t> changedDays;
                 const uint64_t first = Utc(year, rule.wMonth, 1) - 2 * Day;
                 std::pair<uint64_t, uint64_t> previous{};
                 for (uint64_t utc = first; utc <= Utc(year, rule.wMonth + 1, 3); utc += Day) {
-                    const std::pair<uint64_t, uint64_t> offsets = check(utc, month);
+                    const std::pair<uint64_t, uint64_t> offsets = check(utc);
                     if (utc != first && offsets != previous) changedDays.insert(utc - Day);
                     previous = offsets;
                 }
                 for (uint64_t day : changedDays)
-                    for (uint64_t utc = day; utc <= day + Day; utc += 30 * Minute)
-                        check(utc, month);
-                // The system takes the month's last day when the rule's weekday falls there; we
-                // never do.
+                    for (uint64_t utc = day; utc <= day + Day; utc += 30 * Minute) check(utc);
+                // The system takes the month's last day when the rule's weekday falls
+                // there; we never do.
                 const FILETIME lastDay = Time(Utc(year, rule.wMonth + 1, 1) - Day);
                 SYSTEMTIME date;
                 if (rule.wYear == 0 && rule.wDay == 5 && FileTimeToSystemTime(&lastDay, &date) &&
@@ -192,12 +172,11 @@ TEST(TimeZones, EveryDatabaseZoneAgreesWithTheSystemSaveOnTheLastDayOfAMonth) {
             }
         }
     }
-    std::printf(
-        "%zu zones (%ld with daylight saving time), %u-%u: %ld instants compared; %ld disagree, in "
-        "%zu "
-        "months; %zu months have their transition on the last day, which is never examined\n",
-        names.GetCount(), withDaylightTime, firstYear, lastYear, instants, disagreements,
-        disagreeingMonths.size(), lastDayMonths.size());
+    std::printf("%zu zones (%ld with daylight saving time), %u-%u: %ld instants compared; %ld "
+                "disagree, in %zu months; %zu months have their transition on the last day, "
+                "which is never examined\n",
+                names.GetCount(), withDaylightTime, firstYear, lastYear, instants, disagreements,
+                disagreeingMonths.size(), lastDayMonths.size());
     EXPECT_GT(names.GetCount(), 50u);
     EXPECT_EQ(disagreeingMonths, lastDayMonths);
 }
