@@ -19,21 +19,23 @@ std::string NarrowForTrace(const VUnicodeString& name) {
     return narrow;
 }
 
-void TraceUnknownProtocol(const VUnicodeString& name) {
-    const std::string narrow = NarrowForTrace(name);
-    VString line;
-    // The formatter would turn a line feed in the pattern into CR LF.
-    if (!line.FormatPositional("Unknown protocol \"%1!hs!\" using default protocol.",
-                               narrow.c_str()))
-        return;
-    line += '\n';
-    OutputDebugStringA(line.c_str());
-}
-
 int DefaultIndex(const ConnectProtocolTable& table, SessionMode mode) {
     for (size_t i = 0; i < table.GetCount(); ++i)
         if (table[i].isDefault && IsProtocolKindAllowed(table[i].kind, mode))
             return static_cast<int>(i);
+    return -1;
+}
+
+// The row of name, compared without regard to case, when it is "None" or a
+// protocol of mode's kinds; -1 otherwise.
+int FindNamedIndex(const ConnectProtocolTable& table, SessionMode mode,
+                   const VUnicodeString& name) {
+    const bool none = name.EqualsNoCase(NoneConfig::ProtocolName);
+    for (size_t i = 0; i < table.GetCount(); ++i) {
+        const ConnectProtocolTableElement& element = table[i];
+        if (!element.name.EqualsNoCase(name)) continue;
+        if (none || IsProtocolKindAllowed(element.kind, mode)) return static_cast<int>(i);
+    }
     return -1;
 }
 
@@ -45,18 +47,26 @@ bool IsProtocolKindAllowed(uint32_t kind, SessionMode mode) {
     return kind == Network || kind == Device || kind == LocalShell;
 }
 
+bool IsKnownProtocolName(const ConnectProtocolTable& table, SessionMode mode,
+                         const VUnicodeString& name) {
+    return name.IsEmpty() || name.EqualsNoCase(NoneConfig::ProtocolName) ||
+           FindNamedIndex(table, mode, name) >= 0;
+}
+
 int FindProtocolIndex(const ConnectProtocolTable& table, SessionMode mode,
                       const VUnicodeString& name) {
-    if (name.IsEmpty()) return DefaultIndex(table, mode);
-    const bool none = name.EqualsNoCase(NoneConfig::ProtocolName);
-    for (size_t i = 0; i < table.GetCount(); ++i) {
-        const ConnectProtocolTableElement& element = table[i];
-        if (!element.name.EqualsNoCase(name)) continue;
-        if (none || IsProtocolKindAllowed(element.kind, mode)) return static_cast<int>(i);
-    }
-    if (none) return -1;
-    // The stored name stays as it is (a newer client may know it); this
-    // session only connects with the default.
-    TraceUnknownProtocol(name);
+    const int named = FindNamedIndex(table, mode, name);
+    if (named >= 0 || name.EqualsNoCase(NoneConfig::ProtocolName)) return named;
     return DefaultIndex(table, mode);
+}
+
+void TraceUnknownProtocol(const VUnicodeString& name) {
+    const std::string narrow = NarrowForTrace(name);
+    VString line;
+    // The formatter would turn a line feed in the pattern into CR LF.
+    if (!line.FormatPositional("Unknown protocol \"%1!hs!\" using default protocol.",
+                               narrow.c_str()))
+        return;
+    line += '\n';
+    OutputDebugStringA(line.c_str());
 }

@@ -44,11 +44,19 @@ using ConnectProtocolTable = VArray<ConnectProtocolTableElement>;
 // Whether sessions of mode may use protocols of kind.
 bool IsProtocolKindAllowed(uint32_t kind, SessionMode mode);
 
-// The index in table of the protocol name names for sessions of mode.
-// An empty name gives the default protocol of mode. A name that is neither
-// "None" nor a protocol of mode's kinds (compared without regard to case) is
-// reported by the trace line "Unknown protocol "<name>" using default
-// protocol." (OutputDebugStringA) and gives the default too. -1 when the
-// table has no such protocol (no default for mode, no "None" row).
+// Whether name is one that sessions of mode may hold: empty (the default),
+// "None", or the name of a protocol of mode's kinds, compared without regard
+// to case.
+bool IsKnownProtocolName(const ConnectProtocolTable& table, SessionMode mode,
+                         const VUnicodeString& name);
+
+// The index in table of the protocol name names for sessions of mode; the
+// default protocol of mode for an empty name and for one that is not known
+// (see IsKnownProtocolName). -1 when the table has no such protocol (no
+// default for mode, no "None" row).
 int FindProtocolIndex(const ConnectProtocolTable& table, SessionMode mode,
                       const VUnicodeString& name);
+
+// Writes the debug-output line "Unknown protocol "<name>" using default
+// protocol." (OutputDebugStringA, name in the ANSI code page).
+void TraceUnknownProtocol(const VUnicodeString& name);

@@ -88,8 +88,7 @@ void SessionConfig::Load(VProfileKey* key) {
     SESSION_OPTIONS(PROFILE_TABLE_LOAD)
     GetRemoteHostConfig().Load(from);
     for (VClonedRef<ConnectConfig>& part : parts_) part->Load(from);
-    currentProtocol_ =
-        protocols_ ? FindProtocolIndex(*protocols_, mode_, ModeProtocolName().Get()) : -1;
+    ResolveProtocol();
     stored_ = from.Get().IsOpen();
 }
 
@@ -127,7 +126,23 @@ VUnicodeString SessionConfig::GetProtocolName() const {
 
 void SessionConfig::SetProtocolName(const VUnicodeString& name) {
     ModeProtocolName().Set(name);
-    if (protocols_) currentProtocol_ = FindProtocolIndex(*protocols_, mode_, name);
+    ResolveProtocol();
+}
+
+void SessionConfig::ResolveProtocol() {
+    if (!protocols_) {
+        currentProtocol_ = -1;
+        return;
+    }
+    SessionKind::Text& name = ModeProtocolName();
+    if (!IsKnownProtocolName(*protocols_, mode_, name.Get())) {
+        // Emptied, so that the session is saved with the default it now uses.
+        TraceUnknownProtocol(name.Get());
+        VUnicodeString emptied = name.Get();
+        emptied.Empty();
+        name.Set(emptied);
+    }
+    currentProtocol_ = FindProtocolIndex(*protocols_, mode_, name.Get());
 }
 
 ConnectConfigPtr SessionConfig::GetCurrentConnectConfig() const {

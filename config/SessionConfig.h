@@ -79,8 +79,8 @@ public:
     SessionMode GetMode() const { return mode_; }
 
     // The protocol of the mode's name value when the protocol table has it
-    // for the mode, else the default (see FindProtocolIndex); without a table,
-    // the stored name as it stands.
+    // for the mode, else the default (an unknown name is emptied when it is
+    // read or set); without a table, the stored name as it stands.
     VUnicodeString GetProtocolName() const override;
     // Stores name as the mode's protocol name and makes its part current.
     void SetProtocolName(const VUnicodeString& name);
@@ -138,6 +138,9 @@ private:
 
     SessionKind::Text& ModeProtocolName();
     const SessionKind::Text& ModeProtocolName() const;
+    // Makes the mode's protocol current. A name the table does not know for
+    // the mode is traced and emptied, and the default taken.
+    void ResolveProtocol();
 
     VUnicodeString path_;
     SessionMode mode_;

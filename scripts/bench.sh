@@ -8,6 +8,7 @@
 #                                              (sessions; default 5000, 3 rounds, changed)
 #   scripts/bench.sh tray-menu [windows]       (the tray menu; default 20 client windows)
 #   scripts/bench.sh agent [signatures]        (the SSH agent; default 200 signatures a round)
+#   scripts/bench.sh text-file [lines]         (reading and writing text files; default 200,000 lines)
 #
 # Configures and builds the benchmark in ./build (or $TRAYWELL_BUILD_DIR),
 # runs it in that build tree's Wine prefix and prints its figures.
@@ -37,6 +38,10 @@
 # The SSH agent's: signatures per second through its pipe for each key type,
 # against the same signature in process, with the store's part, the agent's
 # round trip and the platform's bare pipe round trip. A few seconds.
+#
+# The text files': reading and writing lines in UTF-8 and UTF-16 against
+# ReadFile plus one conversion (WriteFile of large pieces), and the cost of a
+# shared lock per block. A few seconds.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -51,6 +56,7 @@ case ${1:-} in
     session-config) target=session_config_bench; shift ;;
     tray-menu) target=bench_tray_menu; shift ;;
     agent) target=agent_sign_bench; shift ;;
+    text-file) target=text_file_bench; shift ;;
 esac
 
 lock_build_tree

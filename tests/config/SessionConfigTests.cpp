@@ -203,7 +203,7 @@ TEST_P(SessionConfigStore, OlderNamesOfTheHostAndTheTerminalMove) {
         << "a name, once there, wins over the older switch";
 }
 
-TEST_P(SessionConfigStore, AProtocolNameUnknownForTheModeIsTracedAndTheDefaultTaken) {
+TEST_P(SessionConfigStore, AProtocolNameUnknownForTheModeIsTracedEmptiedAndTheDefaultTaken) {
     const struct {
         SessionMode mode;
         const wchar_t* stored;
@@ -230,6 +230,9 @@ TEST_P(SessionConfigStore, AProtocolNameUnknownForTheModeIsTracedAndTheDefaultTa
             "Unknown protocol \"" + std::string(VString(VUnicodeString(c.stored)).c_str()) +
             "\" using default protocol.\n"};
         EXPECT_EQ(trace.Lines(), c.traced ? expected : std::vector<std::string>()) << c.stored;
+        const auto& name =
+            c.mode == SessionMode::Terminal ? session.ProtocolName : session.TransferProtocolName;
+        EXPECT_EQ(name.Get(), c.traced ? L"" : c.stored) << "an unknown name is emptied";
     }
 }
 
