@@ -1,6 +1,6 @@
 // Firewall definitions: the older password moving to its newer name when a
-// definition is read (both back ends), and when the firewall asks its caller
-// for credentials, with what it keeps and saves.
+// definition is read (both back ends), and the credentials a firewall asks
+// its caller for, with what it keeps and saves.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -25,23 +25,20 @@ TEST_P(FirewallStore, AnOlderPasswordMovesToItsNewerNameWhenTheDefinitionIsRead)
         const wchar_t* plain;
         IPassphraseProvider* provider;
         const wchar_t* sealedAs;
-    } cases[] = {
-        {capi, L"from capi", phrase.Get(), L"02:"},
-        {VBlowfishString::Encode(L"older form"), L"older form", phrase.Get(), L"02:"},
-        {VBlowfishString::Encode(L"no phrase"), L"no phrase", nullptr, L"CAPI:"},
-    };
-    int index = 0;
+    } cases[] = {{capi, L"from capi", phrase.Get(), L"02:"},
+                 {VBlowfishString::Encode(L"older form"), L"older form", phrase.Get(), L"02:"},
+                 {VBlowfishString::Encode(L"no phrase"), L"no phrase", nullptr, L"CAPI:"}};
     for (const auto& c : cases) {
-        const std::wstring path = L"Firewalls\\f" + std::to_wstring(index++);
+        const std::wstring path = L"Firewalls\\f" + std::to_wstring(&c - cases);
         Key(path.c_str()).SetString(L"Firewall Password", c.older);
         const FirewallConfig firewall(L"corp", &Key(path.c_str()), c.provider);
         EXPECT_EQ(StoredText(path.c_str(), L"Firewall Password"), L"") << "blanked by the read";
         const FirewallConfig again(L"corp", &Key(path.c_str(), true), c.provider);
-        EXPECT_TRUE(again.FirewallPassword.Get().StartsWith(c.sealedAs));
         VUnicodeString plain;
         ASSERT_TRUE(again.FirewallPassword.GetPlainText(plain, report));
-        EXPECT_EQ(plain, c.plain);
-        EXPECT_TRUE(again.Equals(firewall));
+        EXPECT_TRUE(again.FirewallPassword.Get().StartsWith(c.sealedAs) && plain == c.plain &&
+                    again.Equals(firewall))
+            << VString(plain).c_str();
     }
 }
 
@@ -51,11 +48,8 @@ INSTANTIATE_TEST_SUITE_P(BackEnds, FirewallStore,
 // Answers every prompt as told and records what it was asked.
 class ScriptedUI final : public VUnknown<IFirewallUI> {
 public:
-    bool confirm = true;
-    bool save = false;
-    bool saves = true;
+    bool confirm = true, save = false, saves = true;
     std::vector<const char*> asked;
-    VUnicodeString savedUser;
     VUnicodeString savedPassword;
 
     bool PromptUsername(IString& text, bool& keep, IParentable*) override {
@@ -66,7 +60,6 @@ public:
     }
     bool SaveFirewall(FirewallConfig& firewall, VReportMessageParams& report) override {
         asked.push_back("save");
-        savedUser = firewall.FirewallUser.Get();
         if (!firewall.FirewallPassword.Get().IsEmpty())
             firewall.FirewallPassword.GetPlainText(savedPassword, report);
         if (!saves) report.Set(ERROR_ACCESS_DENIED);
@@ -76,10 +69,9 @@ public:
 private:
     bool Answer(const char* what, const wchar_t* typed, IString& text, bool& keep) {
         asked.push_back(what);
-        if (!confirm) return false;
-        text.SetWide(typed, Str::Sensitive);
+        if (confirm) text.SetWide(typed, Str::Sensitive);
         keep = save;
-        return true;
+        return confirm;
     }
 };
 
@@ -105,23 +97,21 @@ TEST(FirewallPrompts, OnlyATypeThatNeedsCredentialsAndHasNoneAsks) {
         FirewallConfig firewall(L"corp", nullptr);
         firewall.FirewallType.Set(c.type);
         firewall.FirewallUser.Set(c.storedUser);
-        auto* ui = new ScriptedUI;
+        const auto ui = VRefPtr<ScriptedUI>::Adopt(new ScriptedUI);
         ui->confirm = c.confirm;
         ui->save = c.save;
         ui->saves = c.saves;
-        firewall.SetUserInterface(ui);
+        firewall.SetUserInterface(ui.Get());
         for (int call = 0; call < 2; ++call) {
             VUnicodeString user(L"(untouched)");
             VReportMessageParams report;
             EXPECT_EQ(firewall.GetUsername(user, report), c.handed);
             EXPECT_EQ(user, c.user);
             // A save that failed is told once; the name is remembered instead.
-            const DWORD failure = !c.saves && call == 0 ? ERROR_ACCESS_DENIED : 0;
-            EXPECT_EQ(report.GetMessageCode(), failure);
+            EXPECT_EQ(report.GetMessageCode(), !c.saves && call == 0 ? ERROR_ACCESS_DENIED : 0u);
         }
         EXPECT_EQ(ui->asked, c.asked) << VString(VUnicodeString(c.type)).c_str();
         EXPECT_EQ(firewall.FirewallUser.Get(), c.storedAfter);
-        ui->Release();
     }
 }
 
@@ -132,17 +122,14 @@ TEST(FirewallPrompts, APasswordKeptIsSealedBeforeTheDefinitionIsSaved) {
     const auto ui = VRefPtr<ScriptedUI>::Adopt(new ScriptedUI);
     ui->save = true;
     firewall.SetUserInterface(ui.Get());
-    VUnicodeString password;
+    VUnicodeString password, user;
     VReportMessageParams report;
-    ASSERT_TRUE(firewall.GetPassword(password, report));
-    EXPECT_EQ(password, L"s3cret");
-    EXPECT_TRUE(password.IsSensitive());
-    EXPECT_EQ(ui->asked, (std::vector<const char*>{"password", "save"}));
-    EXPECT_EQ(ui->savedPassword, L"s3cret");
+    ASSERT_TRUE(firewall.GetPassword(password, report) && firewall.GetUsername(user, report));
+    EXPECT_TRUE(password == L"s3cret" && password.IsSensitive() && ui->savedPassword == L"s3cret");
+    EXPECT_EQ(ui->asked, (std::vector<const char*>{"password", "save"}))
+        << "the user, stored, is not asked";
     EXPECT_TRUE(firewall.FirewallPassword.Get().StartsWith(L"CAPI:"));
-    VUnicodeString user;
-    ASSERT_TRUE(firewall.GetUsername(user, report));
-    EXPECT_EQ(user, L"bob") << "stored: not asked";
+    EXPECT_EQ(user, L"bob");
 }
 
 }  // namespace

@@ -22,17 +22,14 @@ protected:
                 session.Save(*SessionConfig::OpenKey(Open()->GetRootKey(), path, true), false));
         }
         Key(L"Sessions\\Windows");
-        WriteFolder(L"Sessions", false, {L"Windows", L"Linux"}, {L"router", L"Default"});
-        WriteFolder(L"Sessions\\Linux", true, {L"Old"}, {L"web", L"db"});
-    }
-
-    void WriteFolder(const wchar_t* path, bool expanded, const VStringArray& folders,
-                     const VStringArray& sessions) {
-        ProfileFolderData data;
-        data.IsExpanded.Set(expanded);
-        data.FolderList.Set(folders);
-        data.SessionList.Set(sessions);
-        ASSERT_TRUE(data.Save(Key(path), false));
+        for (const bool root : {true, false}) {
+            ProfileFolderData data;
+            data.IsExpanded.Set(!root);
+            data.FolderList.Set(root ? VStringArray{L"Windows", L"Linux"} : VStringArray{L"Old"});
+            data.SessionList.Set(root ? VStringArray{L"router", L"Default"}
+                                      : VStringArray{L"web", L"db"});
+            ASSERT_TRUE(data.Save(Key(root ? L"Sessions" : L"Sessions\\Linux"), false));
+        }
     }
 
     ProfileFolderData Read(const wchar_t* path) {
@@ -44,9 +41,9 @@ protected:
     void ExpectFolder(const wchar_t* path, bool expanded, const VStringArray& folders,
                       const VStringArray& sessions) {
         const ProfileFolderData data = Read(path);
-        EXPECT_EQ(data.IsExpanded.Get(), expanded) << VString(VUnicodeString(path)).c_str();
-        EXPECT_EQ(data.FolderList.Get(), folders) << VString(VUnicodeString(path)).c_str();
-        EXPECT_EQ(data.SessionList.Get(), sessions) << VString(VUnicodeString(path)).c_str();
+        EXPECT_TRUE(data.IsExpanded.Get() == expanded && data.FolderList.Get() == folders &&
+                    data.SessionList.Get() == sessions)
+            << VString(VUnicodeString(path)).c_str();
     }
 };
 

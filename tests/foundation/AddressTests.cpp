@@ -106,8 +106,9 @@ void ExpectRoundTrip(const Address& address) {
     const VString text =
         JoinHostPort(address.ToString(false), VString(std::to_string(address.GetPort()).c_str()));
     Address narrow, wide;
-    EXPECT_TRUE(narrow.SetFromText(text.c_str()) && wide.SetFromText(VUnicodeString(text).c_str()) &&
-                narrow.Equals(address) && narrow.GetPort() == address.GetPort() &&
+    EXPECT_TRUE(narrow.SetFromText(text.c_str()) &&
+                wide.SetFromText(VUnicodeString(text).c_str()) && narrow.Equals(address) &&
+                narrow.GetPort() == address.GetPort() &&
                 narrow.ToString(true) == address.ToString(true) &&
                 wide.ToString(true) == address.ToString(true))
         << text.c_str();
@@ -134,7 +135,8 @@ TEST(Addresses, FormattedRandomAddressesReadBackTheSame) {
 }
 
 // A reading in the oracle's line format.
-std::string Line(const char* kind, const uint8_t* bytes, size_t length, uint16_t port, ULONG scope) {
+std::string Line(const char* kind, const uint8_t* bytes, size_t length, uint16_t port,
+                 ULONG scope) {
     std::string line = std::string(kind) + "\t";
     for (size_t i = 0; i < length; ++i)
         line += {"0123456789abcdef"[bytes[i] >> 4], "0123456789abcdef"[bytes[i] & 15]};
@@ -169,10 +171,11 @@ TEST(Addresses, TextsReadAsPythonsIpaddressExpects) {
         else if (reading != expected && ++counts["other"] <= 20)
             ADD_FAILURE() << "\"" << text << "\": ours " << reading << ", expected " << expected;
     }
-    std::printf("%s (ipaddress: %d IPv4, %d IPv6, %d refused); disagreements: %d where the system "
-                "reads an IPv4 part of an IPv6 address with leading zeros as decimal, %d others\n",
-                header.c_str(), counts["v4"], counts["v6"], counts["bad"], counts["decimal"],
-                counts["other"]);
+    std::printf(
+        "%s (ipaddress: %d IPv4, %d IPv6, %d refused); disagreements: %d where the system "
+        "reads an IPv4 part of an IPv6 address with leading zeros as decimal, %d others\n",
+        header.c_str(), counts["v4"], counts["v6"], counts["bad"], counts["decimal"],
+        counts["other"]);
     EXPECT_GE(counts["v4"] + counts["v6"] + counts["bad"], 100000);
     EXPECT_EQ(counts["other"], 0);
 }

@@ -48,7 +48,8 @@ public:
 private:
     void Add(const std::string& what) {
         const std::lock_guard<std::mutex> lock(log_.mutex);
-        log_.lines.push_back((GetCurrentThreadId() == testThread_ ? "" : "(worker) ") + name_ + " " + what);
+        log_.lines.push_back((GetCurrentThreadId() == testThread_ ? "" : "(worker) ") + name_ +
+                             " " + what);
         log_.changed.notify_all();
     }
 
@@ -65,7 +66,8 @@ class CommandSocket : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
         VReportMessageParams report;
-        ASSERT_TRUE(StartWinsock(report) && VReportMessageParams::LoadFallbackModule(ConfigMessagesModule));
+        ASSERT_TRUE(StartWinsock(report) &&
+                    VReportMessageParams::LoadFallbackModule(ConfigMessagesModule));
     }
 
     // Makes socket listen on a port of the loopback address, and gives the port.
@@ -81,8 +83,8 @@ protected:
     // A command socket over a new TCP socket, reporting events and status to events_.
     VRefPtr<VCommandSocket> NewSocket(const wchar_t* commandLine) {
         const auto inner = VRefPtr<VTcpSocket>::Adopt(new VTcpSocket());
-        return VRefPtr<VCommandSocket>::Adopt(
-            new VCommandSocket(inner.Get(), events_.Get(), events_.Get(), VUnicodeString(commandLine)));
+        return VRefPtr<VCommandSocket>::Adopt(new VCommandSocket(
+            inner.Get(), events_.Get(), events_.Get(), VUnicodeString(commandLine)));
     }
 
     Log log_;
@@ -100,7 +102,8 @@ TEST_F(CommandSocket, ConnectsRunTheCommandThenReachTheListenerOnTheCommandsThre
     log_.Lines(4);
     const VRefPtr<VCommandSocket> missing = NewSocket(L"no-such-program-here.exe");
     ASSERT_TRUE(missing->Connect(port_.c_str(), "localhost", 0, completion.Get(), report));
-    const std::string ended = "(worker) events 1: The command run before connecting ended with code 0x0000000";
+    const std::string ended =
+        "(worker) events 1: The command run before connecting ended with code 0x0000000";
     const std::string why = " (its exit code, or the system error that kept it from starting).";
     const std::vector<std::string> expected = {
         "events 1: Running the command cmd.exe /c exit 3 before connecting.",
@@ -114,11 +117,13 @@ TEST_F(CommandSocket, ConnectsRunTheCommandThenReachTheListenerOnTheCommandsThre
     EXPECT_EQ(log_.Lines(8), expected);
     DWORD codes[2] = {};
     EXPECT_TRUE(exits3->GetCommandStatus(codes[0]) && missing->GetCommandStatus(codes[1]));
-    EXPECT_TRUE(codes[0] == 3 && codes[1] == ERROR_FILE_NOT_FOUND && !exits3->IsWaitingForCommand());
+    EXPECT_TRUE(codes[0] == 3 && codes[1] == ERROR_FILE_NOT_FOUND &&
+                !exits3->IsWaitingForCommand());
 
     // Connected for real: data and the end of the stream pass both ways.
     SocketHandle peer(accept(listener_.Get(), nullptr, nullptr));
-    ASSERT_TRUE(exits3->IsConnected() && exits3->Send("ping", 4, report) && exits3->Shutdown(report));
+    ASSERT_TRUE(exits3->IsConnected() && exits3->Send("ping", 4, report) &&
+                exits3->Shutdown(report));
     char received[8] = {};
     EXPECT_EQ(recv(peer.Get(), received, sizeof received, MSG_WAITALL), 4);
     EXPECT_STREQ(received, "ping");
@@ -162,8 +167,8 @@ TEST_F(CommandSocket, EveryOutcomeReachesTheCompletionAndLeavesNoHandleBehind) {
             EXPECT_FALSE(socket->Connect(c.destination.c_str(), completion.Get(), report));
             EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(WSAEALREADY));
             if (c.closeWhileWaiting) socket->Close();
-            ASSERT_EQ(log.Lines(1),
-                      std::vector<std::string>{"(worker) completion connect " + std::to_string(c.error)});
+            ASSERT_EQ(log.Lines(1), std::vector<std::string>{"(worker) completion connect " +
+                                                             std::to_string(c.error)});
             EXPECT_EQ(socket->IsConnected(), c.error == 0);
             if (c.error == 0) SocketHandle(accept(listener_.Get(), nullptr, nullptr));
         }

@@ -22,9 +22,9 @@ constexpr wchar_t PortAbsent[] = L"The setting \"Port\" has not been stored yet.
 // for the steps that hand a code to the system.
 std::wstring FormatDirectly(DWORD flags, HMODULE module, DWORD code) {
     wchar_t* buffer = nullptr;
-    const DWORD length = FormatMessageW(
-        flags | FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_IGNORE_INSERTS, module, code, 0,
-        reinterpret_cast<wchar_t*>(&buffer), 0, nullptr);
+    const DWORD length =
+        FormatMessageW(flags | FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_IGNORE_INSERTS,
+                       module, code, 0, reinterpret_cast<wchar_t*>(&buffer), 0, nullptr);
     std::wstring text = length ? std::wstring(buffer, length) : std::wstring();
     LocalFree(buffer);
     return text;
@@ -41,7 +41,8 @@ protected:
 };
 
 TEST_F(ReportMessages, SystemAndStatusCodesComeFromTheSystemsTables) {
-    const std::wstring system = FormatDirectly(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, ERROR_ACCESS_DENIED);
+    const std::wstring system =
+        FormatDirectly(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, ERROR_ACCESS_DENIED);
     ASSERT_FALSE(system.empty());
     EXPECT_EQ(VReportMessageParams(ERROR_ACCESS_DENIED).GetText(), system);
 
@@ -64,10 +65,13 @@ TEST_F(ReportMessages, TextsComeFromTheModulesInOrderWithTheirInserts) {
         std::vector<std::wstring> arguments;
         const wchar_t* text;
     } cases[] = {
-        {TEST_OWN_MODULE_TEXT, {L"wide", L"narrow"}, L"Text of the test module with wide and narrow.\r\n"},
+        {TEST_OWN_MODULE_TEXT,
+         {L"wide", L"narrow"},
+         L"Text of the test module with wide and narrow.\r\n"},
         {TEST_OWN_MODULE_TEXT, {}, L"Text of the test module with %1 and %2.\r\n"},
         {TEST_OWN_MODULE_TEXT, {L"one"}, L"Text of the test module with one and %2.\r\n"},
-        {CONFIG_OPTION_NOT_A_NUMBER, {L"/X"},
+        {CONFIG_OPTION_NOT_A_NUMBER,
+         {L"/X"},
          L"The command-line option /X needs a number made of the digits 0 to 9, not \"%2\".\r\n"},
         {CONFIG_VALUE_ABSENT, {L"Port"}, PortAbsent},
         {0x0000BEEF, {}, L"Could not retrieve the error text for error code 0x0000beef.\r\n"}};
@@ -112,7 +116,8 @@ TEST_F(ReportMessages, TextIsCachedUntilTheCodeOrArgumentsChange) {
     EXPECT_EQ(report.GetText(), first);
     EXPECT_STREQ(first, PortAbsent);
     report.AddArgument(L"ignored");
-    EXPECT_STREQ(report.GetText(), L"Could not retrieve the error text for error code 0xe1040040.\r\n");
+    EXPECT_STREQ(report.GetText(),
+                 L"Could not retrieve the error text for error code 0xe1040040.\r\n");
     report.SetMessageCode(TEST_OWN_MODULE_TEXT);
     EXPECT_STREQ(report.GetText(), L"Text of the test module with %1 and %2.\r\n");
 }
@@ -127,12 +132,14 @@ TEST_F(ReportMessages, TextAsStringRemovesExactlyOneLineEnd) {
     // A text that does not end in a line break is left as it stands.
     VReportMessageParams unknown(0x0000BEEF);
     unknown.GetText();
-    EXPECT_EQ(unknown.GetTextAsString(), L"Could not retrieve the error text for error code 0x0000beef.");
+    EXPECT_EQ(unknown.GetTextAsString(),
+              L"Could not retrieve the error text for error code 0x0000beef.");
 }
 
 TEST_F(ReportMessages, CopiesShareArgumentsButNotTheTextAndSensitiveArgumentsMarkIt) {
     VReportMessageParams report(TEST_OWN_MODULE_TEXT);
-    report.Set(TEST_OWN_MODULE_TEXT, VUnicodeString(L"one", Str::Sensitive), VUnicodeString(L"two"));
+    report.Set(TEST_OWN_MODULE_TEXT, VUnicodeString(L"one", Str::Sensitive),
+               VUnicodeString(L"two"));
     report.SetLevel(1);
     const VReportMessageParams copy(report);
     EXPECT_EQ(copy.GetArguments()[0].c_str(), report.GetArguments()[0].c_str());

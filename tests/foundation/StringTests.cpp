@@ -3,11 +3,11 @@
 
 #include <windows.h>
 
-#include <algorithm>
 #include <stdexcept>
 #include <thread>
 #include <vector>
 
+#include "BlockRecorder.h"
 #include "VString.h"
 #include "VStringI.h"
 
@@ -17,39 +17,11 @@ const Str::BlockHeader* HeaderOf(const void* characters) {
     return static_cast<const Str::BlockHeader*>(characters) - 1;
 }
 
-bool AllZero(const std::vector<unsigned char>& bytes) {
-    return std::all_of(bytes.begin(), bytes.end(), [](unsigned char b) { return b == 0; });
-}
-
-// Records every block the strings allocate and free, with the bytes the block
-// held at the moment it was given back and the heap's size of it.
 class StringBlocks : public ::testing::Test {
 protected:
-    struct Released {
-        std::vector<unsigned char> bytes;
-        size_t heapSize;
-    };
-    static inline std::vector<size_t> allocations;
-    static inline std::vector<Released> releases;
-
-    void SetUp() override {
-        allocations.clear();
-        releases.clear();
-        previous_ = Str::ReplaceBlockAllocator({Allocate, Release});
-    }
-    void TearDown() override { Str::ReplaceBlockAllocator(previous_); }
-
-private:
-    static void* Allocate(size_t bytes) {
-        allocations.push_back(bytes);
-        return HeapAlloc(GetProcessHeap(), 0, bytes);
-    }
-    static void Release(void* memory, size_t bytes) {
-        const auto* begin = static_cast<const unsigned char*>(memory);
-        releases.push_back({{begin, begin + bytes}, HeapSize(GetProcessHeap(), 0, memory)});
-        HeapFree(GetProcessHeap(), 0, memory);
-    }
-    Str::BlockAllocator previous_{};
+    const BlockRecorder recorder_;
+    const std::vector<size_t>& allocations = BlockRecorder::allocations;
+    const std::vector<BlockRecorder::Released>& releases = BlockRecorder::releases;
 };
 
 TEST_F(StringBlocks, BlocksHaveExactSizesTheDocumentedHeaderAndGrowToTheExactLength) {
@@ -60,8 +32,9 @@ TEST_F(StringBlocks, BlocksHaveExactSizesTheDocumentedHeaderAndGrowToTheExactLen
         EXPECT_EQ(header->capacityBytes * 100 + header->lengthBytes, 12u * 100 + 10);
         EXPECT_EQ(header->characters, wide.c_str());
         EXPECT_EQ(header->references, 1);
-        EXPECT_EQ(HeaderOf(narrow.c_str())->capacityBytes * 100 + HeaderOf(narrow.c_str())->lengthBytes,
-                  6u * 100 + 5);
+        EXPECT_EQ(
+            HeaderOf(narrow.c_str())->capacityBytes * 100 + HeaderOf(narrow.c_str())->lengthBytes,
+            6u * 100 + 5);
         wide.Delete(0, 1);
         wide.Append(L"!");  // unshared, with room: written in place
         EXPECT_EQ(HeaderOf(wide.c_str()), header);
@@ -84,7 +57,7 @@ TEST_F(StringBlocks, OnlySensitiveBlocksAreAllZerosWhenReleasedHeaderIncluded) {
     EXPECT_EQ(std::wstring(reinterpret_cast<const wchar_t*>(releases[0].bytes.data() + 32)),
               L"visible");
     for (size_t i = 1; i < 3; ++i)
-        EXPECT_TRUE(releases[i].bytes.size() == releases[i].heapSize && AllZero(releases[i].bytes));
+        EXPECT_TRUE(releases[i].bytes.size() == releases[i].heapSize && releases[i].IsWiped());
 }
 
 TEST_F(StringBlocks, CopiesShareOneBlockUntilAWrite) {
@@ -118,7 +91,7 @@ TEST_F(StringBlocks, SensitivityIsStickyAndSpreadsToWhatSensitiveTextIsAppendedT
     message.Append(VUnicodeString(L"hunter2", Str::Sensitive));
     EXPECT_TRUE(message.IsSensitive());
     message.Empty();
-    EXPECT_TRUE(AllZero(releases.back().bytes));
+    EXPECT_TRUE(releases.back().IsWiped());
     EXPECT_THROW(plain.Insert(11, VUnicodeString(L"s", Str::Sensitive)), std::out_of_range);
     EXPECT_FALSE(plain.IsSensitive()) << "a failed insert marks nothing";
 }
@@ -149,7 +122,7 @@ TEST_F(StringBlocks, AnAppendAcrossWidthsLeavesNoCopyOfTheTextBehind) {
         EXPECT_EQ(narrow, "hunter3");
     }
     ASSERT_FALSE(releases.empty());
-    for (const auto& released : releases) EXPECT_TRUE(AllZero(released.bytes));
+    for (const auto& released : releases) EXPECT_TRUE(released.IsWiped());
 }
 
 TEST(Strings, InsertsWithinTheLengthFromAnyTextAndThrowsBeyond) {
@@ -213,8 +186,8 @@ TEST(Strings, ComparesOverTheShorterLengthThenByLength) {
 
 TEST(Strings, FormatsWithPositionalInsertsAndPrintf) {
     VUnicodeString text;
-    ASSERT_TRUE(text.FormatPositional(L"%2 before %1, 0x%3!08x!, %4!hs!", L"one", L"two", 255u,
-                                      "narrow"));
+    ASSERT_TRUE(
+        text.FormatPositional(L"%2 before %1, 0x%3!08x!, %4!hs!", L"one", L"two", 255u, "narrow"));
     EXPECT_EQ(text, L"two before one, 0x000000ff, narrow");
     ASSERT_TRUE(text.FormatPrintf(32, L"%ls=%d", L"n", -5));
     EXPECT_FALSE(text.FormatPrintf(4, L"%ls", L"too long"));

@@ -1,14 +1,86 @@
-// Loading and saving the global options against both back ends of the store,
-// through a global options key opened afresh for every step.
+// The global options: the table against the clients' list of value names
+// (GlobalOptionNames.txt), then loading and saving against both back ends.
 #include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+#include <sstream>
 
 #include "ConfigMessages.h"
 #include "GlobalConfig.h"
-#include "StoreBehaviour.h"
+#include "RegistrySandbox.h"
+#include "SessionStore.h"
 #include "TempFolder.h"
 #include "VIniFileStoreFactory.h"
 
 namespace {
+
+constexpr const wchar_t* Global = GlobalConfig::KeyName;
+
+std::wstring Upper(VUnicodeString name) {
+    name.MakeUpper();
+    return name.c_str();
+}
+
+// Every name any product reads (present or former; upper-cased, as the store
+// compares them) belongs to one option, is found by the lookup, and is listed
+// or a start-up option's; and the names the products keep apart are listed
+// in pairs, which the table does not keep as two options.
+TEST(GlobalOptionTable, ReadsEveryListedNameOnceAndTheProductsPairsAsOneOption) {
+    std::map<std::wstring, std::set<size_t>> readBy;
+    for (const GlobalProduct product : {GlobalProduct::Terminal, GlobalProduct::Transfer}) {
+        GlobalConfig config(product);
+        for (size_t i = 0; i < GlobalConfig::OptionCount; ++i) {
+            const VUnicodeString name = GlobalConfig::GetValueName(i, product);
+            readBy[Upper(name)].insert(i);
+            const VUnicodeString former = GlobalConfig::GetFormerName(i, product);
+            if (!former.IsEmpty()) readBy[Upper(former)].insert(i);
+            EXPECT_EQ(config.FindOption(name), &config.GetOption(i));
+        }
+    }
+    std::istringstream lines(ReadWholeFile(VUnicodeString(GLOBAL_OPTION_NAMES_FILE)));
+    std::set<std::wstring> listed;
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        if (!line.empty() && line[0] != '#') listed.emplace(line.begin(), line.end());
+    }
+    ASSERT_EQ(listed.size(), 285u) << "the list of names is incomplete";
+    std::set<std::wstring> perProduct;
+    for (const VUnicodeString& name : GlobalConfig::GetProductDependentNames())
+        perProduct.insert(name.c_str());
+    for (const std::wstring& name : listed) {
+        EXPECT_EQ(readBy[Upper(name.c_str())].size(), 1u) << VString(name.c_str()).c_str();
+        readBy.erase(Upper(name.c_str()));
+        const std::wstring plain = name.substr(0, name.size() - 4);
+        EXPECT_TRUE(!name.ends_with(L" FWX") || !listed.count(plain) || perProduct.count(plain))
+            << VString(name.c_str()).c_str();
+    }
+    ASSERT_EQ(readBy.size(), 2u) << "besides the listed names, the two start-up options";
+    for (const auto& [name, options] : readBy)
+        EXPECT_TRUE(GlobalConfig::IsStartUpOption(*options.begin()))
+            << VString(name.c_str()).c_str();
+}
+
+TEST(GlobalOptionTable, ReadSwitchTakesAPolicyForTheStartUpOptionsOnly) {
+    GlobalConfig config;
+    bool value = true;
+    EXPECT_FALSE(config.ReadSwitch(L"Log File", value) ||
+                 config.ReadSwitch(L"No Such Option", value));
+    RegistrySandbox sandbox;
+    PredefinedKeyRedirect machine(HKEY_LOCAL_MACHINE, sandbox, L"machine");
+    HKEY policies = nullptr;
+    ASSERT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Policies\\Quillon", 0, nullptr, 0,
+                              KEY_ALL_ACCESS, nullptr, &policies, nullptr),
+              ERROR_SUCCESS);
+    const RegistryKeyHandle owned(policies);
+    const DWORD on = 1;
+    for (const wchar_t* name : {L"Enable FIPS Mode", L"Minimize To Tray"})
+        RawSetValue(policies, name, REG_DWORD, &on, sizeof on);
+    ASSERT_TRUE(config.ReadSwitch(L"enable fips mode", value));
+    EXPECT_TRUE(value) << "an administrator's policy wins";
+    ASSERT_TRUE(config.ReadSwitch(L"Minimize To Tray", value));
+    EXPECT_FALSE(value) << "the user's own, its default";
+}
 
 // Whether every option of actual holds what the same option of expected
 // holds, as its kind compares: expected's value copied over actual's current
@@ -29,49 +101,25 @@ Value Parsed(const wchar_t* text) {
     return value;
 }
 
-class GlobalConfigStore : public StoreBehaviour {
+class GlobalConfigStore : public SessionStore {
 protected:
-    // The global options key of a store opened afresh (created unless
-    // readOnly); the key opened before goes first, so what it wrote is stored.
-    VProfileKey& Key(bool readOnly = false) {
-        key_.reset();
-        store_ = Open(readOnly);
-        key_ =
-            std::make_unique<VProfileKey>(store_->GetRootKey(), GlobalConfig::KeyName, !readOnly);
-        return *key_;
-    }
-
     GlobalConfig Loaded(GlobalProduct product = GlobalProduct::Terminal) {
         GlobalConfig config(product);
         VReportMessageParams report;
-        EXPECT_TRUE(config.Load(Key(true), report)) << VString(report.GetTextAsString()).c_str();
+        EXPECT_TRUE(config.Load(Key(Global, true), report))
+            << VString(report.GetTextAsString()).c_str();
         return config;
     }
-
     void Save(GlobalConfig& config) {
         VReportMessageParams report;
-        EXPECT_TRUE(config.Save(Key(), false, report)) << VString(report.GetTextAsString()).c_str();
+        EXPECT_TRUE(config.Save(Key(Global), false, report))
+            << VString(report.GetTextAsString()).c_str();
     }
-
-    uint32_t StoredNumber(const wchar_t* name) {
-        uint32_t number = 0xDEAD;
-        Key(true).GetDword(name, number);
-        return number;
-    }
-
-    void TearDown() override {
-        key_.reset();
-        store_.reset();
-        StoreBehaviour::TearDown();
-    }
-
-    std::unique_ptr<VProfileStore> store_;
-    std::unique_ptr<VProfileKey> key_;
 };
 
 TEST_P(GlobalConfigStore, AnEmptyProfileGivesTheDefaultsAndTheNextSaveWritesTheSwitches) {
     for (const bool keyExists : {false, true}) {
-        if (keyExists) Key();
+        if (keyExists) Key(Global);
         GlobalConfig loaded = Loaded();
         ExpectSameValues(GlobalConfig(), loaded);
         for (size_t i = 0; i < GlobalConfig::OptionCount; ++i) {
@@ -81,10 +129,11 @@ TEST_P(GlobalConfigStore, AnEmptyProfileGivesTheDefaultsAndTheNextSaveWritesTheS
                 << VString(option.GetName()).c_str();
         }
         Save(loaded);
-        EXPECT_EQ(StoredNumber(L"Keep Shared Memory Agent Open"), 1u);
-        EXPECT_EQ(StoredNumber(L"Timeout"), 0xDEADu) << "an untouched number is not written";
+        EXPECT_EQ(StoredNumber(Global, L"Keep Shared Memory Agent Open"), 1u);
+        EXPECT_EQ(StoredNumber(Global, L"Timeout"), 0xDEADu)
+            << "an untouched number is not written";
         key_.reset();
-        ASSERT_TRUE(Open()->GetRootKey().DeleteKey(GlobalConfig::KeyName));
+        ASSERT_TRUE(Open()->GetRootKey().DeleteKey(Global));
     }
 }
 
@@ -110,7 +159,7 @@ TEST_P(GlobalConfigStore, SavedOptionsOfEveryKindLoadEqualInAFreshObject) {
 }
 
 TEST_P(GlobalConfigStore, DamagedValuesTakeTheirDefaultsAndTheOthersAreKept) {
-    VProfileKey& key = Key();
+    VProfileKey& key = Key(Global);
     key.SetDword(L"Minimize To Tray", 2);  // any number but 0 is on
     key.SetDword(L"Keep Shared Memory Agent Open", 0);
     key.SetDword(L"Timeout", 42);
@@ -118,8 +167,7 @@ TEST_P(GlobalConfigStore, DamagedValuesTakeTheirDefaultsAndTheOthersAreKept) {
     key.SetString(L"Session Filter Delay", L"300");
     key.SetDword(L"Log File", 5);                          // and the reverse
     key.SetString(L"Global Options Tree State", L"1021");  // not of its form
-    const BYTE cut[] = {44, 0, 0};
-    key.SetBinary(L"Window Placement", cut, sizeof cut);
+    key.SetBinary(L"Window Placement", reinterpret_cast<const BYTE*>("\54\0\0"), 3);
     GlobalConfig expected;
     expected.MinimizeToTray.Set(true);
     expected.KeepSharedMemoryAgentOpen.Set(false);
@@ -130,30 +178,23 @@ TEST_P(GlobalConfigStore, DamagedValuesTakeTheirDefaultsAndTheOthersAreKept) {
 }
 
 TEST_P(GlobalConfigStore, EachProductReadsAndWritesItsOwnNamesAndMovesRenamedOptions) {
-    const struct {
-        GlobalProduct product;
-        bool toolbar;
-        const wchar_t* otherName;
-        uint32_t otherStored;
-    } cases[] = {{GlobalProduct::Terminal, true, L"Show Toolbar FWX", 0},
-                 {GlobalProduct::Transfer, false, L"Show Toolbar", 1}};
-    for (const auto& c : cases) {
-        VProfileKey& key = Key();
+    for (const bool terminal : {true, false}) {
+        const GlobalProduct product = terminal ? GlobalProduct::Terminal : GlobalProduct::Transfer;
+        VProfileKey& key = Key(Global);
         key.SetDword(L"Show Toolbar", 1);
         key.SetDword(L"Show Toolbar FWX", 0);
         key.SetString(L"Termwright Tab State", L"1,-1,200");  // the older name and form
         key.DeleteValue(L"Termwright Tab State V2");
-        GlobalConfig config = Loaded(c.product);
-        EXPECT_EQ(config.ShowToolbar.Get(), c.toolbar);
-        config.ShowToolbar.Set(!c.toolbar);
+        GlobalConfig config = Loaded(product);
+        EXPECT_EQ(config.ShowToolbar.Get(), terminal);
+        config.ShowToolbar.Set(!terminal);
         Save(config);
-        EXPECT_EQ(Loaded(c.product).ShowToolbar.Get(), !c.toolbar);
-        EXPECT_EQ(StoredNumber(c.otherName), c.otherStored) << "the other product's is left alone";
-        VUnicodeString present, former;
-        Key(true).GetString(L"Termwright Tab State V2", present);
-        key_->GetString(L"Termwright Tab State", former);
-        EXPECT_EQ(present, L"1,-1,200;");
-        EXPECT_EQ(former, L"") << "blanked, as older versions expect";
+        EXPECT_EQ(Loaded(product).ShowToolbar.Get(), !terminal);
+        EXPECT_EQ(StoredNumber(Global, terminal ? L"Show Toolbar FWX" : L"Show Toolbar"), !terminal)
+            << "the other product's is left alone";
+        EXPECT_EQ(StoredText(Global, L"Termwright Tab State V2"), L"1,-1,200;");
+        EXPECT_EQ(StoredText(Global, L"Termwright Tab State"), L"")
+            << "blanked, as older versions expect";
     }
 }
 
@@ -169,12 +210,10 @@ TEST(GlobalConfigFile, AFailedSaveIsReportedAndTheNextOneWritesEverything) {
     const VUnicodeString file = folder / L"Global.ini";
     ASSERT_TRUE(WriteWholeFile(file, "\xEF\xBB\xBF"));
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);
-
     config.Timeout.Set(99);
     EXPECT_FALSE(config.SaveToStore(report));
     EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_GLOBAL_OPTIONS_NOT_SAVED));
     EXPECT_EQ(ReadWholeFile(file), "\xEF\xBB\xBF") << "the file is left alone";
-
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
     ASSERT_TRUE(config.SaveToStore(report)) << VString(report.GetTextAsString()).c_str();
     const std::string written = ReadWholeFile(file);
