@@ -5,6 +5,7 @@
 
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "BlockRecorder.h"
@@ -91,20 +92,20 @@ TEST_P(SessionConfigStore, ANullKeyAndAnEmptyOneGiveTheDefaults) {
 }
 
 TEST_P(SessionConfigStore, IsSessionIsAlwaysSetWhileItsSavedValueKeepsWhatTheKeyHeld) {
-    const struct {
-        int stored;  // -1: absent
-        bool otherValues;
-    } cases[] = {{-1, false}, {-1, true}, {0, false}, {0, true}, {1, false}, {2, true}};
-    for (const auto& c : cases) {
-        const std::wstring path = L"Sessions\\s" + std::to_wstring(&c - cases);
+    // "Is Session" as stored (-1: absent), and whether the key holds other values
+    const std::pair<int, bool> cases[] = {{-1, false}, {-1, true}, {0, false},
+                                          {0, true},   {1, false}, {2, true}};
+    int index = 0;
+    for (const auto& [stored, otherValues] : cases) {
+        const std::wstring path = L"Sessions\\s" + std::to_wstring(index++);
         VProfileKey& key = Key(path.c_str());
-        if (c.otherValues) key.SetString(L"Hostname", L"example.org");
-        if (c.stored >= 0) key.SetDword(SessionConfig::IsSessionName, c.stored);
+        if (otherValues) key.SetString(L"Hostname", L"example.org");
+        if (stored >= 0) key.SetDword(SessionConfig::IsSessionName, stored);
         SessionConfig session = Loaded(path.c_str());
-        const bool hasValuesFile = c.otherValues || c.stored >= 0;
         EXPECT_TRUE(session.IsSession.Get());
-        EXPECT_EQ(session.IsMarkedAsSession(), c.stored > 0 || (IsIniFile() && hasValuesFile))
-            << c.stored;
+        EXPECT_EQ(session.IsMarkedAsSession(),
+                  stored > 0 || (IsIniFile() && (otherValues || stored >= 0)))
+            << stored;
         ASSERT_TRUE(session.Save(Key(path.c_str()), false));
         EXPECT_TRUE(Loaded(path.c_str()).IsMarkedAsSession()) << "the save marks the key";
     }
@@ -114,38 +115,37 @@ TEST_P(SessionConfigStore, OlderGenerationsOfASecretLoadIntoItAndAreBlankedAtThe
     VReportMessageParams report;
     VEncryptedString capi;  // no provider: protected with the logon
     ASSERT_TRUE(capi.SetPlainText(L"monitor", L"Monitor Password", report));
-    const struct {
-        SessionSecret SessionConfig::*member;
-        std::map<std::wstring, VUnicodeString> older;
-        const wchar_t* plain;
-    } cases[] = {
-        {&SessionConfig::LoginScript,
-         {{L"Login Script V2", VBlowfishString::Encode(L"from v2")},
-          {L"Login Script", L"from plain"}},
-         L"from v2"},
-        {&SessionConfig::LoginScript,
-         {{L"Login Script", L"line one\\r\\nline two"}},
-         L"line one\r\nline two"},
-        {&SessionConfig::MonitorPassword, {{L"Monitor Password", capi}}, L"monitor"},
-        {&SessionConfig::ScpShellPassword,
-         {{L"SCP Shell Password", VBlowfishString::Encode(L"scp")}},
-         L"scp"},
-        {&SessionConfig::PgpUploadCommand, {{L"PGP Upload Command", L"gpg -e"}}, L"gpg -e"},
-        {&SessionConfig::PgpDownloadCommand, {{L"PGP Download Command", L"gpg -d"}}, L"gpg -d"}};
-    for (const auto& c : cases) {
-        const std::wstring path = L"Sessions\\g" + std::to_wstring(&c - cases);
+    const std::tuple<SessionSecret SessionConfig::*, std::map<std::wstring, VUnicodeString>,
+                     const wchar_t*>
+        cases[] = {
+            // the secret, its older values, the plain text they give
+            {&SessionConfig::LoginScript,
+             {{L"Login Script V2", VBlowfishString::Encode(L"from v2")},
+              {L"Login Script", L"from plain"}},
+             L"from v2"},
+            {&SessionConfig::LoginScript, {{L"Login Script", L"one\\r\\ntwo"}}, L"one\r\ntwo"},
+            {&SessionConfig::MonitorPassword, {{L"Monitor Password", capi}}, L"monitor"},
+            {&SessionConfig::ScpShellPassword,
+             {{L"SCP Shell Password", VBlowfishString::Encode(L"scp")}},
+             L"scp"},
+            {&SessionConfig::PgpUploadCommand, {{L"PGP Upload Command", L"gpg -e"}}, L"gpg -e"},
+            {&SessionConfig::PgpDownloadCommand,
+             {{L"PGP Download Command", L"gpg -d"}},
+             L"gpg -d"}};
+    int index = 0;
+    for (const auto& [member, older, plain] : cases) {
+        const std::wstring path = L"Sessions\\g" + std::to_wstring(index++);
         VProfileKey& key = Key(path.c_str());
-        for (const auto& [name, text] : c.older) key.SetString(name.c_str(), text);
+        for (const auto& [name, text] : older) key.SetString(name.c_str(), text);
         SessionConfig session = Loaded(path.c_str());
-        const SessionSecret& secret = session.*c.member;
-        EXPECT_TRUE(PlainText(secret) == c.plain && secret.IsModified())
-            << VString(c.plain).c_str();
+        const SessionSecret& secret = session.*member;
+        EXPECT_TRUE(PlainText(secret) == plain && secret.IsModified()) << VString(plain).c_str();
         ASSERT_TRUE(session.Save(Key(path.c_str()), false));
         EXPECT_TRUE(StoredText(path.c_str(), secret.GetName().c_str()).StartsWith(L"02:"));
-        for (const auto& older : c.older)
-            EXPECT_EQ(StoredText(path.c_str(), older.first.c_str()), L"") << "blanked";
+        for (const auto& [name, text] : older)
+            EXPECT_EQ(StoredText(path.c_str(), name.c_str()), L"") << "blanked";
         const SessionConfig again = Loaded(path.c_str());
-        EXPECT_TRUE(PlainText(again.*c.member) == c.plain && !(again.*c.member).IsModified());
+        EXPECT_TRUE(PlainText(again.*member) == plain && !(again.*member).IsModified());
     }
 }
 
@@ -172,18 +172,15 @@ TEST_P(SessionConfigStore, OlderNamesOfTheHostAndTheTerminalMove) {
 }
 
 TEST_P(SessionConfigStore, AProtocolNameUnknownForTheModeIsTracedEmptiedAndTheDefaultTaken) {
-    const struct {
-        SessionMode mode;
-        const wchar_t* stored;
-        const wchar_t* protocol;
-        bool traced;
-    } cases[] = {{SessionMode::Terminal, L"telnet/tls", L"Telnet/TLS", false},
-                 {SessionMode::Terminal, L"", L"SSH2", false},
-                 {SessionMode::Terminal, L"NONE", L"None", false},
-                 {SessionMode::Terminal, L"SFTP", L"SSH2", true},
-                 {SessionMode::Terminal, L"Gopher", L"SSH2", true},
-                 {SessionMode::Transfer, L"ftp/ssl (explicit)", L"FTP/SSL (explicit)", false},
-                 {SessionMode::Transfer, L"Serial", L"SFTP", true}};
+    const std::tuple<SessionMode, const wchar_t*, const wchar_t*, bool> cases[] = {
+        // mode, stored name, protocol taken, traced
+        {SessionMode::Terminal, L"telnet/tls", L"Telnet/TLS", false},
+        {SessionMode::Terminal, L"", L"SSH2", false},
+        {SessionMode::Terminal, L"NONE", L"None", false},
+        {SessionMode::Terminal, L"SFTP", L"SSH2", true},
+        {SessionMode::Terminal, L"Gopher", L"SSH2", true},
+        {SessionMode::Transfer, L"ftp/ssl (explicit)", L"FTP/SSL (explicit)", false},
+        {SessionMode::Transfer, L"Serial", L"SFTP", true}};
     // OutputDebugStringA raises its line as an exception, which a vectored handler sees first.
     static std::vector<std::string> traced;
     void* handler = AddVectoredExceptionHandler(1, [](EXCEPTION_POINTERS* pointers) -> LONG {
@@ -192,19 +189,19 @@ TEST_P(SessionConfigStore, AProtocolNameUnknownForTheModeIsTracedEmptiedAndTheDe
             traced.emplace_back(reinterpret_cast<const char*>(record.ExceptionInformation[1]));
         return EXCEPTION_CONTINUE_SEARCH;
     });
-    for (const auto& c : cases) {
-        const bool terminal = c.mode == SessionMode::Terminal;
-        Key(WebPath).SetString(terminal ? L"Protocol Name" : L"Transfer Protocol Name", c.stored);
+    for (const auto& [mode, stored, protocol, unknown] : cases) {
+        const bool terminal = mode == SessionMode::Terminal;
+        Key(WebPath).SetString(terminal ? L"Protocol Name" : L"Transfer Protocol Name", stored);
         traced.clear();
-        const SessionConfig session = Loaded(WebPath, c.mode);
-        const std::string line = "Unknown protocol \"" + std::string(VString(c.stored).c_str()) +
+        const SessionConfig session = Loaded(WebPath, mode);
+        const std::string line = "Unknown protocol \"" + std::string(VString(stored).c_str()) +
                                  "\" using default protocol.\n";
-        EXPECT_EQ(traced, c.traced ? std::vector<std::string>{line} : std::vector<std::string>());
-        EXPECT_TRUE(session.GetProtocolName() == c.protocol &&
-                    session.GetCurrentConnectConfig()->GetProtocolName() == c.protocol)
-            << VString(c.stored).c_str();
+        EXPECT_EQ(traced, unknown ? std::vector<std::string>{line} : std::vector<std::string>());
+        EXPECT_TRUE(session.GetProtocolName() == protocol &&
+                    session.GetCurrentConnectConfig()->GetProtocolName() == protocol)
+            << VString(stored).c_str();
         const auto& name = terminal ? session.ProtocolName : session.TransferProtocolName;
-        EXPECT_EQ(name.Get(), c.traced ? L"" : c.stored) << "an unknown name is emptied";
+        EXPECT_EQ(name.Get(), unknown ? L"" : stored) << "an unknown name is emptied";
     }
     RemoveVectoredExceptionHandler(handler);
 }

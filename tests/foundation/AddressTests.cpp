@@ -9,6 +9,7 @@
 #include <map>
 #include <random>
 #include <string>
+#include <tuple>
 
 #include "HostPortText.h"
 #include "TestSeed.h"
@@ -66,22 +67,18 @@ TEST(Addresses, TextsReadAndFormatAsTheRulesSay) {
 }
 
 TEST(Addresses, EqualityAndPrefixesFollowThePortRule) {
-    const struct {
-        const char *a, *b;
-        int bits;  // -1: equality
-        bool expected;
-    } cases[] = {
+    const std::tuple<const char*, const char*, int, bool> cases[] = {
+        // bits -1: equality
         {"10.0.0.1", "10.0.0.1:22", -1, true},    {"10.0.0.1:21", "10.0.0.1:22", -1, false},
         {"10.1.2.3", "10.1.200.9", 16, true},     {"10.1.2.3", "10.1.200.9", 17, false},
         {"10.0.0.1", "10.0.0.1", 33, true},       {"0.0.0.0:1", "9.9.9.9:1", 0, true},
         {"fe80::1", "fe80::2", 126, true},        {"fe80::1", "fe80::2", 127, false},
         {"fe80::1%3", "fe80::1%4", -1, true},     {"[fe80::1]:22", "[fe80::1]:23", 64, false},
         {"::ffff:10.0.0.1", "10.0.0.1", 0, false}};
-    for (const auto& c : cases) {
-        const VRefPtr<IInternetAddress> a = Parse(c.a), b = Parse(c.b);
-        EXPECT_EQ(c.bits < 0 ? a->Equals(*b) : a->MatchesPrefix(*b, static_cast<uint32_t>(c.bits)),
-                  c.expected)
-            << c.a << " " << c.b << " " << c.bits;
+    for (const auto& [a, b, bits, expected] : cases) {
+        const VRefPtr<IInternetAddress> first = Parse(a), second = Parse(b);
+        EXPECT_EQ(bits < 0 ? first->Equals(*second) : first->MatchesPrefix(*second, bits), expected)
+            << a << " " << b << " " << bits;
     }
 }
 

@@ -15,26 +15,14 @@
 
 namespace {
 
-// Every call of the sinks, as lines; those made on another thread than the
-// test's are marked.
-struct Log {
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::vector<std::string> lines;
-
-    // Waits until count lines are there (10 s at most).
-    std::vector<std::string> Lines(size_t count) {
-        std::unique_lock<std::mutex> lock(mutex);
-        changed.wait_for(lock, std::chrono::seconds(10), [&] { return lines.size() >= count; });
-        return lines;
-    }
-};
-
 class IRecorder : public ISocketEvents, public ISocketCommandStatus {};
 
+// Writes every call of the sinks as a line to its own log or another
+// recorder's, marking the calls made on another thread than the test's.
 class Recorder final : public VUnknown<IRecorder> {
 public:
-    Recorder(Log& log, const char* name) : log_(log), name_(name) {}
+    explicit Recorder(const char* name, Recorder* log = nullptr)
+        : name_(name), log_(log ? *log : *this) {}
 
     void OnConnect(DWORD error) override { Add("connect " + std::to_string(error)); }
     void OnReceive(const void* data, size_t length) override {
@@ -45,22 +33,28 @@ public:
         Add(std::to_string(report.GetLevel()) + ": " + VString(report.GetTextAsString()).c_str());
     }
 
+    // Waits until count lines are there (10 s at most).
+    std::vector<std::string> Lines(size_t count) {
+        std::unique_lock<std::mutex> lock(mutex_);
+        changed_.wait_for(lock, std::chrono::seconds(10), [&] { return lines_.size() >= count; });
+        return lines_;
+    }
+
 private:
     void Add(const std::string& what) {
-        const std::lock_guard<std::mutex> lock(log_.mutex);
-        log_.lines.push_back((GetCurrentThreadId() == testThread_ ? "" : "(worker) ") + name_ +
-                             " " + what);
-        log_.changed.notify_all();
+        const std::lock_guard<std::mutex> lock(log_.mutex_);
+        const char* thread = GetCurrentThreadId() == testThread_ ? "" : "(worker) ";
+        log_.lines_.push_back(thread + name_ + " " + what);
+        log_.changed_.notify_all();
     }
 
     const DWORD testThread_ = GetCurrentThreadId();
-    Log& log_;
-    std::string name_;
+    const std::string name_;
+    Recorder& log_;
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::vector<std::string> lines_;
 };
-
-VRefPtr<Recorder> NewRecorder(Log& log, const char* name) {
-    return VRefPtr<Recorder>::Adopt(new Recorder(log, name));
-}
 
 class CommandSocket : public ::testing::Test {
 protected:
@@ -87,19 +81,18 @@ protected:
             inner.Get(), events_.Get(), events_.Get(), VUnicodeString(commandLine)));
     }
 
-    Log log_;
-    VRefPtr<Recorder> events_ = NewRecorder(log_, "events");
+    VRefPtr<Recorder> events_ = VRefPtr<Recorder>::Adopt(new Recorder("events"));
     SocketHandle listener_{socket(AF_INET, SOCK_STREAM, 0)};
     std::string port_ = Listen(listener_);
 };
 
 TEST_F(CommandSocket, ConnectsRunTheCommandThenReachTheListenerOnTheCommandsThread) {
     VReportMessageParams report;
-    const auto completion = NewRecorder(log_, "completion");
+    const auto completion = VRefPtr<Recorder>::Adopt(new Recorder("completion", events_.Get()));
     const VRefPtr<VCommandSocket> exits3 = NewSocket(L"cmd.exe /c exit 3");
     ASSERT_TRUE(exits3->Connect(("127.0.0.1:" + port_).c_str(), completion.Get(), report));
     EXPECT_TRUE(exits3->IsWaitingForCommand());
-    log_.Lines(4);
+    events_->Lines(4);
     const VRefPtr<VCommandSocket> missing = NewSocket(L"no-such-program-here.exe");
     ASSERT_TRUE(missing->Connect(port_.c_str(), "localhost", 0, completion.Get(), report));
     const std::string ended =
@@ -114,7 +107,7 @@ TEST_F(CommandSocket, ConnectsRunTheCommandThenReachTheListenerOnTheCommandsThre
         ended + "2" + why,
         "(worker) completion connect 0",
         "(worker) events connect 0"};
-    EXPECT_EQ(log_.Lines(8), expected);
+    EXPECT_EQ(events_->Lines(8), expected);
     DWORD codes[2] = {};
     EXPECT_TRUE(exits3->GetCommandStatus(codes[0]) && missing->GetCommandStatus(codes[1]));
     EXPECT_TRUE(codes[0] == 3 && codes[1] == ERROR_FILE_NOT_FOUND &&
@@ -130,7 +123,7 @@ TEST_F(CommandSocket, ConnectsRunTheCommandThenReachTheListenerOnTheCommandsThre
     send(peer.Get(), "pong", 4, 0);
     peer.Reset();
     EXPECT_TRUE(exits3->Receive(5000, report) && exits3->Receive(5000, report));
-    const std::vector<std::string> lines = log_.Lines(10);
+    const std::vector<std::string> lines = events_->Lines(10);
     EXPECT_EQ(std::vector<std::string>(lines.begin() + 8, lines.end()),
               (std::vector<std::string>{"events receive pong", "events shutdown 0"}));
 }
@@ -159,16 +152,16 @@ TEST_F(CommandSocket, EveryOutcomeReachesTheCompletionAndLeavesNoHandleBehind) {
     for (int round = 0; round < rounds; ++round) {
         if (round == 1) before = CountHandles();
         for (const auto& c : cases) {
-            Log log;
-            const auto completion = NewRecorder(log, "completion");
+            const auto completion = VRefPtr<Recorder>::Adopt(new Recorder("completion"));
             const VRefPtr<VCommandSocket> socket = NewSocket(L"cmd.exe /c exit 0");
             VReportMessageParams report;
             ASSERT_TRUE(socket->Connect(c.destination.c_str(), completion.Get(), report));
             EXPECT_FALSE(socket->Connect(c.destination.c_str(), completion.Get(), report));
             EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(WSAEALREADY));
             if (c.closeWhileWaiting) socket->Close();
-            ASSERT_EQ(log.Lines(1), std::vector<std::string>{"(worker) completion connect " +
-                                                             std::to_string(c.error)});
+            ASSERT_EQ(
+                completion->Lines(1),
+                std::vector<std::string>{"(worker) completion connect " + std::to_string(c.error)});
             EXPECT_EQ(socket->IsConnected(), c.error == 0);
             if (c.error == 0) SocketHandle(accept(listener_.Get(), nullptr, nullptr));
         }

@@ -17,6 +17,17 @@
 namespace {
 
 constexpr wchar_t PortAbsent[] = L"The setting \"Port\" has not been stored yet.\r\n";
+constexpr wchar_t Unknown[] = L"Could not retrieve the error text for error code 0x";
+
+class ReportMessages : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        ASSERT_TRUE(VReportMessageParams::LoadFallbackModule(ConfigMessagesModule));
+    }
+    void TearDown() override { VReportMessageParams::SetFallbackModule(fallback_); }
+
+    HMODULE fallback_ = VReportMessageParams::GetFallbackModule();
+};
 
 // What the formatter itself answers for one code from one place: the oracle
 // for the steps that hand a code to the system.
@@ -30,31 +41,18 @@ std::wstring FormatDirectly(DWORD flags, HMODULE module, DWORD code) {
     return text;
 }
 
-class ReportMessages : public ::testing::Test {
-protected:
-    static void SetUpTestSuite() {
-        ASSERT_TRUE(VReportMessageParams::LoadFallbackModule(ConfigMessagesModule));
-    }
-    void TearDown() override { VReportMessageParams::SetFallbackModule(fallback_); }
-
-    HMODULE fallback_ = VReportMessageParams::GetFallbackModule();
-};
-
+// A status code is NTDLL.DLL's; Wine's has no message table (error 1813),
+// which must count as "not found" so that the lookup goes on to the end.
 TEST_F(ReportMessages, SystemAndStatusCodesComeFromTheSystemsTables) {
-    const std::wstring system =
-        FormatDirectly(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, ERROR_ACCESS_DENIED);
+    const std::wstring system = FormatDirectly(FORMAT_MESSAGE_FROM_SYSTEM, {}, ERROR_ACCESS_DENIED);
     ASSERT_FALSE(system.empty());
     EXPECT_EQ(VReportMessageParams(ERROR_ACCESS_DENIED).GetText(), system);
-
-    const DWORD status = 0xC0000005;  // an access violation: NTDLL.DLL's, not the system's
-    ASSERT_TRUE(FormatDirectly(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, status).empty());
+    const DWORD status = 0xC0000005;  // an access violation
+    ASSERT_TRUE(FormatDirectly(FORMAT_MESSAGE_FROM_SYSTEM, {}, status).empty());
     const std::wstring ntdll =
         FormatDirectly(FORMAT_MESSAGE_FROM_HMODULE, GetModuleHandleW(L"ntdll.dll"), status);
-    // Wine's NTDLL.DLL carries no message table (error 1813): that counts as
-    // "not found", and the lookup must go on to the end.
     EXPECT_EQ(VReportMessageParams(status).GetText(),
-              ntdll.empty() ? L"Could not retrieve the error text for error code 0xc0000005.\r\n"
-                            : ntdll);
+              ntdll.empty() ? std::wstring(Unknown) + L"c0000005.\r\n" : ntdll);
 }
 
 // Inserts nobody gave stay as written: the formatter must not read past the
@@ -108,18 +106,23 @@ TEST_F(ReportMessages, ThreadsFormatAtOnce) {
     EXPECT_EQ(wrong, 0);
 }
 
-TEST_F(ReportMessages, TextIsCachedUntilTheCodeOrArgumentsChange) {
+TEST_F(ReportMessages, TextIsCachedUntilTheCodeOrArgumentsChangeAndCopiesShareArguments) {
     VReportMessageParams report(CONFIG_VALUE_ABSENT);
-    report.AddArgument(L"Port");
+    report.AddArgument(VUnicodeString(L"Port", Str::Sensitive));
+    report.SetLevel(1);
     const wchar_t* first = report.GetText();
     VReportMessageParams::SetFallbackModule(nullptr);  // formatting again would now fail
     EXPECT_EQ(report.GetText(), first);
     EXPECT_STREQ(first, PortAbsent);
+    EXPECT_TRUE(report.GetTextAsString().IsSensitive()) << "made of a sensitive argument";
+    const VReportMessageParams copy(report);
+    EXPECT_EQ(copy.GetArguments()[0].c_str(), report.GetArguments()[0].c_str());
+    EXPECT_TRUE(copy.GetLevel() == 1 && copy.GetMessageCode() == CONFIG_VALUE_ABSENT);
     report.AddArgument(L"ignored");
-    EXPECT_STREQ(report.GetText(),
-                 L"Could not retrieve the error text for error code 0xe1040040.\r\n");
+    EXPECT_STREQ(report.GetText(), (std::wstring(Unknown) + L"e1040040.\r\n").c_str());
     report.SetMessageCode(TEST_OWN_MODULE_TEXT);
     EXPECT_STREQ(report.GetText(), L"Text of the test module with %1 and %2.\r\n");
+    EXPECT_TRUE(report.GetArguments().IsEmpty() && copy.GetArguments().GetCount() == 1);
 }
 
 TEST_F(ReportMessages, TextAsStringRemovesExactlyOneLineEnd) {
@@ -132,22 +135,7 @@ TEST_F(ReportMessages, TextAsStringRemovesExactlyOneLineEnd) {
     // A text that does not end in a line break is left as it stands.
     VReportMessageParams unknown(0x0000BEEF);
     unknown.GetText();
-    EXPECT_EQ(unknown.GetTextAsString(),
-              L"Could not retrieve the error text for error code 0x0000beef.");
-}
-
-TEST_F(ReportMessages, CopiesShareArgumentsButNotTheTextAndSensitiveArgumentsMarkIt) {
-    VReportMessageParams report(TEST_OWN_MODULE_TEXT);
-    report.Set(TEST_OWN_MODULE_TEXT, VUnicodeString(L"one", Str::Sensitive),
-               VUnicodeString(L"two"));
-    report.SetLevel(1);
-    const VReportMessageParams copy(report);
-    EXPECT_EQ(copy.GetArguments()[0].c_str(), report.GetArguments()[0].c_str());
-    EXPECT_TRUE(copy.GetLevel() == 1 && copy.GetMessageCode() == TEST_OWN_MODULE_TEXT);
-    EXPECT_TRUE(report.GetTextAsString().IsSensitive());
-    report.Clear();
-    EXPECT_TRUE(report.GetArguments().IsEmpty());
-    EXPECT_EQ(copy.GetArguments().GetCount(), 2u);
+    EXPECT_EQ(unknown.GetTextAsString(), VUnicodeString(Unknown) + L"0000beef.");
 }
 
 }  // namespace

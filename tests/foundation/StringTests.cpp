@@ -5,6 +5,7 @@
 
 #include <stdexcept>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "BlockRecorder.h"
@@ -29,12 +30,10 @@ TEST_F(StringBlocks, BlocksHaveExactSizesTheDocumentedHeaderAndGrowToTheExactLen
         VUnicodeString wide(L"hello");
         VString narrow("hello");
         const Str::BlockHeader* header = HeaderOf(wide.c_str());
-        EXPECT_EQ(header->capacityBytes * 100 + header->lengthBytes, 12u * 100 + 10);
-        EXPECT_EQ(header->characters, wide.c_str());
-        EXPECT_EQ(header->references, 1);
-        EXPECT_EQ(
-            HeaderOf(narrow.c_str())->capacityBytes * 100 + HeaderOf(narrow.c_str())->lengthBytes,
-            6u * 100 + 5);
+        EXPECT_TRUE(header->capacityBytes == 12 && header->lengthBytes == 10 &&
+                    header->characters == wide.c_str() && header->references == 1);
+        EXPECT_TRUE(HeaderOf(narrow.c_str())->capacityBytes == 6 &&
+                    HeaderOf(narrow.c_str())->lengthBytes == 5);
         wide.Delete(0, 1);
         wide.Append(L"!");  // unshared, with room: written in place
         EXPECT_EQ(HeaderOf(wide.c_str()), header);
@@ -68,8 +67,7 @@ TEST_F(StringBlocks, CopiesShareOneBlockUntilAWrite) {
     EXPECT_TRUE(copy.c_str() == original.c_str() && third.c_str() == original.c_str());
     EXPECT_EQ(HeaderOf(original.c_str())->references, 3);
     copy.Append(L"!");
-    EXPECT_EQ(original, L"shared");
-    EXPECT_EQ(copy, L"shared!");
+    EXPECT_TRUE(original == L"shared" && copy == L"shared!");
     EXPECT_EQ(HeaderOf(original.c_str())->references, 2);
     EXPECT_EQ(allocations.size(), 2u);
 }
@@ -82,10 +80,16 @@ TEST_F(StringBlocks, SensitivityIsStickyAndSpreadsToWhatSensitiveTextIsAppendedT
     EXPECT_FALSE(plain.IsSensitive());
     secret = VUnicodeString(L"moved in");
     EXPECT_TRUE(secret.IsSensitive() && secret == L"moved in");
-    // Moved away, a sensitive variable stays sensitive: it may be filled again.
+    // Moved away or emptied, a sensitive variable stays sensitive: it may be filled again.
     VUnicodeString target;
     target = std::move(secret);
     EXPECT_TRUE(target.IsSensitive() && secret.IsSensitive() && secret.IsEmpty());
+    target.Empty();
+    EXPECT_TRUE(target.IsSensitive() && VUnicodeString(VString("", Str::Sensitive)).IsSensitive());
+    const size_t allocated = allocations.size();
+    EXPECT_TRUE(VUnicodeString(L"").c_str() == VUnicodeString().c_str() &&
+                allocations.size() == allocated)
+        << "empty strings share one block";
 
     VUnicodeString message(L"password: ");
     message.Append(VUnicodeString(L"hunter2", Str::Sensitive));
@@ -96,33 +100,32 @@ TEST_F(StringBlocks, SensitivityIsStickyAndSpreadsToWhatSensitiveTextIsAppendedT
     EXPECT_FALSE(plain.IsSensitive()) << "a failed insert marks nothing";
 }
 
-TEST_F(StringBlocks, EmptyStringsAreTheSharedOnesOfTheRightState) {
-    VUnicodeString secret(L"secret", Str::Sensitive);
-    secret.Empty();
-    EXPECT_TRUE(secret.IsSensitive());
-    EXPECT_EQ(secret.c_str(), VUnicodeString(Str::Sensitive).c_str());
-    EXPECT_EQ(VUnicodeString().c_str(), VUnicodeString(L"").c_str());
-    EXPECT_NE(VUnicodeString().c_str(), VUnicodeString(Str::Sensitive).c_str());
-    EXPECT_NE(static_cast<const void*>(VString().c_str()),
-              static_cast<const void*>(VUnicodeString().c_str()));
-    const VUnicodeString fromSensitiveNarrow{VString("", Str::Sensitive)};
-    EXPECT_EQ(fromSensitiveNarrow.c_str(), VUnicodeString(Str::Sensitive).c_str());
-    EXPECT_EQ(allocations.size(), 1u) << "only \"secret\" itself";
-}
-
-// Text appended in the other width passes through copies of its own; none
-// may keep it once they are freed.
-TEST_F(StringBlocks, AnAppendAcrossWidthsLeavesNoCopyOfTheTextBehind) {
+// Text appended across widths passes through copies of its own; none may
+// keep it once freed. The interface also sets and copies text and state.
+TEST_F(StringBlocks, TheInterfaceConvertsWidthsAndLeavesNoCopyOfTheTextBehind) {
     {
         VUnicodeStringI password(Str::Sensitive);
         static_cast<IString&>(password).AppendNarrow("hunter2");
-        EXPECT_EQ(password, L"hunter2");
         VStringI narrow(Str::Sensitive);
         static_cast<IString&>(narrow).AppendWide(L"hunter3");
-        EXPECT_EQ(narrow, "hunter3");
+        EXPECT_TRUE(password == L"hunter2" && narrow == "hunter3");
     }
     ASSERT_FALSE(releases.empty());
     for (const auto& released : releases) EXPECT_TRUE(released.IsWiped());
+
+    VUnicodeStringI wide(L"old", Str::Sensitive);
+    IString& asInterface = wide;
+    asInterface.SetNarrow("narrow", Str::NotSensitive);
+    EXPECT_TRUE(wide == L"narrow" && !wide.IsSensitive());
+    asInterface.SetWide(L"secret!", 6, Str::Sensitive);
+    asInterface.AppendNarrow("-n");
+    asInterface.AppendWide(L"-w", 1);
+    EXPECT_TRUE(wide == L"secret-n-" && wide.IsSensitive() && !asInterface.IsEmptyString());
+    VStringI narrow;
+    asInterface.CopyInto(narrow);
+    EXPECT_TRUE(narrow == "secret-n-" && narrow.IsSensitive());
+    narrow.SetWide(nullptr, Str::NotSensitive);
+    EXPECT_TRUE(narrow.IsEmptyString());
 }
 
 TEST(Strings, InsertsWithinTheLengthFromAnyTextAndThrowsBeyond) {
@@ -142,49 +145,43 @@ TEST(Strings, InsertsWithinTheLengthFromAnyTextAndThrowsBeyond) {
 }
 
 TEST(Strings, ParsesUnsignedDecimalNumbersStrictly) {
-    const struct {
-        const wchar_t* text;
-        uint64_t value;  // 0: refused
-    } cases[] = {{L"12", 12}, {L"12  \t", 12}, {L"18446744073709551615", UINT64_MAX},
-                 {L"", 0},    {L"-1", 0},      {L"12x", 0},
-                 {L"  ", 0},  {L"x12", 0},     {L"18446744073709551616", 0}};
-    for (const auto& c : cases) {
+    const std::pair<const wchar_t*, uint64_t> cases[] = {
+        // 0: refused
+        {L"12", 12}, {L"12  \t", 12}, {L"18446744073709551615", UINT64_MAX},
+        {L"", 0},    {L"-1", 0},      {L"12x", 0},
+        {L"  ", 0},  {L"x12", 0},     {L"18446744073709551616", 0}};
+    for (const auto& [text, expected] : cases) {
         uint64_t value = 7;
-        EXPECT_EQ(VUnicodeString::ParseUnsigned(c.text, value), c.value != 0);
-        EXPECT_EQ(value, c.value) << VString(c.text).c_str();
+        EXPECT_EQ(VUnicodeString::ParseUnsigned(text, value), expected != 0);
+        EXPECT_EQ(value, expected) << VString(text).c_str();
     }
     uint64_t value = 0;
     EXPECT_TRUE(VString::ParseUnsigned("42", value) && value == 42);
     EXPECT_FALSE(VUnicodeString::ParseUnsigned(nullptr, value));
 }
 
-TEST(Strings, ConvertsThroughTheAnsiCodePageKeepingSensitivity) {
-    const VUnicodeString wide(VString("Caf\xe9", Str::Sensitive));  // e-acute in code page 1252
-    EXPECT_TRUE(wide == L"Caf\u00e9" && wide.IsSensitive());
-    const VString narrow(VUnicodeString(L"Caf\u00e9"));
-    EXPECT_TRUE(narrow == "Caf\xe9" && !narrow.IsSensitive() && narrow.GetLength() == 4);
-}
-
 TEST(Strings, ComparesOverTheShorterLengthThenByLength) {
-    const struct {
-        VUnicodeString a, b;
-        int compare, noCase;  // signs
-    } cases[] = {{L"ab", L"abc", -1, -1},
-                 {L"b", L"abc", 1, 1},
-                 {L"Port", L"PORT", 1, 0},
-                 {L"por", L"PORT", 1, -1},
-                 {VUnicodeString(L"a\0b", 3), L"a", 1, 1}};  // the length decides, not a zero
+    const std::tuple<VUnicodeString, VUnicodeString, int, int> cases[] = {
+        // signs: exact, no case
+        {L"ab", L"abc", -1, -1},
+        {L"b", L"abc", 1, 1},
+        {L"Port", L"PORT", 1, 0},
+        {L"por", L"PORT", 1, -1},
+        {VUnicodeString(L"a\0b", 3), L"a", 1, 1}};  // the length decides, not a zero
     const auto sign = [](int n) { return (n > 0) - (n < 0); };
-    for (const auto& c : cases)
-        EXPECT_EQ(sign(c.a.Compare(c.b)) * 10 + sign(c.a.CompareNoCase(c.b)),
-                  c.compare * 10 + c.noCase)
-            << VString(c.a).c_str();
+    for (const auto& [a, b, exact, noCase] : cases)
+        EXPECT_TRUE(sign(a.Compare(b)) == exact && sign(a.CompareNoCase(b)) == noCase)
+            << VString(a).c_str();
     VUnicodeString upper(L"mixed Case 1");
     upper.MakeUpper();
     EXPECT_EQ(upper, L"MIXED CASE 1");
 }
 
-TEST(Strings, FormatsWithPositionalInsertsAndPrintf) {
+TEST(Strings, ConvertsThroughTheAnsiCodePageAndFormats) {
+    const VUnicodeString wide(VString("Caf\xe9", Str::Sensitive));  // e-acute in code page 1252
+    EXPECT_TRUE(wide == L"Caf\u00e9" && wide.IsSensitive());
+    const VString narrow(VUnicodeString(L"Caf\u00e9"));
+    EXPECT_TRUE(narrow == "Caf\xe9" && !narrow.IsSensitive() && narrow.GetLength() == 4);
     VUnicodeString text;
     ASSERT_TRUE(
         text.FormatPositional(L"%2 before %1, 0x%3!08x!, %4!hs!", L"one", L"two", 255u, "narrow"));
@@ -198,11 +195,11 @@ TEST(Strings, SubstringsSearchesAndTrimmingKeepSensitivity) {
     VUnicodeString text(L"  key = value \t", Str::Sensitive);
     text.Trim();
     EXPECT_TRUE(text == L"key = value" && text.IsSensitive());
-    EXPECT_EQ(text.Find(L'=') * 100 + text.Find(L"value"), 4u * 100 + 6);
-    EXPECT_EQ(text.Find(L"absent"), VUnicodeString::npos);
+    EXPECT_TRUE(text.Find(L'=') == 4 && text.Find(L"value") == 6 &&
+                text.Find(L"absent") == VUnicodeString::npos);
     EXPECT_TRUE(text.Mid(6) == L"value" && text.Mid(6).IsSensitive() && text.Left(3) == L"key");
-    EXPECT_TRUE(text.StartsWith(L"key") && text.EndsWith(L"value"));
-    EXPECT_FALSE(text.EndsWith(L"key = value!"));
+    EXPECT_TRUE(text.StartsWith(L"key") && text.EndsWith(L"value") &&
+                !text.EndsWith(L"key = value!"));
     EXPECT_THROW(text.Mid(12), std::out_of_range);
 }
 
@@ -215,22 +212,6 @@ TEST(Strings, CopiesMayBeReleasedOnManyThreads) {
         });
     for (auto& thread : threads) thread.join();
     EXPECT_EQ(HeaderOf(shared.c_str())->references, 1);
-}
-
-TEST(StringInterface, SetReplacesTextAndStateAndConvertsWidths) {
-    VUnicodeStringI wide(L"old", Str::Sensitive);
-    IString& asInterface = wide;
-    asInterface.SetNarrow("narrow", Str::NotSensitive);
-    EXPECT_TRUE(wide == L"narrow" && !wide.IsSensitive());
-    asInterface.SetWide(L"secret!", 6, Str::Sensitive);
-    asInterface.AppendNarrow("-n");
-    asInterface.AppendWide(L"-w", 1);
-    EXPECT_TRUE(wide == L"secret-n-" && wide.IsSensitive() && !asInterface.IsEmptyString());
-    VStringI narrow;
-    asInterface.CopyInto(narrow);
-    EXPECT_TRUE(narrow == "secret-n-" && narrow.IsSensitive());
-    narrow.SetWide(nullptr, Str::NotSensitive);
-    EXPECT_TRUE(narrow.IsEmptyString());
 }
 
 }  // namespace
