@@ -5,9 +5,7 @@
 
 #include <windows.h>
 
-#include <atomic>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "ConfigMessages.h"
@@ -85,25 +83,6 @@ TEST_F(ReportMessages, TextsComeFromTheModulesInOrderWithTheirInserts) {
     numbers.AddArgument(L"0x%1!08x!", 0x1fu);
     numbers.AddArgument(L"%1!u!", 4000000000u);
     EXPECT_STREQ(numbers.GetText(), L"Text of the test module with 0x0000001f and 4000000000.\r\n");
-}
-
-// Several threads load the fallback module and format at once, as a worker
-// thread's report and the user interface's may.
-TEST_F(ReportMessages, ThreadsFormatAtOnce) {
-    std::vector<std::thread> threads;
-    std::atomic<int> wrong{0};
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&wrong] {
-            VReportMessageParams::LoadFallbackModule(ConfigMessagesModule);
-            for (int i = 0; i < 200; ++i) {
-                VReportMessageParams report(i % 2 ? CONFIG_VALUE_ABSENT : 0xC0000005);
-                report.AddArgument(L"Port");
-                const std::wstring text = report.GetText();
-                wrong += (i % 2 ? text == PortAbsent : !text.empty()) ? 0 : 1;
-            }
-        });
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(wrong, 0);
 }
 
 TEST_F(ReportMessages, TextIsCachedUntilTheCodeOrArgumentsChangeAndCopiesShareArguments) {
