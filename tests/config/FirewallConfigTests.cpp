@@ -38,7 +38,7 @@ TEST_P(FirewallStore, AnOlderPasswordMovesToItsNewerNameWhenTheDefinitionIsRead)
         ASSERT_TRUE(again.FirewallPassword.GetPlainText(read, report));
         EXPECT_TRUE(again.FirewallPassword.Get().StartsWith(sealedAs) && read == plain &&
                     again.Equals(firewall))
-            << VString(read).c_str();
+            << read.c_str();
     }
 }
 
@@ -121,7 +121,7 @@ TEST(FirewallPrompts, OnlyATypeThatNeedsCredentialsAndHasNoneAsks) {
             // A save that failed is told once; the name is remembered instead.
             EXPECT_EQ(report.GetMessageCode(), !saves && call == 0 ? ERROR_ACCESS_DENIED : 0u);
         }
-        EXPECT_EQ(ui->asked, asked) << VString(type).c_str();
+        EXPECT_EQ(ui->asked, asked) << type;
         EXPECT_EQ(firewall.FirewallUser.Get(), storedAfter);
     }
 }

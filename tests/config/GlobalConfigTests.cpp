@@ -49,16 +49,15 @@ TEST(GlobalOptionTable, ReadsEveryListedNameOnceAndTheProductsPairsAsOneOption) 
     for (const VUnicodeString& name : GlobalConfig::GetProductDependentNames())
         perProduct.insert(name.c_str());
     for (const std::wstring& name : listed) {
-        EXPECT_EQ(readBy[Upper(name.c_str())].size(), 1u) << VString(name.c_str()).c_str();
+        EXPECT_EQ(readBy[Upper(name.c_str())].size(), 1u) << name;
         readBy.erase(Upper(name.c_str()));
         const std::wstring plain = name.substr(0, name.size() - 4);
         EXPECT_TRUE(!name.ends_with(L" FWX") || !listed.count(plain) || perProduct.count(plain))
-            << VString(name.c_str()).c_str();
+            << name;
     }
     ASSERT_EQ(readBy.size(), 2u) << "besides the listed names, the two start-up options";
     for (const auto& [name, options] : readBy)
-        EXPECT_TRUE(GlobalConfig::IsStartUpOption(*options.begin()))
-            << VString(name.c_str()).c_str();
+        EXPECT_TRUE(GlobalConfig::IsStartUpOption(*options.begin())) << name;
 }
 
 TEST(GlobalOptionTable, ReadSwitchTakesAPolicyForTheStartUpOptionsOnly) {
@@ -89,8 +88,7 @@ void ExpectSameValues(const GlobalConfig& expected, const GlobalConfig& actual) 
     GlobalConfig probe = actual;
     for (size_t i = 0; i < GlobalConfig::OptionCount; ++i) {
         probe.GetOption(i).CopyFrom(expected.GetOption(i));
-        EXPECT_FALSE(probe.GetOption(i).IsChanged())
-            << VString(probe.GetOption(i).GetName()).c_str();
+        EXPECT_FALSE(probe.GetOption(i).IsChanged()) << probe.GetOption(i).GetName().c_str();
     }
 }
 
@@ -106,14 +104,12 @@ protected:
     GlobalConfig Loaded(GlobalProduct product = GlobalProduct::Terminal) {
         GlobalConfig config(product);
         VReportMessageParams report;
-        EXPECT_TRUE(config.Load(Key(Global, true), report))
-            << VString(report.GetTextAsString()).c_str();
+        EXPECT_TRUE(config.Load(Key(Global, true), report)) << report.GetText();
         return config;
     }
     void Save(GlobalConfig& config) {
         VReportMessageParams report;
-        EXPECT_TRUE(config.Save(Key(Global), false, report))
-            << VString(report.GetTextAsString()).c_str();
+        EXPECT_TRUE(config.Save(Key(Global), false, report)) << report.GetText();
     }
 };
 
@@ -126,7 +122,7 @@ TEST_P(GlobalConfigStore, AnEmptyProfileGivesTheDefaultsAndTheNextSaveWritesTheS
             const VProfileData& option = loaded.GetOption(i);
             EXPECT_EQ(option.IsModified(), dynamic_cast<const GlobalSwitch*>(&option) ||
                                                dynamic_cast<const GlobalProtectedText*>(&option))
-                << VString(option.GetName()).c_str();
+                << option.GetName().c_str();
         }
         Save(loaded);
         EXPECT_EQ(StoredNumber(Global, L"Keep Shared Memory Agent Open"), 1u);
@@ -215,7 +211,7 @@ TEST(GlobalConfigFile, AFailedSaveIsReportedAndTheNextOneWritesEverything) {
     EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_GLOBAL_OPTIONS_NOT_SAVED));
     EXPECT_EQ(ReadWholeFile(file), "\xEF\xBB\xBF") << "the file is left alone";
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
-    ASSERT_TRUE(config.SaveToStore(report)) << VString(report.GetTextAsString()).c_str();
+    ASSERT_TRUE(config.SaveToStore(report)) << report.GetText();
     const std::string written = ReadWholeFile(file);
     EXPECT_NE(written.find("D:\"Timeout\"=00000063"), std::string::npos);
     EXPECT_NE(written.find("D:\"Retry Attempts\"=00000014"), std::string::npos)

@@ -24,7 +24,7 @@ constexpr wchar_t WebPath[] = L"Sessions\\Linux\\web";
 VUnicodeString PlainText(const VProfileEncryptedString& value) {
     VUnicodeString plain(Str::Sensitive);
     VReportMessageParams report;
-    EXPECT_TRUE(value.GetPlainText(plain, report)) << VString(report.GetTextAsString()).c_str();
+    EXPECT_TRUE(value.GetPlainText(plain, report)) << report.GetText();
     return plain;
 }
 
@@ -139,7 +139,7 @@ TEST_P(SessionConfigStore, OlderGenerationsOfASecretLoadIntoItAndAreBlankedAtThe
         for (const auto& [name, text] : older) key.SetString(name.c_str(), text);
         SessionConfig session = Loaded(path.c_str());
         const SessionSecret& secret = session.*member;
-        EXPECT_TRUE(PlainText(secret) == plain && secret.IsModified()) << VString(plain).c_str();
+        EXPECT_TRUE(PlainText(secret) == plain && secret.IsModified()) << plain;
         ASSERT_TRUE(session.Save(Key(path.c_str()), false));
         EXPECT_TRUE(StoredText(path.c_str(), secret.GetName().c_str()).StartsWith(L"02:"));
         for (const auto& [name, text] : older)
@@ -199,7 +199,7 @@ TEST_P(SessionConfigStore, AProtocolNameUnknownForTheModeIsTracedEmptiedAndTheDe
         EXPECT_EQ(traced, unknown ? std::vector<std::string>{line} : std::vector<std::string>());
         EXPECT_TRUE(session.GetProtocolName() == protocol &&
                     session.GetCurrentConnectConfig()->GetProtocolName() == protocol)
-            << VString(stored).c_str();
+            << stored;
         const auto& name = terminal ? session.ProtocolName : session.TransferProtocolName;
         EXPECT_EQ(name.Get(), unknown ? L"" : stored) << "an unknown name is emptied";
     }
@@ -235,7 +235,7 @@ INSTANTIATE_TEST_SUITE_P(BackEnds, SessionConfigStore,
 TEST(SessionConfigIdentity, OnlyTheTopLevelDefaultSpelledExactlyIsTheDefaultSession) {
     EXPECT_TRUE(SessionConfig(nullptr, L"Default").IsDefaultSession());
     for (const wchar_t* path : {L"default", L"DEFAULT", L"Linux\\Default", L"Defaults"})
-        EXPECT_FALSE(SessionConfig(nullptr, path).IsDefaultSession()) << VString(path).c_str();
+        EXPECT_FALSE(SessionConfig(nullptr, path).IsDefaultSession()) << path;
     EXPECT_EQ(SessionConfig(nullptr, L"Linux\\Old\\legacy").GetSessionName(), L"legacy");
     TerminalConfig block;
     for (const auto& [stored, known] :

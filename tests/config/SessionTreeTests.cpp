@@ -16,7 +16,7 @@ protected:
         data.Load(Key(path, true));
         EXPECT_TRUE(data.IsExpanded.Get() == expanded && data.FolderList.Get() == folders &&
                     data.SessionList.Get() == sessions)
-            << VString(path).c_str();
+            << path;
     }
 };
 

@@ -165,8 +165,7 @@ TEST(Strings, ComparesOverTheShorterLengthThenByLength) {
         {VUnicodeString(L"a\0b", 3), L"a", 1, 1}};  // the length decides, not a zero
     const auto sign = [](int n) { return (n > 0) - (n < 0); };
     for (const auto& [a, b, exact, noCase] : cases)
-        EXPECT_TRUE(sign(a.Compare(b)) == exact && sign(a.CompareNoCase(b)) == noCase)
-            << VString(a).c_str();
+        EXPECT_TRUE(sign(a.Compare(b)) == exact && sign(a.CompareNoCase(b)) == noCase) << a.c_str();
     VUnicodeString upper(L"mixed Case 1");
     upper.MakeUpper();
     EXPECT_EQ(upper, L"MIXED CASE 1");
