@@ -1,14 +1,14 @@
 // Sessions against both back ends of the store: a whole session saved and
-// read back, the defaults, "Is Session", the older generations of secrets and
-// names, the protocol names, and the command line; then clones and their
-// secrets.
+// read back, the defaults, "Is Session", older generations of secrets and
+// names, protocol names and the command line; then clones and their secrets.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
+#include "BlockRecorder.h"
 #include "FirewallConfig.h"
 #include "ProtocolConnectConfig.h"
 #include "SessionConfig.h"
@@ -24,34 +24,15 @@ constexpr wchar_t WebPath[] = L"Sessions\\Linux\\web";
 VUnicodeString PlainText(const VProfileEncryptedString& value) {
     VUnicodeString plain(Str::Sensitive);
     VReportMessageParams report;
-    EXPECT_TRUE(value.GetPlainText(plain, report)) << VString(report.GetTextAsString()).c_str();
+    EXPECT_TRUE(value.GetPlainText(plain, report)) << report.GetText();
     return plain;
 }
-
-// The lines that OutputDebugStringA sends while it lives: the system raises
-// them as exceptions, which a vectored handler sees first.
-class TraceCapture {
-public:
-    TraceCapture() : handler_(AddVectoredExceptionHandler(1, OnException)) { lines_.clear(); }
-    ~TraceCapture() { RemoveVectoredExceptionHandler(handler_); }
-    const std::vector<std::string>& Lines() const { return lines_; }
-
-private:
-    static LONG CALLBACK OnException(EXCEPTION_POINTERS* pointers) {
-        const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
-        if (record.ExceptionCode == DBG_PRINTEXCEPTION_C && record.NumberParameters >= 2)
-            lines_.emplace_back(reinterpret_cast<const char*>(record.ExceptionInformation[1]));
-        return EXCEPTION_CONTINUE_SEARCH;
-    }
-    static inline std::vector<std::string> lines_;
-    void* handler_;
-};
 
 class SessionConfigStore : public SessionStore {
 protected:
     SessionConfig Loaded(const wchar_t* path, SessionMode mode = SessionMode::Terminal) {
-        const VUnicodeString name(path + wcslen(L"Sessions\\"));
-        return SessionConfig(&Key(path, true), name, mode, &protocols_, provider_.Get());
+        return SessionConfig(&Key(path, true), path + wcslen(L"Sessions\\"), mode, &protocols_,
+                             provider_.Get());
     }
 
     VRefPtr<IPassphraseProvider> provider_ =
@@ -84,8 +65,7 @@ TEST_P(SessionConfigStore, ASavedSessionLoadsEqualInAFreshOneAndOpensWithItsComm
     ASSERT_TRUE(session.Save(Key(WebPath), false));
 
     const SessionConfig loaded = Loaded(WebPath);
-    EXPECT_TRUE(loaded.Equals(session));
-    EXPECT_TRUE(loaded.IsMarkedAsSession());
+    EXPECT_TRUE(loaded.Equals(session) && loaded.IsMarkedAsSession());
     EXPECT_EQ(loaded.GetProtocolName(), L"SSH2");
     EXPECT_EQ(PlainText(loaded.LoginScript), L"login:\r\nalice");
     VTimeZone zone;
@@ -102,36 +82,30 @@ TEST_P(SessionConfigStore, ANullKeyAndAnEmptyOneGiveTheDefaults) {
     Key(L"Firewalls\\corp");
     const SessionConfig fromNull(nullptr, L"empty", SessionMode::Terminal, &protocols_);
     const SessionConfig fromEmpty = Loaded(L"Sessions\\empty");
-    EXPECT_TRUE(fromNull.Equals(fromEmpty));
-    EXPECT_FALSE(fromNull.IsStored());
-    EXPECT_TRUE(fromEmpty.IsStored());
+    EXPECT_TRUE(fromNull.Equals(fromEmpty) && !fromNull.IsStored() && fromEmpty.IsStored());
     EXPECT_EQ(fromEmpty.GetProtocolName(), L"SSH2");
-    EXPECT_EQ(fromEmpty.MonitorListenAddress.Get(), L"0.0.0.0:22");
     VRefPtr<IInternetAddress> address;
     VReportMessageParams report;
     ASSERT_TRUE(fromEmpty.GetMonitorListenAddress(address, report));
-    EXPECT_TRUE(address->IsAnyAddress());
-    EXPECT_EQ(address->ToUnicodeString(true), L"0.0.0.0:22");
-    EXPECT_EQ(FirewallConfig(L"corp", nullptr).FirewallPort.Get(), 1080u);
+    EXPECT_TRUE(address->IsAnyAddress() && address->ToUnicodeString(true) == L"0.0.0.0:22");
     EXPECT_EQ(FirewallConfig(L"corp", &Key(L"Firewalls\\corp", true)).FirewallPort.Get(), 1080u);
 }
 
 TEST_P(SessionConfigStore, IsSessionIsAlwaysSetWhileItsSavedValueKeepsWhatTheKeyHeld) {
-    const struct {
-        int stored;  // -1: absent
-        bool otherValues;
-    } cases[] = {{-1, false}, {-1, true}, {0, false}, {0, true}, {1, false}, {2, true}};
+    // "Is Session" as stored (-1: absent), and whether the key holds other values
+    const std::pair<int, bool> cases[] = {{-1, false}, {-1, true}, {0, false},
+                                          {0, true},   {1, false}, {2, true}};
     int index = 0;
-    for (const auto& c : cases) {
+    for (const auto& [stored, otherValues] : cases) {
         const std::wstring path = L"Sessions\\s" + std::to_wstring(index++);
         VProfileKey& key = Key(path.c_str());
-        if (c.otherValues) key.SetString(L"Hostname", L"example.org");
-        if (c.stored >= 0) key.SetDword(SessionConfig::IsSessionName, c.stored);
+        if (otherValues) key.SetString(L"Hostname", L"example.org");
+        if (stored >= 0) key.SetDword(SessionConfig::IsSessionName, stored);
         SessionConfig session = Loaded(path.c_str());
-        const bool hasValuesFile = c.otherValues || c.stored >= 0;
         EXPECT_TRUE(session.IsSession.Get());
-        EXPECT_EQ(session.IsMarkedAsSession(), c.stored > 0 || (IsIniFile() && hasValuesFile))
-            << path;
+        EXPECT_EQ(session.IsMarkedAsSession(),
+                  stored > 0 || (IsIniFile() && (otherValues || stored >= 0)))
+            << stored;
         ASSERT_TRUE(session.Save(Key(path.c_str()), false));
         EXPECT_TRUE(Loaded(path.c_str()).IsMarkedAsSession()) << "the save marks the key";
     }
@@ -141,41 +115,37 @@ TEST_P(SessionConfigStore, OlderGenerationsOfASecretLoadIntoItAndAreBlankedAtThe
     VReportMessageParams report;
     VEncryptedString capi;  // no provider: protected with the logon
     ASSERT_TRUE(capi.SetPlainText(L"monitor", L"Monitor Password", report));
-    const struct {
-        SessionSecret SessionConfig::*member;
-        std::map<std::wstring, VUnicodeString> older;
-        const wchar_t* plain;
-    } cases[] = {
-        {&SessionConfig::LoginScript,
-         {{L"Login Script V2", VBlowfishString::Encode(L"from v2")},
-          {L"Login Script", L"from plain"}},
-         L"from v2"},
-        {&SessionConfig::LoginScript,
-         {{L"Login Script", L"line one\\r\\nline two"}},
-         L"line one\r\nline two"},
-        {&SessionConfig::MonitorPassword, {{L"Monitor Password", capi}}, L"monitor"},
-        {&SessionConfig::ScpShellPassword,
-         {{L"SCP Shell Password", VBlowfishString::Encode(L"scp")}},
-         L"scp"},
-        {&SessionConfig::PgpUploadCommand, {{L"PGP Upload Command", L"gpg -e"}}, L"gpg -e"},
-        {&SessionConfig::PgpDownloadCommand, {{L"PGP Download Command", L"gpg -d"}}, L"gpg -d"},
-    };
+    const std::tuple<SessionSecret SessionConfig::*, std::map<std::wstring, VUnicodeString>,
+                     const wchar_t*>
+        cases[] = {
+            // the secret, its older values, the plain text they give
+            {&SessionConfig::LoginScript,
+             {{L"Login Script V2", VBlowfishString::Encode(L"from v2")},
+              {L"Login Script", L"from plain"}},
+             L"from v2"},
+            {&SessionConfig::LoginScript, {{L"Login Script", L"one\\r\\ntwo"}}, L"one\r\ntwo"},
+            {&SessionConfig::MonitorPassword, {{L"Monitor Password", capi}}, L"monitor"},
+            {&SessionConfig::ScpShellPassword,
+             {{L"SCP Shell Password", VBlowfishString::Encode(L"scp")}},
+             L"scp"},
+            {&SessionConfig::PgpUploadCommand, {{L"PGP Upload Command", L"gpg -e"}}, L"gpg -e"},
+            {&SessionConfig::PgpDownloadCommand,
+             {{L"PGP Download Command", L"gpg -d"}},
+             L"gpg -d"}};
     int index = 0;
-    for (const auto& c : cases) {
+    for (const auto& [member, older, plain] : cases) {
         const std::wstring path = L"Sessions\\g" + std::to_wstring(index++);
         VProfileKey& key = Key(path.c_str());
-        for (const auto& [name, text] : c.older) key.SetString(name.c_str(), text);
+        for (const auto& [name, text] : older) key.SetString(name.c_str(), text);
         SessionConfig session = Loaded(path.c_str());
-        const SessionSecret& secret = session.*c.member;
-        EXPECT_EQ(PlainText(secret), c.plain);
-        EXPECT_TRUE(secret.IsModified());
+        const SessionSecret& secret = session.*member;
+        EXPECT_TRUE(PlainText(secret) == plain && secret.IsModified()) << plain;
         ASSERT_TRUE(session.Save(Key(path.c_str()), false));
         EXPECT_TRUE(StoredText(path.c_str(), secret.GetName().c_str()).StartsWith(L"02:"));
-        for (const auto& older : c.older)
-            EXPECT_EQ(StoredText(path.c_str(), older.first.c_str()), L"") << "blanked";
+        for (const auto& [name, text] : older)
+            EXPECT_EQ(StoredText(path.c_str(), name.c_str()), L"") << "blanked";
         const SessionConfig again = Loaded(path.c_str());
-        EXPECT_EQ(PlainText(again.*c.member), c.plain);
-        EXPECT_FALSE((again.*c.member).IsModified());
+        EXPECT_TRUE(PlainText(again.*member) == plain && !(again.*member).IsModified());
     }
 }
 
@@ -194,71 +164,66 @@ TEST_P(SessionConfigStore, OlderNamesOfTheHostAndTheTerminalMove) {
         << "moved by the load itself";
     EXPECT_EQ(StoredText(WebPath, L"Local Shell Command Pre-connect"), L"");
     ASSERT_TRUE(session.Save(Key(WebPath), false));
-    uint32_t number = 7;
-    EXPECT_TRUE(Key(WebPath, true).GetDword(L"Enable 80-132 Column Switching", number));
-    EXPECT_EQ(number, 0u);
-    EXPECT_FALSE(key_->GetDword(L"Enable 80/132 Column Switching", number));
+    EXPECT_EQ(StoredNumber(WebPath, L"Enable 80-132 Column Switching"), 0u);
+    EXPECT_EQ(StoredNumber(WebPath, L"Enable 80/132 Column Switching"), 0xDEADu);
     Key(WebPath).SetString(L"Firewall Name", L"None");
     EXPECT_EQ(Loaded(WebPath).GetRemoteHostConfig().GetFirewallName(), L"None")
         << "a name, once there, wins over the older switch";
 }
 
 TEST_P(SessionConfigStore, AProtocolNameUnknownForTheModeIsTracedEmptiedAndTheDefaultTaken) {
-    const struct {
-        SessionMode mode;
-        const wchar_t* stored;
-        const wchar_t* protocol;
-        bool traced;
-    } cases[] = {
+    const std::tuple<SessionMode, const wchar_t*, const wchar_t*, bool> cases[] = {
+        // mode, stored name, protocol taken, traced
         {SessionMode::Terminal, L"telnet/tls", L"Telnet/TLS", false},
         {SessionMode::Terminal, L"", L"SSH2", false},
         {SessionMode::Terminal, L"NONE", L"None", false},
         {SessionMode::Terminal, L"SFTP", L"SSH2", true},
         {SessionMode::Terminal, L"Gopher", L"SSH2", true},
         {SessionMode::Transfer, L"ftp/ssl (explicit)", L"FTP/SSL (explicit)", false},
-        {SessionMode::Transfer, L"Serial", L"SFTP", true},
-    };
-    for (const auto& c : cases) {
-        Key(WebPath).SetString(
-            c.mode == SessionMode::Terminal ? L"Protocol Name" : L"Transfer Protocol Name",
-            c.stored);
-        TraceCapture trace;
-        const SessionConfig session = Loaded(WebPath, c.mode);
-        EXPECT_EQ(session.GetProtocolName(), c.protocol) << c.stored;
-        EXPECT_EQ(session.GetCurrentConnectConfig()->GetProtocolName(), c.protocol);
-        const std::vector<std::string> expected = {
-            "Unknown protocol \"" + std::string(VString(VUnicodeString(c.stored)).c_str()) +
-            "\" using default protocol.\n"};
-        EXPECT_EQ(trace.Lines(), c.traced ? expected : std::vector<std::string>()) << c.stored;
-        const auto& name =
-            c.mode == SessionMode::Terminal ? session.ProtocolName : session.TransferProtocolName;
-        EXPECT_EQ(name.Get(), c.traced ? L"" : c.stored) << "an unknown name is emptied";
+        {SessionMode::Transfer, L"Serial", L"SFTP", true}};
+    // OutputDebugStringA raises its line as an exception, which a vectored handler sees first.
+    static std::vector<std::string> traced;
+    void* handler = AddVectoredExceptionHandler(1, [](EXCEPTION_POINTERS* pointers) -> LONG {
+        const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
+        if (record.ExceptionCode == DBG_PRINTEXCEPTION_C && record.NumberParameters >= 2)
+            traced.emplace_back(reinterpret_cast<const char*>(record.ExceptionInformation[1]));
+        return EXCEPTION_CONTINUE_SEARCH;
+    });
+    for (const auto& [mode, stored, protocol, unknown] : cases) {
+        const bool terminal = mode == SessionMode::Terminal;
+        Key(WebPath).SetString(terminal ? L"Protocol Name" : L"Transfer Protocol Name", stored);
+        traced.clear();
+        const SessionConfig session = Loaded(WebPath, mode);
+        const std::string line = "Unknown protocol \"" + std::string(VString(stored).c_str()) +
+                                 "\" using default protocol.\n";
+        EXPECT_EQ(traced, unknown ? std::vector<std::string>{line} : std::vector<std::string>());
+        EXPECT_TRUE(session.GetProtocolName() == protocol &&
+                    session.GetCurrentConnectConfig()->GetProtocolName() == protocol)
+            << stored;
+        const auto& name = terminal ? session.ProtocolName : session.TransferProtocolName;
+        EXPECT_EQ(name.Get(), unknown ? L"" : stored) << "an unknown name is emptied";
     }
+    RemoveVectoredExceptionHandler(handler);
 }
 
 TEST_P(SessionConfigStore, TheCommandLineNamesTheFirewallOnlyWhereTheConnectionGoesThroughIt) {
-    const struct {
-        const wchar_t* protocol;
-        const wchar_t* firewall;
-        const wchar_t* user;
-        const wchar_t* expected;
-    } cases[] = {
+    const wchar_t* cases[][4] = {
+        // protocol, firewall, user, command line
         {L"SSH2", L"None", L"%username%", L"/PROTOCOL SSH2 /L tester /P 22 example.org"},
         {L"Telnet", L"corp", L"alice", L"/FIREWALL corp /PROTOCOL Telnet /P 23 example.org"},
         {L"Serial", L"corp", L"alice",
          L"/PROTOCOL Serial /COM COM1 /BAUD 9600 /DATA 8 /PARITY 0 /STOP 0 /FLOW 0"},
         {L"Local Shell", L"None", L"", L"/PROTOCOL \"Local Shell\""},
-        {L"None", L"corp", L"alice", L"/S \"Linux\\web\""},
-    };
+        {L"None", L"corp", L"alice", L"/S \"Linux\\web\""}};
     SetEnvironmentVariableW(L"USERNAME", L"tester");
-    for (const auto& c : cases) {
+    for (const auto& [protocol, firewall, user, commandLine] : cases) {
         SessionConfig session = Loaded(WebPath);
-        session.SetProtocolName(c.protocol);
+        session.SetProtocolName(protocol);
         session.GetRemoteHostConfig().SetHostname(L"example.org");
-        session.GetRemoteHostConfig().SetFirewallName(c.firewall);
-        session.GetRemoteHostConfig().SetUsername(c.user);
+        session.GetRemoteHostConfig().SetFirewallName(firewall);
+        session.GetRemoteHostConfig().SetUsername(user);
         ASSERT_TRUE(session.Save(Key(WebPath), false));
-        EXPECT_EQ(Loaded(WebPath).GetCommandLineForm(), c.expected);
+        EXPECT_EQ(Loaded(WebPath).GetCommandLineForm(), commandLine);
     }
     EXPECT_EQ(SessionConfig(nullptr, L"Linux\\web").GetCommandLineForm(), L"/S \"Linux\\web\"")
         << "without a protocol table, a session connects by its name";
@@ -270,11 +235,11 @@ INSTANTIATE_TEST_SUITE_P(BackEnds, SessionConfigStore,
 TEST(SessionConfigIdentity, OnlyTheTopLevelDefaultSpelledExactlyIsTheDefaultSession) {
     EXPECT_TRUE(SessionConfig(nullptr, L"Default").IsDefaultSession());
     for (const wchar_t* path : {L"default", L"DEFAULT", L"Linux\\Default", L"Defaults"})
-        EXPECT_FALSE(SessionConfig(nullptr, path).IsDefaultSession()) << VString(path).c_str();
+        EXPECT_FALSE(SessionConfig(nullptr, path).IsDefaultSession()) << path;
     EXPECT_EQ(SessionConfig(nullptr, L"Linux\\Old\\legacy").GetSessionName(), L"legacy");
     TerminalConfig block;
-    for (const auto& [stored, known] : {std::pair{L"scoansi", L"SCO-ANSI"}, {L"vt220", L"VT220"},
-                                        {L"Teletype", L"Xterm"}}) {
+    for (const auto& [stored, known] :
+         {std::pair{L"scoansi", L"SCO-ANSI"}, {L"vt220", L"VT220"}, {L"Teletype", L"Xterm"}}) {
         block.Emulation.Set(stored);
         EXPECT_EQ(block.GetEmulationName(), known);
     }
@@ -284,11 +249,11 @@ TEST(RemoteHostConnect, APreConnectCommandRunsInACommandSocketAroundTheConnectio
     RemoteHostConfig host;
     const auto inner = VRefPtr<IStreamSocket>::Adopt(new VTcpSocket);
     const auto direct =
-        VRefPtr<IStreamSocket>::Adopt(host.CreateConnectSocket(inner.Get(), nullptr, nullptr));
+        VRefPtr<IStreamSocket>::Adopt(host.CreateConnectSocket(inner.Get(), {}, {}));
     EXPECT_EQ(direct.Get(), inner.Get()) << "no command: the socket itself";
     host.SetPreConnectCommand(L"cmd.exe /c exit 3");
     const auto wrapped =
-        VRefPtr<IStreamSocket>::Adopt(host.CreateConnectSocket(inner.Get(), nullptr, nullptr));
+        VRefPtr<IStreamSocket>::Adopt(host.CreateConnectSocket(inner.Get(), {}, {}));
     auto* command = dynamic_cast<VCommandSocket*>(wrapped.Get());
     ASSERT_NE(command, nullptr);
     VReportMessageParams report;
@@ -299,16 +264,6 @@ TEST(RemoteHostConnect, APreConnectCommandRunsInACommandSocketAroundTheConnectio
     command->Close();
 }
 
-// Records which blocks the strings give back, and whether they were all zeros.
-struct ReleasedBlocks {
-    static inline std::map<const void*, bool> wiped;
-    static void Release(void* memory, size_t bytes) {
-        const auto* begin = static_cast<const unsigned char*>(memory);
-        wiped[memory] = std::all_of(begin, begin + bytes, [](unsigned char b) { return b == 0; });
-        HeapFree(GetProcessHeap(), 0, memory);
-    }
-};
-
 TEST(SessionConfigClone, AClonesSecretsShareSensitiveBlocksAndReleasingBothWipesThem) {
     auto* session =
         new SessionConfig(nullptr, L"web", SessionMode::Terminal, &GetConnectProtocolTable());
@@ -318,31 +273,24 @@ TEST(SessionConfigClone, AClonesSecretsShareSensitiveBlocksAndReleasingBothWipes
     session->Terminal.Answerback.Set(L"plain text");
     auto* clone = dynamic_cast<SessionConfig*>(session->Clone());
     ASSERT_NE(clone, nullptr);
-    std::vector<const void*> blocks;
+    std::vector<const wchar_t*> secrets;
     for (const SessionConfig* config : {session, clone}) {
         for (const SessionSecret* secret : {&config->LoginScript, &config->MonitorPassword}) {
-            EXPECT_TRUE(secret->Get().IsSensitive());
-            EXPECT_TRUE(secret->GetSaved().IsSensitive());
-            blocks.push_back(reinterpret_cast<const Str::BlockHeader*>(secret->Get().c_str()) - 1);
+            EXPECT_TRUE(secret->Get().IsSensitive() && secret->GetSaved().IsSensitive());
+            secrets.push_back(secret->Get().c_str());
         }
     }
-    EXPECT_EQ(clone->LoginScript.Get().c_str(), session->LoginScript.Get().c_str()) << "shared";
+    EXPECT_EQ(secrets[2], secrets[0]) << "shared";
     EXPECT_EQ(clone->Terminal.Answerback.Get().c_str(), session->Terminal.Answerback.Get().c_str());
     EXPECT_NE(clone->GetConnectConfig(0).Get(), session->GetConnectConfig(0).Get());
     EXPECT_NE(&clone->GetRemoteHostConfig(), &session->GetRemoteHostConfig());
-
-    ReleasedBlocks::wiped.clear();
-    const Str::BlockAllocator previous = Str::ReplaceBlockAllocator(
-        {[](size_t bytes) { return HeapAlloc(GetProcessHeap(), 0, bytes); },
-         ReleasedBlocks::Release});
+    const BlockRecorder recorder;
     session->Release();
-    const size_t releasedWithOne = ReleasedBlocks::wiped.count(blocks[0]);
+    EXPECT_EQ(BlockRecorder::ReleaseOf(secrets[0]), nullptr) << "the clone still holds the block";
     clone->Release();
-    Str::ReplaceBlockAllocator(previous);
-    EXPECT_EQ(releasedWithOne, 0u) << "the clone still held the block";
-    for (const void* block : blocks) {
-        ASSERT_EQ(ReleasedBlocks::wiped.count(block), 1u);
-        EXPECT_TRUE(ReleasedBlocks::wiped[block]);
+    for (const wchar_t* secret : secrets) {
+        const BlockRecorder::Released* released = BlockRecorder::ReleaseOf(secret);
+        EXPECT_TRUE(released && released->IsWiped());
     }
 }
 

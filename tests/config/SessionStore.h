@@ -1,6 +1,6 @@
-// The fixture of the session, folder and firewall tests: both back ends of
-// the store, with every step through a key opened afresh in a new store, so
-// that what a step wrote has reached the registry or the files.
+// The fixture of the configuration tests: both back ends of the store, with
+// every step through a key opened afresh in a new store, so that what a step
+// wrote has reached the registry or the files.
 #pragma once
 
 #include <memory>
@@ -19,11 +19,16 @@ protected:
         return *key_;
     }
 
-    // The text a fresh key at path holds under name; "(none)" when none.
+    // What a fresh key at path holds under name: "(none)" or 0xDEAD when nothing.
     VUnicodeString StoredText(const wchar_t* path, const wchar_t* name) {
         VUnicodeString text(L"(none)");
         Key(path, true).GetString(name, text);
         return text;
+    }
+    uint32_t StoredNumber(const wchar_t* path, const wchar_t* name) {
+        uint32_t number = 0xDEAD;
+        Key(path, true).GetDword(name, number);
+        return number;
     }
 
     // The file back end reads "Is Session" as set whenever a key has a values file.

@@ -1,28 +1,22 @@
 // Addresses: formatting, comparison and the setters, then two seeded checks:
-// random addresses read back from their text, and fixed and generated texts
-// read as Python's ipaddress expects (address_oracle.py, seed fixed at build
-// time by TRAYWELL_ADDRESS_SEED). TRAYWELL_TEST_SEED replays a round trip.
+// random addresses read back from their text (TestSeed), and fixed and
+// generated texts read as Python's ipaddress expects (address_oracle.py, its
+// seed fixed at build time by TRAYWELL_ADDRESS_SEED).
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <map>
 #include <random>
 #include <string>
+#include <tuple>
 
 #include "HostPortText.h"
+#include "TestSeed.h"
 #include "VAddressIPv4.h"
 #include "VAddressIPv6.h"
 
 namespace {
-
-std::string Hex(const uint8_t* bytes, size_t length) {
-    std::string text;
-    for (size_t i = 0; i < length; ++i)
-        text += {"0123456789abcdef"[bytes[i] >> 4], "0123456789abcdef"[bytes[i] & 15]};
-    return text;
-}
 
 // The address text reads as: IPv4 if it can, else IPv6 (perhaps invalid).
 template <class Char>
@@ -45,25 +39,20 @@ std::string Reading(const Char* text) {
 // Which texts are addresses is the oracle's part (below); here, how they
 // are written back.
 TEST(Addresses, TextsReadAndFormatAsTheRulesSay) {
-    const struct {
-        const char* text;
-        const char* reading;
-    } cases[] = {{"10.0.0.1:22", "10.0.0.1:22"},
-                 {"0.0.0.0", "0.0.0.0:0 any"},
-                 {"127.255.0.1", "127.255.0.1:0 loopback"},
-                 {"[fe80::1]:2222", "fe80::1:2222"},
-                 {"fe80::1", "fe80::1:0"},
-                 {"[::1]", "::1:0 loopback"},
-                 {"[::]:0", ":::0 any"},
-                 {"[FE80:0000::0001]:7", "fe80::1:7"},
-                 {"[fe80::1%3]:22", "fe80::1%3:22"},
-                 {"fe80::1%0", "fe80::1:0"},
-                 {"::ffff:127.0.0.1", "::ffff:127.0.0.1:0"},
-                 {"10.0.0.1%3", "bad"}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(Reading(c.text), c.reading) << c.text;
-        const std::wstring wide(c.text, c.text + std::strlen(c.text));
-        EXPECT_EQ(Reading(wide.c_str()), c.reading) << c.text << " (wide)";
+    const char* cases[][2] = {{"10.0.0.1:22", "10.0.0.1:22"},
+                              {"0.0.0.0", "0.0.0.0:0 any"},
+                              {"127.255.0.1", "127.255.0.1:0 loopback"},
+                              {"[fe80::1]:2222", "fe80::1:2222"},
+                              {"[::1]", "::1:0 loopback"},
+                              {"[::]:0", ":::0 any"},
+                              {"[FE80:0000::0001]:7", "fe80::1:7"},
+                              {"[fe80::1%3]:22", "fe80::1%3:22"},
+                              {"fe80::1%0", "fe80::1:0"},
+                              {"::ffff:127.0.0.1", "::ffff:127.0.0.1:0"},
+                              {"10.0.0.1%3", "bad"}};
+    for (const auto& [text, reading] : cases) {
+        EXPECT_EQ(Reading(text), reading) << text;
+        EXPECT_EQ(Reading(std::wstring(text, text + std::strlen(text)).c_str()), reading) << text;
     }
     // Look-alike digits must not turn into real ones on the way to narrow text.
     EXPECT_EQ(Reading(L"\uFF11\uFF10.0.0.1"), "bad");
@@ -73,43 +62,35 @@ TEST(Addresses, TextsReadAndFormatAsTheRulesSay) {
                                  {L"::1", L"22", L"[::1]:22"},
                                  {L"", L"", L"[]"},
                                  {L"10.0.0.1", L"", L"10.0.0.1"}};
-    for (const auto& join : joins)
-        EXPECT_STREQ(JoinHostPort(VUnicodeString(join[0]), VUnicodeString(join[1])).c_str(),
-                     join[2]);
+    for (const auto& [host, port, joined] : joins)
+        EXPECT_STREQ(JoinHostPort(VUnicodeString(host), VUnicodeString(port)).c_str(), joined);
 }
 
 TEST(Addresses, EqualityAndPrefixesFollowThePortRule) {
-    const struct {
-        const char* a;
-        const char* b;
-        int bits;  // -1: equality
-        bool expected;
-    } cases[] = {
+    const std::tuple<const char*, const char*, int, bool> cases[] = {
+        // bits -1: equality
         {"10.0.0.1", "10.0.0.1:22", -1, true},    {"10.0.0.1:21", "10.0.0.1:22", -1, false},
         {"10.1.2.3", "10.1.200.9", 16, true},     {"10.1.2.3", "10.1.200.9", 17, false},
         {"10.0.0.1", "10.0.0.1", 33, true},       {"0.0.0.0:1", "9.9.9.9:1", 0, true},
         {"fe80::1", "fe80::2", 126, true},        {"fe80::1", "fe80::2", 127, false},
         {"fe80::1%3", "fe80::1%4", -1, true},     {"[fe80::1]:22", "[fe80::1]:23", 64, false},
         {"::ffff:10.0.0.1", "10.0.0.1", 0, false}};
-    for (const auto& c : cases) {
-        const VRefPtr<IInternetAddress> a = Parse(c.a);
-        const VRefPtr<IInternetAddress> b = Parse(c.b);
-        EXPECT_EQ(c.bits < 0 ? a->Equals(*b) : a->MatchesPrefix(*b, static_cast<uint32_t>(c.bits)),
-                  c.expected)
-            << c.a << " " << c.b << " " << c.bits;
+    for (const auto& [a, b, bits, expected] : cases) {
+        const VRefPtr<IInternetAddress> first = Parse(a), second = Parse(b);
+        EXPECT_EQ(bits < 0 ? first->Equals(*second) : first->MatchesPrefix(*second, bits), expected)
+            << a << " " << b << " " << bits;
     }
 }
 
 TEST(Addresses, SystemRecordsAndBytesSetOnlyTheirOwnFamily) {
-    const addrinfo hints{AI_NUMERICHOST, AF_UNSPEC, SOCK_DGRAM, IPPROTO_UDP, 0,
-                         nullptr,        nullptr,   nullptr};
+    const addrinfo hints{AI_NUMERICHOST, AF_UNSPEC, SOCK_DGRAM, IPPROTO_UDP, 0, {}, {}, {}};
     addrinfo* found = nullptr;
     ASSERT_EQ(getaddrinfo("127.0.0.2", "8080", &hints, &found), 0);
     VAddressIPv4 v4;
     VAddressIPv6 v6;
     EXPECT_TRUE(!v6.SetFromAddressInfo(*found) && v4.SetFromAddressInfo(*found));
     EXPECT_EQ(v4.ToString(true), "127.0.0.2:8080");
-    EXPECT_EQ(v4.GetSocketType() * 100 + v4.GetProtocol(), SOCK_DGRAM * 100 + IPPROTO_UDP);
+    EXPECT_TRUE(v4.GetSocketType() == SOCK_DGRAM && v4.GetProtocol() == IPPROTO_UDP);
     EXPECT_FALSE(v4.SetFromSocketAddress(found->ai_addr, static_cast<int>(found->ai_addrlen) - 1) ||
                  v4.IsValid() || v4.SetFromBytes("\1\2\3\4", 5) || v6.SetFromBytes("\1\2\3\4", 4));
     freeaddrinfo(found);
@@ -119,10 +100,9 @@ TEST(Addresses, SystemRecordsAndBytesSetOnlyTheirOwnFamily) {
 // wide, as an equal address with the same port that formats the same.
 template <class Address>
 void ExpectRoundTrip(const Address& address) {
-    const VString port(std::to_string(address.GetPort()).c_str());
-    const VString text = JoinHostPort(address.ToString(false), port);
-    Address narrow;
-    Address wide;
+    const VString text =
+        JoinHostPort(address.ToString(false), VString(std::to_string(address.GetPort()).c_str()));
+    Address narrow, wide;
     EXPECT_TRUE(narrow.SetFromText(text.c_str()) &&
                 wide.SetFromText(VUnicodeString(text).c_str()) && narrow.Equals(address) &&
                 narrow.GetPort() == address.GetPort() &&
@@ -132,11 +112,7 @@ void ExpectRoundTrip(const Address& address) {
 }
 
 TEST(Addresses, FormattedRandomAddressesReadBackTheSame) {
-    const char* fixed = std::getenv("TRAYWELL_TEST_SEED");
-    const uint64_t seed = fixed ? std::strtoull(fixed, nullptr, 0) : std::random_device()();
-    std::printf("round-trip seed %llu (TRAYWELL_TEST_SEED)\n",
-                static_cast<unsigned long long>(seed));
-    std::mt19937_64 random(seed);
+    std::mt19937_64 random(TestSeed("address round trip"));
     for (int i = 0; i < 20000 && !testing::Test::HasFailure(); ++i) {
         sockaddr_in6 socketAddress = VAddressIPv6().GetSocketAddress();
         uint8_t* bytes = reinterpret_cast<uint8_t*>(&socketAddress.sin6_addr);
@@ -155,16 +131,22 @@ TEST(Addresses, FormattedRandomAddressesReadBackTheSame) {
     }
 }
 
-// What our classes make of text, in the oracle's line format.
+// A reading in the oracle's line format.
+std::string Line(const char* kind, const uint8_t* bytes, size_t length, uint16_t port,
+                 ULONG scope) {
+    std::string line = std::string(kind) + "\t";
+    for (size_t i = 0; i < length; ++i)
+        line += {"0123456789abcdef"[bytes[i] >> 4], "0123456789abcdef"[bytes[i] & 15]};
+    return line + "\t" + std::to_string(port) + "\t" + std::to_string(scope);
+}
+
 std::string OurReading(const std::string& text) {
     VAddressIPv4 v4;
     VAddressIPv6 v6;
-    if (v4.SetFromText(text.c_str()))
-        return "v4\t" + Hex(v4.GetAddressBytes(), 4) + "\t" + std::to_string(v4.GetPort()) + "\t0";
+    if (v4.SetFromText(text.c_str())) return Line("v4", v4.GetAddressBytes(), 4, v4.GetPort(), 0);
     if (!v6.SetFromText(text.c_str())) return "bad\t\t0\t0";
     ExpectRoundTrip(v6);
-    return "v6\t" + Hex(v6.GetAddressBytes(), 16) + "\t" + std::to_string(v6.GetPort()) + "\t" +
-           std::to_string(v6.GetScopeId());
+    return Line("v6", v6.GetAddressBytes(), 16, v6.GetPort(), v6.GetScopeId());
 }
 
 TEST(Addresses, TextsReadAsPythonsIpaddressExpects) {
@@ -174,19 +156,17 @@ TEST(Addresses, TextsReadAsPythonsIpaddressExpects) {
     std::map<std::string, int> counts;
     for (std::string line; std::getline(cases, line);) {
         // hex text, tab, the expected reading, "|", the system's decimal reading or "-"
-        const size_t tab = line.find('\t');
-        const size_t bar = line.find('|');
+        const size_t tab = line.find('\t'), bar = line.find('|');
         std::string text;
         for (size_t i = 0; i + 1 < tab; i += 2)
             text += static_cast<char>(std::stoi(line.substr(i, 2), nullptr, 16));
         const std::string expected = line.substr(tab + 1, bar - tab - 1);
         const std::string reading = OurReading(text);
         ++counts[expected.substr(0, expected.find('\t'))];
-        if (reading != expected && reading == line.substr(bar + 1)) {
+        if (reading != expected && reading == line.substr(bar + 1))
             ++counts["decimal"];
-        } else if (reading != expected && ++counts["other"] <= 20) {
+        else if (reading != expected && ++counts["other"] <= 20)
             ADD_FAILURE() << "\"" << text << "\": ours " << reading << ", expected " << expected;
-        }
     }
     std::printf(
         "%s (ipaddress: %d IPv4, %d IPv6, %d refused); disagreements: %d where the system "

@@ -17,23 +17,12 @@ namespace {
 
 class IRecorder : public ISocketEvents, public ISocketCommandStatus {};
 
-// Writes every call of the sinks to a log shared by the recorders of a test,
-// marking the calls made on another thread than the test's.
+// Writes every call of the sinks as a line to its own log or another
+// recorder's, marking the calls made on another thread than the test's.
 class Recorder final : public VUnknown<IRecorder> {
 public:
-    struct Log {
-        std::mutex mutex;
-        std::condition_variable changed;
-        std::vector<std::string> lines;
-        // Waits until count lines are there (10 s at most).
-        std::vector<std::string> Lines(size_t count) {
-            std::unique_lock<std::mutex> lock(mutex);
-            changed.wait_for(lock, std::chrono::seconds(10), [&] { return lines.size() >= count; });
-            return lines;
-        }
-    };
-
-    Recorder(Log& log, const char* name) : log_(log), name_(name) {}
+    explicit Recorder(const char* name, Recorder* log = nullptr)
+        : name_(name), log_(log ? *log : *this) {}
 
     void OnConnect(DWORD error) override { Add("connect " + std::to_string(error)); }
     void OnReceive(const void* data, size_t length) override {
@@ -44,17 +33,27 @@ public:
         Add(std::to_string(report.GetLevel()) + ": " + VString(report.GetTextAsString()).c_str());
     }
 
+    // Waits until count lines are there (10 s at most).
+    std::vector<std::string> Lines(size_t count) {
+        std::unique_lock<std::mutex> lock(mutex_);
+        changed_.wait_for(lock, std::chrono::seconds(10), [&] { return lines_.size() >= count; });
+        return lines_;
+    }
+
 private:
     void Add(const std::string& what) {
-        const std::lock_guard<std::mutex> lock(log_.mutex);
-        log_.lines.push_back((GetCurrentThreadId() == testThread_ ? "" : "(worker) ") + name_ +
-                             " " + what);
-        log_.changed.notify_all();
+        const std::lock_guard<std::mutex> lock(log_.mutex_);
+        const char* thread = GetCurrentThreadId() == testThread_ ? "" : "(worker) ";
+        log_.lines_.push_back(thread + name_ + " " + what);
+        log_.changed_.notify_all();
     }
 
     const DWORD testThread_ = GetCurrentThreadId();
-    Log& log_;
-    std::string name_;
+    const std::string name_;
+    Recorder& log_;
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::vector<std::string> lines_;
 };
 
 class CommandSocket : public ::testing::Test {
@@ -64,7 +63,6 @@ protected:
         ASSERT_TRUE(StartWinsock(report) &&
                     VReportMessageParams::LoadFallbackModule(ConfigMessagesModule));
     }
-    void SetUp() override { port_ = Listen(listener_); }
 
     // Makes socket listen on a port of the loopback address, and gives the port.
     static std::string Listen(const SocketHandle& socket) {
@@ -83,38 +81,37 @@ protected:
             inner.Get(), events_.Get(), events_.Get(), VUnicodeString(commandLine)));
     }
 
-    Recorder::Log log_;
-    VRefPtr<Recorder> events_ = VRefPtr<Recorder>::Adopt(new Recorder(log_, "events"));
-    VRefPtr<Recorder> completion_ = VRefPtr<Recorder>::Adopt(new Recorder(log_, "completion"));
+    VRefPtr<Recorder> events_ = VRefPtr<Recorder>::Adopt(new Recorder("events"));
     SocketHandle listener_{socket(AF_INET, SOCK_STREAM, 0)};
-    std::string port_;
+    std::string port_ = Listen(listener_);
 };
 
 TEST_F(CommandSocket, ConnectsRunTheCommandThenReachTheListenerOnTheCommandsThread) {
     VReportMessageParams report;
+    const auto completion = VRefPtr<Recorder>::Adopt(new Recorder("completion", events_.Get()));
     const VRefPtr<VCommandSocket> exits3 = NewSocket(L"cmd.exe /c exit 3");
-    ASSERT_TRUE(exits3->Connect(("127.0.0.1:" + port_).c_str(), completion_.Get(), report));
+    ASSERT_TRUE(exits3->Connect(("127.0.0.1:" + port_).c_str(), completion.Get(), report));
     EXPECT_TRUE(exits3->IsWaitingForCommand());
-    log_.Lines(4);
+    events_->Lines(4);
     const VRefPtr<VCommandSocket> missing = NewSocket(L"no-such-program-here.exe");
-    ASSERT_TRUE(missing->Connect(port_.c_str(), "localhost", 0, completion_.Get(), report));
+    ASSERT_TRUE(missing->Connect(port_.c_str(), "localhost", 0, completion.Get(), report));
     const std::string ended =
-        "(worker) events 1: The command run before connecting ended with code ";
+        "(worker) events 1: The command run before connecting ended with code 0x0000000";
     const std::string why = " (its exit code, or the system error that kept it from starting).";
     const std::vector<std::string> expected = {
         "events 1: Running the command cmd.exe /c exit 3 before connecting.",
-        ended + "0x00000003" + why,
+        ended + "3" + why,
         "(worker) completion connect 0",
         "(worker) events connect 0",
         "events 1: Running the command no-such-program-here.exe before connecting.",
-        ended + "0x00000002" + why,
+        ended + "2" + why,
         "(worker) completion connect 0",
         "(worker) events connect 0"};
-    EXPECT_EQ(log_.Lines(8), expected);
+    EXPECT_EQ(events_->Lines(8), expected);
     DWORD codes[2] = {};
     EXPECT_TRUE(exits3->GetCommandStatus(codes[0]) && missing->GetCommandStatus(codes[1]));
-    EXPECT_EQ(codes[0] * 100 + codes[1], 3 * 100 + ERROR_FILE_NOT_FOUND);
-    EXPECT_FALSE(exits3->IsWaitingForCommand());
+    EXPECT_TRUE(codes[0] == 3 && codes[1] == ERROR_FILE_NOT_FOUND &&
+                !exits3->IsWaitingForCommand());
 
     // Connected for real: data and the end of the stream pass both ways.
     SocketHandle peer(accept(listener_.Get(), nullptr, nullptr));
@@ -126,7 +123,7 @@ TEST_F(CommandSocket, ConnectsRunTheCommandThenReachTheListenerOnTheCommandsThre
     send(peer.Get(), "pong", 4, 0);
     peer.Reset();
     EXPECT_TRUE(exits3->Receive(5000, report) && exits3->Receive(5000, report));
-    const std::vector<std::string> lines = log_.Lines(10);
+    const std::vector<std::string> lines = events_->Lines(10);
     EXPECT_EQ(std::vector<std::string>(lines.begin() + 8, lines.end()),
               (std::vector<std::string>{"events receive pong", "events shutdown 0"}));
 }
@@ -134,8 +131,7 @@ TEST_F(CommandSocket, ConnectsRunTheCommandThenReachTheListenerOnTheCommandsThre
 // The process's open handles. Wine's GetProcessHandleCount answers 0, so
 // every handle value of the table's first part is asked after instead.
 DWORD CountHandles() {
-    DWORD count = 0;
-    DWORD flags = 0;
+    DWORD count = 0, flags = 0;
     for (ULONG_PTR handle = 4; handle < 0x10000; handle += 4)
         count += GetHandleInformation(reinterpret_cast<HANDLE>(handle), &flags) ? 1 : 0;
     return count;
@@ -156,25 +152,25 @@ TEST_F(CommandSocket, EveryOutcomeReachesTheCompletionAndLeavesNoHandleBehind) {
     for (int round = 0; round < rounds; ++round) {
         if (round == 1) before = CountHandles();
         for (const auto& c : cases) {
-            Recorder::Log log;
-            const auto completion = VRefPtr<Recorder>::Adopt(new Recorder(log, "completion"));
+            const auto completion = VRefPtr<Recorder>::Adopt(new Recorder("completion"));
             const VRefPtr<VCommandSocket> socket = NewSocket(L"cmd.exe /c exit 0");
             VReportMessageParams report;
             ASSERT_TRUE(socket->Connect(c.destination.c_str(), completion.Get(), report));
             EXPECT_FALSE(socket->Connect(c.destination.c_str(), completion.Get(), report));
             EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(WSAEALREADY));
             if (c.closeWhileWaiting) socket->Close();
-            ASSERT_EQ(log.Lines(1), std::vector<std::string>{"(worker) completion connect " +
-                                                             std::to_string(c.error)});
+            ASSERT_EQ(
+                completion->Lines(1),
+                std::vector<std::string>{"(worker) completion connect " + std::to_string(c.error)});
             EXPECT_EQ(socket->IsConnected(), c.error == 0);
             if (c.error == 0) SocketHandle(accept(listener_.Get(), nullptr, nullptr));
         }
     }
     // Wine may open a handle of its own on the way; a leak would be one a run.
+    // Threads end after their completion: they are given a moment.
     constexpr DWORD slack = 2;
     DWORD after = CountHandles();
-    for (int wait = 0; wait < 20 && after > before + slack;
-         ++wait) {  // threads end after their completion
+    for (int wait = 0; wait < 20 && after > before + slack; ++wait) {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         after = CountHandles();
     }
