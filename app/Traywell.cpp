@@ -1,5 +1,6 @@
 #include "Traywell.h"
 
+#include "AddKeyCommand.h"
 #include "AgentUi.h"
 #include "ClientConfigUi.h"
 #include "CommonUi.h"
@@ -19,6 +20,7 @@ VReportMessageRouter* NoReportRouter() { return nullptr; }
 Traywell::Traywell() : windowManager_(std::make_unique<WindowManager>()) {}
 
 Traywell::~Traywell() {
+    agent_.reset();
     windowManager_.reset();
     if (registryFactory_ && CurrentProfileStoreFactory() == registryFactory_.get())
         SetRegistryStoreFactory(nullptr);
@@ -39,8 +41,18 @@ bool Traywell::InitInstance() {
         VMessageBox(failure);
         return false;
     }
-    // Another copy runs: this one ends without a word and without disturbing it.
-    if (mutexError == ERROR_ALREADY_EXISTS) return false;
+    // The command line's /AddKey goes to whichever copy runs; a bad one is
+    // told, and start-up goes on without it.
+    AddKeyCommand addKey;
+    VReportMessageParams addKeyReport;
+    if (!addKey.Read(VUnicodeString(GetCommandLineW(), Str::Sensitive), addKeyReport))
+        VMessageBox(addKeyReport, MB_OK | MB_ICONEXCLAMATION);
+    // Another copy runs: this one ends without disturbing it, and without a
+    // word unless it has a key to hand over.
+    if (mutexError == ERROR_ALREADY_EXISTS) {
+        keyHandedOver_ = addKey.IsRequested() && addKey.Run(nullptr);
+        return false;
+    }
 
     registryFactory_ = std::make_unique<VRegistryStoreFactory>(nullptr, L"SOFTWARE\\Quillon");
     SetRegistryStoreFactory(registryFactory_.get());
@@ -63,11 +75,29 @@ bool Traywell::InitInstance() {
     }
     SSH2::ClientUiInit(IsConfigPassphraseDisabled, GetConfigPassphrase,
                        UpdateProfileEncryptedString, GetProfileEncryptedPlaintextString);
+    StartAgent();
+    if (addKey.IsRequested()) addKey.Run(windowManager_->GetOpenDialogSlot());
     return true;
 }
 
+// The agent's keys live in the larger shared-memory cache. With "Keep Shared
+// Memory Agent Open" on, the agent holds it from start-up; with it off, no
+// shared memory is made until a client or the Manage Agent Keys window first
+// asks for the keys. When the pipe is taken (the system's own agent service
+// runs), the user is told, and the store stays for the Manage Agent Keys window.
+void Traywell::StartAgent() {
+    agent_ = std::make_unique<AgentService>();
+    GlobalConfig* config = nullptr;
+    GetGlobalConfig(config, -1);
+    VReportMessageParams report;
+    if (!agent_->Start(config->KeepSharedMemoryAgentOpen.Get(), report))
+        VMessageBox(report, MB_OK | MB_ICONEXCLAMATION);
+}
+
 int Traywell::ExitInstance() {
+    if (agent_) agent_->Stop();
     windowManager_->Shutdown();
     if (sshInitialized_) SSH2::CleanupForUnload();
-    return VWinApp::ExitInstance();
+    const int code = VWinApp::ExitInstance();
+    return keyHandedOver_ ? 0 : code;
 }

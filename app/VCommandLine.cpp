@@ -75,41 +75,53 @@ bool VCommandLine::Parse(const VUnicodeString& commandLine, VReportMessageParams
     return GetTextOption(L"/F", configFolder_, report, false);
 }
 
-bool VCommandLine::GetTextOption(const wchar_t* option, VUnicodeString& value, VReportMessageParams& report,
-                                 bool required) {
-    report.Clear();
-    value.Empty();
+size_t VCommandLine::FindSwitch(const wchar_t* option) const {
     const size_t optionLength = std::wcslen(option);
-    if (!IsSwitch(option, optionLength)) return false;
+    if (!IsSwitch(option, optionLength)) return npos;
     const VUnicodeString name(option + 1, optionLength - 1);
-
     for (size_t i = 0; i < tokens_.GetCount(); ++i) {
         const VUnicodeString& token = tokens_[i];
-        if (!IsSwitch(token.c_str(), token.GetLength()) || token.GetLength() != optionLength ||
-            !token.Mid(1).EqualsNoCase(name))
-            continue;
-        if (i + 1 == tokens_.GetCount()) {
-            report.Set(CONFIG_OPTION_VALUE_MISSING, VUnicodeString(option));
-            return false;
-        }
-        if (std::wcscmp(option, ConfigPassphraseOption) == 0) {
-            // A pass phrase lives only in sensitive strings: the caller's copy is
-            // private and sensitive, and the token's block is wiped when removed.
-            value.MakeSensitive();
-            value.Assign(tokens_[i + 1].c_str(), tokens_[i + 1].GetLength());
-            tokens_[i + 1].MakeSensitive();
-        } else {
-            value = tokens_[i + 1];
-        }
-        tokens_.RemoveAt(i + 1);
-        tokens_.RemoveAt(i);
-        return true;
+        if (IsSwitch(token.c_str(), token.GetLength()) && token.GetLength() == optionLength &&
+            token.Mid(1).EqualsNoCase(name))
+            return i;
     }
-    return !required;
+    return npos;
 }
 
-bool VCommandLine::GetNumberOption(const wchar_t* option, uint32_t& value, VReportMessageParams& report,
-                                   bool required) {
+bool VCommandLine::GetTextOption(const wchar_t* option, VUnicodeString& value,
+                                 VReportMessageParams& report, bool required) {
+    report.Clear();
+    value.Empty();
+    if (!IsSwitch(option, std::wcslen(option))) return false;
+    const size_t i = FindSwitch(option);
+    if (i == npos) return !required;
+    if (i + 1 == tokens_.GetCount()) {
+        report.Set(CONFIG_OPTION_VALUE_MISSING, VUnicodeString(option));
+        return false;
+    }
+    if (std::wcscmp(option, ConfigPassphraseOption) == 0) {
+        // A pass phrase lives only in sensitive strings: the caller's copy is
+        // private and sensitive, and the token's block is wiped when removed.
+        value.MakeSensitive();
+        value.Assign(tokens_[i + 1].c_str(), tokens_[i + 1].GetLength());
+        tokens_[i + 1].MakeSensitive();
+    } else {
+        value = tokens_[i + 1];
+    }
+    tokens_.RemoveAt(i + 1);
+    tokens_.RemoveAt(i);
+    return true;
+}
+
+bool VCommandLine::TakeSwitch(const wchar_t* option) {
+    const size_t i = FindSwitch(option);
+    if (i == npos) return false;
+    tokens_.RemoveAt(i);
+    return true;
+}
+
+bool VCommandLine::GetNumberOption(const wchar_t* option, uint32_t& value,
+                                   VReportMessageParams& report, bool required) {
     value = 0;
     VUnicodeString text;
     if (!GetTextOption(option, text, report, required)) return false;

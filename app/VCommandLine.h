@@ -1,6 +1,7 @@
 // The tray program's command line: split into tokens, with options looked up
-// (and consumed) by name. Only "/F", the configuration folder, is read at
-// start-up; every other token is ignored.
+// (and consumed) by name. Start-up reads "/F", the configuration folder,
+// "/ConfigPassphrase", and the agent's "/AddKey" with its options; every
+// other token is ignored.
 #pragma once
 
 #include <cstdint>
@@ -25,15 +26,26 @@ public:
     // is true unless required. False with CONFIG_OPTION_VALUE_MISSING when no
     // token follows the option. The value of "/ConfigPassphrase" comes back
     // sensitive and its token is wiped.
-    bool GetTextOption(const wchar_t* option, VUnicodeString& value, VReportMessageParams& report, bool required);
+    bool GetTextOption(const wchar_t* option, VUnicodeString& value, VReportMessageParams& report,
+                       bool required);
     // As GetTextOption, for a decimal number (0 when absent); a value with other
     // characters than digits fails with CONFIG_OPTION_NOT_A_NUMBER.
-    bool GetNumberOption(const wchar_t* option, uint32_t& value, VReportMessageParams& report, bool required);
+    bool GetNumberOption(const wchar_t* option, uint32_t& value, VReportMessageParams& report,
+                         bool required);
+
+    // Looks up a switch that takes no value (matched as GetTextOption
+    // matches) and removes it; whether it was there.
+    bool TakeSwitch(const wchar_t* option);
 
     const VArray<VUnicodeString>& GetTokens() const { return tokens_; }
 
 private:
+    static constexpr size_t npos = static_cast<size_t>(-1);
+
     void Tokenize(const VUnicodeString& commandLine);
+    // The index of option's first match among the tokens; npos for none, or
+    // when option is not written as a switch.
+    size_t FindSwitch(const wchar_t* option) const;
 
     VArray<VUnicodeString> tokens_;
     VUnicodeString configFolder_;

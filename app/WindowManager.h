@@ -70,6 +70,9 @@ public:
     // "/F \"<configuration folder>\"", put before every client's arguments.
     const VUnicodeString& GetClientConfigArgument() const { return configArgument_; }
     VRecentFileList* GetTransferRecentList() const { return transferRecent_.get(); }
+    // Where a dialog shown outside the menu's commands registers itself as
+    // the open dialog, so that the icon brings it forward.
+    VDialog** GetOpenDialogSlot() { return &openDialog_; }
 
 private:
     void KeepSharedMemoryCaches();

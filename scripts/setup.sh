@@ -28,6 +28,9 @@ PACKAGES=(
     dpkg-dev
     python3
     ccache
+    openssh-client
+    openssh-server
+    socat
 )
 
 log() { printf 'setup: %s\n' "$*" >&2; }

@@ -29,7 +29,8 @@ void ClientUiInit(
 bool LaunchManageAgentKeys(VProfileListViewState& listViewState, HWND parent,
                            VDialog** openDialog) {
     VListViewState state = listViewState.Get();
-    ManageAgentKeysDialog dialog(state, parent);
+    AgentKeyStore store;
+    ManageAgentKeysDialog dialog(state, store, parent);
     if (openDialog) *openDialog = &dialog;
     const INT_PTR result = dialog.DoModal();
     if (openDialog) *openDialog = nullptr;

@@ -3,9 +3,15 @@
 #include <commctrl.h>
 
 #include <iterator>
+#include <string>
 #include <vector>
 
-#include "AgentUiFunctions.h"
+#include <commdlg.h>
+
+#include "AddKeyDialog.h"
+#include "KeyFile.h"
+#include "Utf8Text.h"
+#include "VMessageBox.h"
 
 namespace {
 
@@ -17,11 +23,22 @@ struct Column {
 };
 
 constexpr Column Columns[] = {
-    {L"Comment", 160},
-    {L"Type", 80},
-    {L"Bits", 50},
-    {L"Fingerprint", 240},
+    {L"Type", 70},
+    {L"Bits", 45},
+    {L"Fingerprint", 365},
+    {L"Comment", 125},
 };
+
+// Other processes (the pipe's clients, a second window) change the keys;
+// the window looks for a change this often.
+constexpr UINT_PTR RefreshTimer = 1;
+constexpr UINT RefreshMs = 1000;
+
+VUnicodeString Wide(const AgentText& utf8) {
+    VUnicodeString text;
+    if (!ReadUtf8(reinterpret_cast<const uint8_t*>(utf8.data()), utf8.size(), text)) text = L"?";
+    return text;
+}
 
 constexpr int ColumnCount = static_cast<int>(std::size(Columns));
 
@@ -47,15 +64,22 @@ int CALLBACK CompareItems(LPARAM first, LPARAM second, LPARAM order) {
 
 }  // namespace
 
-ManageAgentKeysDialog::ManageAgentKeysDialog(VListViewState& state, HWND parent)
-    : VDialog(template_, parent), template_(MakeTemplate()), state_(state) {}
+ManageAgentKeysDialog::ManageAgentKeysDialog(VListViewState& state, AgentKeyStore& store,
+                                             HWND parent)
+    : VDialog(template_, parent), template_(MakeTemplate()), state_(state), store_(store) {}
 
 VDialogTemplate ManageAgentKeysDialog::MakeTemplate() {
-    VDialogTemplate dialog(L"Manage Agent Keys", 320, 186);
-    dialog.AddControl(L"Static", L"", ProtectionTextId, 7, 7, 306, 10, SS_LEFT);
-    dialog.AddControl(WC_LISTVIEWW, L"", ListViewId, 7, 20, 306, 138,
+    // Wide enough for the columns' own widths, with room for a scroll bar.
+    VDialogTemplate dialog(L"Manage Agent Keys", 434, 186);
+    dialog.AddControl(L"Static", L"", ProtectionTextId, 7, 7, 420, 10, SS_LEFT);
+    dialog.AddControl(WC_LISTVIEWW, L"", ListViewId, 7, 20, 420, 138,
                       LVS_REPORT | LVS_SHOWSELALWAYS | WS_TABSTOP, WS_EX_CLIENTEDGE);
-    dialog.AddControl(L"Button", L"Close", IDOK, 263, 165, 50, 14, BS_DEFPUSHBUTTON | WS_TABSTOP);
+    dialog.AddControl(L"Button", L"&Add Key...", AddKeyId, 7, 165, 60, 14,
+                      BS_PUSHBUTTON | WS_TABSTOP);
+    dialog.AddControl(L"Button", L"&Remove", RemoveId, 71, 165, 50, 14, BS_PUSHBUTTON | WS_TABSTOP);
+    dialog.AddControl(L"Button", L"Remove A&ll", RemoveAllId, 125, 165, 55, 14,
+                      BS_PUSHBUTTON | WS_TABSTOP);
+    dialog.AddControl(L"Button", L"Close", IDOK, 377, 165, 50, 14, BS_DEFPUSHBUTTON | WS_TABSTOP);
     return dialog;
 }
 
@@ -63,14 +87,16 @@ bool ManageAgentKeysDialog::OnInitDialog() {
     list_ = GetItem(ListViewId);
     ListView_SetExtendedListViewStyle(list_, LVS_EX_FULLROWSELECT | LVS_EX_HEADERDRAGDROP);
     AddColumns();
+    Refresh();
     ApplyState();
-    // Tells the user how keys kept by the agent are sealed in the settings.
-    const AgentUiFunctions& functions = GetAgentUiFunctions();
-    if (functions.isConfigPassphraseDisabled)
-        SetItemText(ProtectionTextId,
-                    functions.isConfigPassphraseDisabled()
-                        ? L"Stored keys are protected with your Windows logon."
-                        : L"Stored keys are protected with the configuration pass phrase.");
+    SetTimer(GetHwnd(), RefreshTimer, RefreshMs, nullptr);
+    // Tells the user how keys kept by the agent are sealed, or why the
+    // agent's keys cannot be shown.
+    VReportMessageParams report;
+    SetItemText(ProtectionTextId,
+                store_.CheckOpen(report)
+                    ? L"Keys are held for this logon session only, sealed with your Windows logon."
+                    : report.GetTextAsString().c_str());
     // Opened from the tray, the window has no owner to stand in front of.
     SetForegroundWindow(GetHwnd());
     return true;
@@ -80,7 +106,29 @@ void ManageAgentKeysDialog::OnOK() { Close(IDOK); }
 
 void ManageAgentKeysDialog::OnCancel() { Close(IDCANCEL); }
 
-bool ManageAgentKeysDialog::OnMessage(UINT message, WPARAM, LPARAM lParam, LRESULT& result) {
+bool ManageAgentKeysDialog::OnCommand(WORD id, WORD notifyCode, HWND control) {
+    switch (id) {
+        case AddKeyId:
+            AddKey();
+            return true;
+        case RemoveId:
+            RemoveSelected();
+            return true;
+        case RemoveAllId:
+            store_.RemoveAll();
+            Refresh();
+            return true;
+        default:
+            return VDialog::OnCommand(id, notifyCode, control);
+    }
+}
+
+bool ManageAgentKeysDialog::OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    if (message == WM_TIMER && wParam == RefreshTimer) {
+        if (store_.GetGeneration() != generation_) Refresh();
+        result = 0;
+        return true;
+    }
     if (message != WM_NOTIFY) return false;
     const auto* header = reinterpret_cast<const NMHDR*>(lParam);
     if (header->idFrom != ListViewId || header->code != LVN_COLUMNCLICK) return false;
@@ -144,7 +192,69 @@ void ManageAgentKeysDialog::SortBy(int column, bool ascending) {
     ListView_SortItemsEx(list_, CompareItems, reinterpret_cast<LPARAM>(&order));
 }
 
+void ManageAgentKeysDialog::Refresh() {
+    generation_ = store_.GetGeneration();
+    keys_ = store_.List();
+    ListView_DeleteAllItems(list_);
+    for (size_t index = 0; index < keys_.size(); ++index) {
+        const AgentKeyInfo& info = keys_[index];
+        // The type and bits come from the public key alone.
+        const wchar_t* label;
+        unsigned bits;
+        DescribePublicKey(info.publicBlob, label, bits);
+        const AgentText fingerprint = KeyFingerprint(info.publicBlob);
+        const std::wstring texts[ColumnCount] = {
+            label, std::to_wstring(bits), std::wstring(fingerprint.begin(), fingerprint.end()),
+            Wide(info.comment).c_str()};
+        LVITEMW item{};
+        item.mask = LVIF_TEXT | LVIF_PARAM;
+        item.iItem = static_cast<int>(index);
+        item.pszText = const_cast<wchar_t*>(texts[0].c_str());
+        item.lParam = static_cast<LPARAM>(index);
+        const int at = ListView_InsertItem(list_, &item);
+        for (int column = 1; column < ColumnCount; ++column)
+            ListView_SetItemText(list_, at, column, const_cast<wchar_t*>(texts[column].c_str()));
+    }
+    if (sortColumn_ >= 0) SortBy(sortColumn_, sortAscending_);
+}
+
+void ManageAgentKeysDialog::AddKey() {
+    wchar_t path[MAX_PATH] = {};
+    OPENFILENAMEW open{};
+    open.lStructSize = sizeof open;
+    open.hwndOwner = GetHwnd();
+    open.lpstrFilter = L"Private key files\0*.*\0";
+    open.lpstrFile = path;
+    open.nMaxFile = MAX_PATH;
+    open.lpstrTitle = L"Add Key";
+    open.Flags = OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY | OFN_EXPLORER;
+    if (!GetOpenFileNameW(&open)) return;
+
+    VReportMessageParams report;
+    LoadedKey key;
+    if (LoadKeyAsking(VUnicodeString(path), true, GetHwnd(), keyOptions_, key, report)) {
+        if (!store_.Add(key.key, key.comment, keyOptions_.LifetimeSeconds(), keyOptions_.confirm,
+                        report))
+            VMessageBox(report, MB_OK | MB_ICONEXCLAMATION, GetHwnd());
+    } else if (report.GetMessageCode() != 0) {
+        VMessageBox(report, MB_OK | MB_ICONEXCLAMATION, GetHwnd());
+    }
+    Refresh();
+}
+
+void ManageAgentKeysDialog::RemoveSelected() {
+    for (int item = -1; (item = ListView_GetNextItem(list_, item, LVNI_SELECTED)) >= 0;) {
+        LVITEMW read{};
+        read.mask = LVIF_PARAM;
+        read.iItem = item;
+        if (ListView_GetItem(list_, &read))
+            store_.Remove(keys_[static_cast<size_t>(read.lParam)].publicBlob);
+    }
+    Refresh();
+}
+
 void ManageAgentKeysDialog::Close(INT_PTR result) {
+    KillTimer(GetHwnd(), RefreshTimer);
     KeepState();
     EndDialog(result);
 }

@@ -132,11 +132,11 @@ void TraywellUnderTest::Type(const wchar_t* keys) const {
     WaitUntil([&] { return process.Windows(L"#32768").empty(); });
 }
 
-VUnicodeString TraywellUnderTest::TakeBoxText() const {
+VUnicodeString TraywellUnderTest::TakeBoxText(int button) const {
     const HWND box = WaitForDialog(MessageBoxTextId);
     wchar_t text[1024] = {};
     GetDlgItemTextW(box, MessageBoxTextId, text, 1024);
-    PostMessageW(box, WM_COMMAND, IDOK, 0);
+    PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
     WaitUntil([&] { return !IsWindow(box); });
     return text;
 }

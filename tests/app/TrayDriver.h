@@ -75,8 +75,9 @@ public:
         OpenMenu();
         Type(keys);
     }
-    // The text of its message box, which is then closed; empty when none comes.
-    VUnicodeString TakeBoxText() const;
+    // The text of its message box, which is then closed with button; empty
+    // when none comes.
+    VUnicodeString TakeBoxText(int button = IDOK) const;
     // Its dialog with control controlId; null when none comes.
     HWND WaitForDialog(int controlId) const;
     // The command lines of the clients it started.

@@ -1,0 +1,349 @@
+// Sessions against both back ends of the store: a whole session saved and
+// read back, the defaults, "Is Session", the older generations of secrets and
+// names, the protocol names, and the command line; then clones and their
+// secrets.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "FirewallConfig.h"
+#include "ProtocolConnectConfig.h"
+#include "SessionConfig.h"
+#include "SessionStore.h"
+#include "VBlowfishString.h"
+#include "VCommandSocket.h"
+#include "VTcpSocket.h"
+
+namespace {
+
+constexpr wchar_t WebPath[] = L"Sessions\\Linux\\web";
+
+VUnicodeString PlainText(const VProfileEncryptedString& value) {
+    VUnicodeString plain(Str::Sensitive);
+    VReportMessageParams report;
+    EXPECT_TRUE(value.GetPlainText(plain, report)) << VString(report.GetTextAsString()).c_str();
+    return plain;
+}
+
+// The lines that OutputDebugStringA sends while it lives: the system raises
+// them as exceptions, which a vectored handler sees first.
+class TraceCapture {
+public:
+    TraceCapture() : handler_(AddVectoredExceptionHandler(1, OnException)) { lines_.clear(); }
+    ~TraceCapture() { RemoveVectoredExceptionHandler(handler_); }
+    const std::vector<std::string>& Lines() const { return lines_; }
+
+private:
+    static LONG CALLBACK OnException(EXCEPTION_POINTERS* pointers) {
+        const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
+        if (record.ExceptionCode == DBG_PRINTEXCEPTION_C && record.NumberParameters >= 2)
+            lines_.emplace_back(reinterpret_cast<const char*>(record.ExceptionInformation[1]));
+        return EXCEPTION_CONTINUE_SEARCH;
+    }
+    static inline std::vector<std::string> lines_;
+    void* handler_;
+};
+
+class SessionConfigStore : public SessionStore {
+protected:
+    SessionConfig Loaded(const wchar_t* path, SessionMode mode = SessionMode::Terminal) {
+        const VUnicodeString name(path + wcslen(L"Sessions\\"));
+        return SessionConfig(&Key(path, true), name, mode, &protocols_, provider_.Get());
+    }
+
+    VRefPtr<IPassphraseProvider> provider_ =
+        VRefPtr<IPassphraseProvider>::Adopt(new VFixedPassphraseProvider(L"pass phrase"));
+};
+
+TEST_P(SessionConfigStore, ASavedSessionLoadsEqualInAFreshOneAndOpensWithItsCommandLine) {
+    SessionConfig session(nullptr, L"Linux\\web", SessionMode::Terminal, &protocols_,
+                          provider_.Get());
+    VReportMessageParams report;
+    session.Terminal.Emulation.Set(L"VT220");
+    session.Terminal.Rows.Set(50);
+    session.Terminal.XPosition.Set(-20);
+    session.Terminal.NormalFontV2.Set(VLogFont(L"Consolas", -16));
+    session.Terminal.KeymapV4.Set({1, 2, 3});
+    session.Description.Set(L"first\r\nsecond\tC:\\Logs");
+    session.ScpShellPrompts.Set(L"Password:\r\nanswer");
+    session.FilewrightBookmarks.Set({L"/var/log", L"C:\\Temp"});
+    session.FilenamesAlwaysUseUtf8.Set(VTriState::No);
+    session.TimeZone.Set(L"Tokyo Standard Time");
+    ASSERT_TRUE(session.LoginScript.SetPlainText(L"login:\r\nalice", report));
+    session.SetProtocolName(L"ssh2");
+    RemoteHostConfig& host = session.GetRemoteHostConfig();
+    host.SetHostname(L"example.org");
+    host.SetUsername(L"alice");
+    host.SetFirewallName(L"corp proxy");
+    auto* ssh2 = dynamic_cast<ProtocolConnectConfig*>(session.GetCurrentConnectConfig().Get());
+    ASSERT_NE(ssh2, nullptr);
+    ssh2->GetNumber(0)->Set(2222);
+    ASSERT_TRUE(session.Save(Key(WebPath), false));
+
+    const SessionConfig loaded = Loaded(WebPath);
+    EXPECT_TRUE(loaded.Equals(session));
+    EXPECT_TRUE(loaded.IsMarkedAsSession());
+    EXPECT_EQ(loaded.GetProtocolName(), L"SSH2");
+    EXPECT_EQ(PlainText(loaded.LoginScript), L"login:\r\nalice");
+    VTimeZone zone;
+    EXPECT_TRUE(loaded.GetTimeZone(zone, report)) << "a zone of the computer's database";
+    EXPECT_EQ(loaded.GetCommandLineForm(),
+              L"/FIREWALL \"corp proxy\" /PROTOCOL SSH2 /L alice /P 2222 example.org");
+    EXPECT_EQ(StoredText(WebPath, L"Description"), L"first\\r\\nsecond\\tC:\\\\Logs")
+        << "one line in the store";
+    EXPECT_EQ(StoredText(WebPath, L"Login Script V3").Find(L"alice"), VUnicodeString::npos);
+}
+
+TEST_P(SessionConfigStore, ANullKeyAndAnEmptyOneGiveTheDefaults) {
+    Key(L"Sessions\\empty");
+    Key(L"Firewalls\\corp");
+    const SessionConfig fromNull(nullptr, L"empty", SessionMode::Terminal, &protocols_);
+    const SessionConfig fromEmpty = Loaded(L"Sessions\\empty");
+    EXPECT_TRUE(fromNull.Equals(fromEmpty));
+    EXPECT_FALSE(fromNull.IsStored());
+    EXPECT_TRUE(fromEmpty.IsStored());
+    EXPECT_EQ(fromEmpty.GetProtocolName(), L"SSH2");
+    EXPECT_EQ(fromEmpty.MonitorListenAddress.Get(), L"0.0.0.0:22");
+    VRefPtr<IInternetAddress> address;
+    VReportMessageParams report;
+    ASSERT_TRUE(fromEmpty.GetMonitorListenAddress(address, report));
+    EXPECT_TRUE(address->IsAnyAddress());
+    EXPECT_EQ(address->ToUnicodeString(true), L"0.0.0.0:22");
+    EXPECT_EQ(FirewallConfig(L"corp", nullptr).FirewallPort.Get(), 1080u);
+    EXPECT_EQ(FirewallConfig(L"corp", &Key(L"Firewalls\\corp", true)).FirewallPort.Get(), 1080u);
+}
+
+TEST_P(SessionConfigStore, IsSessionIsAlwaysSetWhileItsSavedValueKeepsWhatTheKeyHeld) {
+    const struct {
+        int stored;  // -1: absent
+        bool otherValues;
+    } cases[] = {{-1, false}, {-1, true}, {0, false}, {0, true}, {1, false}, {2, true}};
+    int index = 0;
+    for (const auto& c : cases) {
+        const std::wstring path = L"Sessions\\s" + std::to_wstring(index++);
+        VProfileKey& key = Key(path.c_str());
+        if (c.otherValues) key.SetString(L"Hostname", L"example.org");
+        if (c.stored >= 0) key.SetDword(SessionConfig::IsSessionName, c.stored);
+        SessionConfig session = Loaded(path.c_str());
+        const bool hasValuesFile = c.otherValues || c.stored >= 0;
+        EXPECT_TRUE(session.IsSession.Get());
+        EXPECT_EQ(session.IsMarkedAsSession(), c.stored > 0 || (IsIniFile() && hasValuesFile))
+            << path;
+        ASSERT_TRUE(session.Save(Key(path.c_str()), false));
+        EXPECT_TRUE(Loaded(path.c_str()).IsMarkedAsSession()) << "the save marks the key";
+    }
+}
+
+TEST_P(SessionConfigStore, OlderGenerationsOfASecretLoadIntoItAndAreBlankedAtTheSave) {
+    VReportMessageParams report;
+    VEncryptedString capi;  // no provider: protected with the logon
+    ASSERT_TRUE(capi.SetPlainText(L"monitor", L"Monitor Password", report));
+    const struct {
+        SessionSecret SessionConfig::*member;
+        std::map<std::wstring, VUnicodeString> older;
+        const wchar_t* plain;
+    } cases[] = {
+        {&SessionConfig::LoginScript,
+         {{L"Login Script V2", VBlowfishString::Encode(L"from v2")},
+          {L"Login Script", L"from plain"}},
+         L"from v2"},
+        {&SessionConfig::LoginScript,
+         {{L"Login Script", L"line one\\r\\nline two"}},
+         L"line one\r\nline two"},
+        {&SessionConfig::MonitorPassword, {{L"Monitor Password", capi}}, L"monitor"},
+        {&SessionConfig::ScpShellPassword,
+         {{L"SCP Shell Password", VBlowfishString::Encode(L"scp")}},
+         L"scp"},
+        {&SessionConfig::PgpUploadCommand, {{L"PGP Upload Command", L"gpg -e"}}, L"gpg -e"},
+        {&SessionConfig::PgpDownloadCommand, {{L"PGP Download Command", L"gpg -d"}}, L"gpg -d"},
+    };
+    int index = 0;
+    for (const auto& c : cases) {
+        const std::wstring path = L"Sessions\\g" + std::to_wstring(index++);
+        VProfileKey& key = Key(path.c_str());
+        for (const auto& [name, text] : c.older) key.SetString(name.c_str(), text);
+        SessionConfig session = Loaded(path.c_str());
+        const SessionSecret& secret = session.*c.member;
+        EXPECT_EQ(PlainText(secret), c.plain);
+        EXPECT_TRUE(secret.IsModified());
+        ASSERT_TRUE(session.Save(Key(path.c_str()), false));
+        EXPECT_TRUE(StoredText(path.c_str(), secret.GetName().c_str()).StartsWith(L"02:"));
+        for (const auto& older : c.older)
+            EXPECT_EQ(StoredText(path.c_str(), older.first.c_str()), L"") << "blanked";
+        const SessionConfig again = Loaded(path.c_str());
+        EXPECT_EQ(PlainText(again.*c.member), c.plain);
+        EXPECT_FALSE((again.*c.member).IsModified());
+    }
+}
+
+TEST_P(SessionConfigStore, OlderNamesOfTheHostAndTheTerminalMove) {
+    VProfileKey& key = Key(WebPath);
+    key.SetDword(L"Enable 80/132 Column Switching", 0);
+    key.SetString(L"Local Shell Command Pre-connect", L"net use x: \\\\server\\share");
+    key.SetDword(L"Use Firewall", 1);
+    SessionConfig session(&Key(WebPath), L"Linux\\web");
+    EXPECT_FALSE(session.Terminal.Enable80132ColumnSwitching.Get());
+    EXPECT_EQ(session.GetRemoteHostConfig().GetFirewallName(), L"DefaultTerminalFirewall");
+    EXPECT_EQ(session.GetRemoteHostConfig().GetPreConnectCommand(),
+              L"net use x: \\\\server\\share");
+    EXPECT_EQ(StoredText(WebPath, L"Local Shell Command Pre-connect V2"),
+              L"net use x: \\\\server\\share")
+        << "moved by the load itself";
+    EXPECT_EQ(StoredText(WebPath, L"Local Shell Command Pre-connect"), L"");
+    ASSERT_TRUE(session.Save(Key(WebPath), false));
+    uint32_t number = 7;
+    EXPECT_TRUE(Key(WebPath, true).GetDword(L"Enable 80-132 Column Switching", number));
+    EXPECT_EQ(number, 0u);
+    EXPECT_FALSE(key_->GetDword(L"Enable 80/132 Column Switching", number));
+    Key(WebPath).SetString(L"Firewall Name", L"None");
+    EXPECT_EQ(Loaded(WebPath).GetRemoteHostConfig().GetFirewallName(), L"None")
+        << "a name, once there, wins over the older switch";
+}
+
+TEST_P(SessionConfigStore, AProtocolNameUnknownForTheModeIsTracedEmptiedAndTheDefaultTaken) {
+    const struct {
+        SessionMode mode;
+        const wchar_t* stored;
+        const wchar_t* protocol;
+        bool traced;
+    } cases[] = {
+        {SessionMode::Terminal, L"telnet/tls", L"Telnet/TLS", false},
+        {SessionMode::Terminal, L"", L"SSH2", false},
+        {SessionMode::Terminal, L"NONE", L"None", false},
+        {SessionMode::Terminal, L"SFTP", L"SSH2", true},
+        {SessionMode::Terminal, L"Gopher", L"SSH2", true},
+        {SessionMode::Transfer, L"ftp/ssl (explicit)", L"FTP/SSL (explicit)", false},
+        {SessionMode::Transfer, L"Serial", L"SFTP", true},
+    };
+    for (const auto& c : cases) {
+        Key(WebPath).SetString(
+            c.mode == SessionMode::Terminal ? L"Protocol Name" : L"Transfer Protocol Name",
+            c.stored);
+        TraceCapture trace;
+        const SessionConfig session = Loaded(WebPath, c.mode);
+        EXPECT_EQ(session.GetProtocolName(), c.protocol) << c.stored;
+        EXPECT_EQ(session.GetCurrentConnectConfig()->GetProtocolName(), c.protocol);
+        const std::vector<std::string> expected = {
+            "Unknown protocol \"" + std::string(VString(VUnicodeString(c.stored)).c_str()) +
+            "\" using default protocol.\n"};
+        EXPECT_EQ(trace.Lines(), c.traced ? expected : std::vector<std::string>()) << c.stored;
+        const auto& name =
+            c.mode == SessionMode::Terminal ? session.ProtocolName : session.TransferProtocolName;
+        EXPECT_EQ(name.Get(), c.traced ? L"" : c.stored) << "an unknown name is emptied";
+    }
+}
+
+TEST_P(SessionConfigStore, TheCommandLineNamesTheFirewallOnlyWhereTheConnectionGoesThroughIt) {
+    const struct {
+        const wchar_t* protocol;
+        const wchar_t* firewall;
+        const wchar_t* user;
+        const wchar_t* expected;
+    } cases[] = {
+        {L"SSH2", L"None", L"%username%", L"/PROTOCOL SSH2 /L tester /P 22 example.org"},
+        {L"Telnet", L"corp", L"alice", L"/FIREWALL corp /PROTOCOL Telnet /P 23 example.org"},
+        {L"Serial", L"corp", L"alice",
+         L"/PROTOCOL Serial /COM COM1 /BAUD 9600 /DATA 8 /PARITY 0 /STOP 0 /FLOW 0"},
+        {L"Local Shell", L"None", L"", L"/PROTOCOL \"Local Shell\""},
+        {L"None", L"corp", L"alice", L"/S \"Linux\\web\""},
+    };
+    SetEnvironmentVariableW(L"USERNAME", L"tester");
+    for (const auto& c : cases) {
+        SessionConfig session = Loaded(WebPath);
+        session.SetProtocolName(c.protocol);
+        session.GetRemoteHostConfig().SetHostname(L"example.org");
+        session.GetRemoteHostConfig().SetFirewallName(c.firewall);
+        session.GetRemoteHostConfig().SetUsername(c.user);
+        ASSERT_TRUE(session.Save(Key(WebPath), false));
+        EXPECT_EQ(Loaded(WebPath).GetCommandLineForm(), c.expected);
+    }
+    EXPECT_EQ(SessionConfig(nullptr, L"Linux\\web").GetCommandLineForm(), L"/S \"Linux\\web\"")
+        << "without a protocol table, a session connects by its name";
+}
+
+INSTANTIATE_TEST_SUITE_P(BackEnds, SessionConfigStore,
+                         ::testing::Values(RegistryBackEnd(), IniFileBackEnd()), BackEndName);
+
+TEST(SessionConfigIdentity, OnlyTheTopLevelDefaultSpelledExactlyIsTheDefaultSession) {
+    EXPECT_TRUE(SessionConfig(nullptr, L"Default").IsDefaultSession());
+    for (const wchar_t* path : {L"default", L"DEFAULT", L"Linux\\Default", L"Defaults"})
+        EXPECT_FALSE(SessionConfig(nullptr, path).IsDefaultSession()) << VString(path).c_str();
+    EXPECT_EQ(SessionConfig(nullptr, L"Linux\\Old\\legacy").GetSessionName(), L"legacy");
+    TerminalConfig block;
+    for (const auto& [stored, known] : {std::pair{L"scoansi", L"SCO-ANSI"}, {L"vt220", L"VT220"},
+                                        {L"Teletype", L"Xterm"}}) {
+        block.Emulation.Set(stored);
+        EXPECT_EQ(block.GetEmulationName(), known);
+    }
+}
+
+TEST(RemoteHostConnect, APreConnectCommandRunsInACommandSocketAroundTheConnection) {
+    RemoteHostConfig host;
+    const auto inner = VRefPtr<IStreamSocket>::Adopt(new VTcpSocket);
+    const auto direct =
+        VRefPtr<IStreamSocket>::Adopt(host.CreateConnectSocket(inner.Get(), nullptr, nullptr));
+    EXPECT_EQ(direct.Get(), inner.Get()) << "no command: the socket itself";
+    host.SetPreConnectCommand(L"cmd.exe /c exit 3");
+    const auto wrapped =
+        VRefPtr<IStreamSocket>::Adopt(host.CreateConnectSocket(inner.Get(), nullptr, nullptr));
+    auto* command = dynamic_cast<VCommandSocket*>(wrapped.Get());
+    ASSERT_NE(command, nullptr);
+    VReportMessageParams report;
+    ASSERT_TRUE(command->Connect("127.0.0.1:9", nullptr, report));
+    DWORD code = 0;
+    for (int wait = 0; wait < 200 && !command->GetCommandStatus(code); ++wait) Sleep(50);
+    EXPECT_EQ(code, 3u) << "the command ran before the connect";
+    command->Close();
+}
+
+// Records which blocks the strings give back, and whether they were all zeros.
+struct ReleasedBlocks {
+    static inline std::map<const void*, bool> wiped;
+    static void Release(void* memory, size_t bytes) {
+        const auto* begin = static_cast<const unsigned char*>(memory);
+        wiped[memory] = std::all_of(begin, begin + bytes, [](unsigned char b) { return b == 0; });
+        HeapFree(GetProcessHeap(), 0, memory);
+    }
+};
+
+TEST(SessionConfigClone, AClonesSecretsShareSensitiveBlocksAndReleasingBothWipesThem) {
+    auto* session =
+        new SessionConfig(nullptr, L"web", SessionMode::Terminal, &GetConnectProtocolTable());
+    VReportMessageParams report;
+    ASSERT_TRUE(session->LoginScript.SetPlainText(L"login:\r\nalice", report));
+    ASSERT_TRUE(session->MonitorPassword.SetPlainText(L"monitor", report));
+    session->Terminal.Answerback.Set(L"plain text");
+    auto* clone = dynamic_cast<SessionConfig*>(session->Clone());
+    ASSERT_NE(clone, nullptr);
+    std::vector<const void*> blocks;
+    for (const SessionConfig* config : {session, clone}) {
+        for (const SessionSecret* secret : {&config->LoginScript, &config->MonitorPassword}) {
+            EXPECT_TRUE(secret->Get().IsSensitive());
+            EXPECT_TRUE(secret->GetSaved().IsSensitive());
+            blocks.push_back(reinterpret_cast<const Str::BlockHeader*>(secret->Get().c_str()) - 1);
+        }
+    }
+    EXPECT_EQ(clone->LoginScript.Get().c_str(), session->LoginScript.Get().c_str()) << "shared";
+    EXPECT_EQ(clone->Terminal.Answerback.Get().c_str(), session->Terminal.Answerback.Get().c_str());
+    EXPECT_NE(clone->GetConnectConfig(0).Get(), session->GetConnectConfig(0).Get());
+    EXPECT_NE(&clone->GetRemoteHostConfig(), &session->GetRemoteHostConfig());
+
+    ReleasedBlocks::wiped.clear();
+    const Str::BlockAllocator previous = Str::ReplaceBlockAllocator(
+        {[](size_t bytes) { return HeapAlloc(GetProcessHeap(), 0, bytes); },
+         ReleasedBlocks::Release});
+    session->Release();
+    const size_t releasedWithOne = ReleasedBlocks::wiped.count(blocks[0]);
+    clone->Release();
+    Str::ReplaceBlockAllocator(previous);
+    EXPECT_EQ(releasedWithOne, 0u) << "the clone still held the block";
+    for (const void* block : blocks) {
+        ASSERT_EQ(ReleasedBlocks::wiped.count(block), 1u);
+        EXPECT_TRUE(ReleasedBlocks::wiped[block]);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,43 @@
+#include "AgentTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <cryptopp/base64.h>
+
+#include <atomic>
+#include <cstring>
+#include <fstream>
+
+#include "AgentPipeClient.h"
+
+std::wstring TestKeyPath(const char* name) {
+    return std::wstring(AGENT_TEST_KEYS_DIR) + L"\\" + std::wstring(name, name + strlen(name));
+}
+
+LoadedKey LoadTestKey(const char* name, const wchar_t* passphrase) {
+    LoadedKey key;
+    VReportMessageParams report;
+    EXPECT_TRUE(LoadKeyFile(TestKeyPath(name).c_str(), VUnicodeString(passphrase, Str::Sensitive),
+                            key, report))
+        << name << ": " << VString(report.GetTextAsString()).c_str();
+    return key;
+}
+
+AgentIdentity ReadPublicKeyFile(const char* name) {
+    const std::wstring path = TestKeyPath((std::string(name) + ".pub").c_str());
+    std::ifstream file(std::string(path.begin(), path.end()));  // the test folder's path is ASCII
+    std::string type, base64, comment;
+    file >> type >> base64;
+    std::getline(file, comment);
+    std::string blob;
+    CryptoPP::StringSource(base64, true,
+                           new CryptoPP::Base64Decoder(new CryptoPP::StringSink(blob)));
+    return AgentIdentity{AgentBytes(blob.begin(), blob.end()),
+                         AgentText(comment.begin() + 1, comment.end())};
+}
+
+std::wstring UniqueName(const wchar_t* prefix) {
+    static std::atomic<int> counter{0};
+    return std::wstring(prefix) + std::to_wstring(GetCurrentProcessId()) + L"-" +
+           std::to_wstring(++counter);
+}

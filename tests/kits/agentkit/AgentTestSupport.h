@@ -1,0 +1,29 @@
+// Shared by the agent's in-process tests: the key files ssh-keygen wrote for
+// them (keys/), fresh names for stores and pipes, and a confirmation that
+// answers as told and remembers who asked.
+#pragma once
+
+#include <string>
+
+#include "AgentPipeClient.h"
+#include "AgentProtocol.h"
+#include "KeyFile.h"
+
+// keys/<name>, loaded with passphrase; fails the test when it does not load.
+LoadedKey LoadTestKey(const char* name, const wchar_t* passphrase = L"");
+std::wstring TestKeyPath(const char* name);
+// The blob and comment of keys/<name>.pub.
+AgentIdentity ReadPublicKeyFile(const char* name);
+// A name no other test (or test process) uses: prefix, process id, counter.
+std::wstring UniqueName(const wchar_t* prefix);
+
+struct RecordingConfirm : IAgentConfirm {
+    bool answer = true;
+    int asked = 0;
+    VUnicodeString client;
+    bool ConfirmUse(const AgentKeyInfo&, const VUnicodeString& from) override {
+        ++asked;
+        client = from;
+        return answer;
+    }
+};

@@ -1,0 +1,72 @@
+// A host program for the firewall prompts: it exports the session database
+// (saving firewall definitions into an INI-file store), asks for one
+// credential of a firewall through Confkit's prompts, and prints what it was
+// handed, for the test that drives its dialog from outside.
+//
+//   firewall_prompt_host <configuration folder> <firewall> user|password [pass phrase]
+//
+// Prints "confirmed=0|1", "text=<what was handed back, UTF-8>",
+// "sensitive=0|1" and "report=<message code>", one a line.
+#include <windows.h>
+
+#include <cstdio>
+#include <cwchar>
+#include <string>
+
+#include "ConfigPassphrase.h"
+#include "FirewallPrompts.h"
+#include "ISessionDatabase.h"
+#include "VIniFileStoreFactory.h"
+
+namespace {
+
+VIniFileStoreFactory* g_factory = nullptr;
+
+// Writes a definition back to the key it lives in.
+class HostSessionDatabase final : public VUnknown<ISessionDatabase> {
+public:
+    bool SaveFirewall(FirewallConfig& firewall, VReportMessageParams& report) override {
+        VProfileStore store(g_factory);
+        const auto key = FirewallConfig::OpenKey(store.GetRootKey(), firewall.GetName(), true);
+        if (key->IsOpen() && firewall.Save(*key, false) && key->Flush()) return true;
+        report = key->GetLastErrorParams();
+        return false;
+    }
+};
+
+std::string Utf8(const VUnicodeString& text) {
+    const int length = static_cast<int>(text.GetLength());
+    std::string bytes(static_cast<size_t>(length) * 3, '\0');
+    bytes.resize(static_cast<size_t>(WideCharToMultiByte(
+        CP_UTF8, 0, text.c_str(), length, bytes.data(), length * 3, nullptr, nullptr)));
+    return bytes;
+}
+
+}  // namespace
+
+extern "C" __declspec(dllexport) ISessionDatabase* GetSessionDatabaseImpl() {
+    static HostSessionDatabase* const database = new HostSessionDatabase;  // kept to the end
+    return database;
+}
+
+int wmain(int argc, wchar_t** argv) {
+    if (argc < 4) return 2;
+    VIniFileStoreFactory factory(argv[1], VUnicodeString());
+    g_factory = &factory;
+    if (argc > 4) SetConfigPassphrase(argv[4]);
+    FirewallConfig firewall(argv[2], nullptr, GetConfigPassphraseProvider());
+    {
+        VProfileStore store(&factory);
+        firewall.Load(FirewallConfig::OpenKey(store.GetRootKey(), argv[2], false).get());
+    }
+    const auto ui = VRefPtr<IFirewallUI>::Adopt(new VFirewallUI);
+    firewall.SetUserInterface(ui.Get());
+    VUnicodeString text(L"(none)");
+    VReportMessageParams report;
+    const bool confirmed = std::wcscmp(argv[3], L"password") == 0
+                               ? firewall.GetPassword(text, report)
+                               : firewall.GetUsername(text, report);
+    std::printf("confirmed=%d\ntext=%s\nsensitive=%d\nreport=%lu\n", confirmed ? 1 : 0,
+                Utf8(text).c_str(), text.IsSensitive() ? 1 : 0, report.GetMessageCode());
+    return 0;
+}
