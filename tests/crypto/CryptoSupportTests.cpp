@@ -10,6 +10,7 @@
 #include <random>
 
 #include "CryptoTestSupport.h"
+#include "HexDigits.h"
 #include "RegistrySandbox.h"
 #include "TestSeed.h"
 #include "Utf8Text.h"
@@ -105,5 +106,15 @@ TEST(Utf8Text, RefusesMalformedUtf8AndLeavesTheTextAlone) {
         EXPECT_FALSE(ReadUtf8(reinterpret_cast<const uint8_t*>(bytes), std::strlen(bytes), text))
             << EncodeHex(reinterpret_cast<const uint8_t*>(bytes), std::strlen(bytes));
         EXPECT_EQ(text, L"unchanged");
+    }
+}
+
+TEST(HexDigits, EitherCaseIsReadAndAnythingElseIsRefusedWithTheBytesKept) {
+    VBasicBuffer bytes(4);
+    ASSERT_TRUE(DecodeHexDigits(L"09aF", 4, bytes));
+    EXPECT_EQ(EncodeHex(bytes.GetData(), bytes.GetLength()), "09af");
+    for (const wchar_t* bad : {L"0g", L"G0", L"0/", L":0", L"@0", L"0`", L"abc"}) {
+        EXPECT_FALSE(DecodeHexDigits(bad, std::wcslen(bad), bytes)) << bad;
+        EXPECT_EQ(EncodeHex(bytes.GetData(), bytes.GetLength()), "09af");
     }
 }
