@@ -1,7 +1,5 @@
 // The pieces under the protected forms: the wiped byte buffer, the system's
-// random source and strict UTF-8 (checked against the system's converter).
-// The hexadecimal digits are exercised through the protected forms' tests.
-
+// random source and strict UTF-8, checked against the system's converter.
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -11,53 +9,48 @@
 #include <cstring>
 #include <random>
 
-#include "CryptoTestVectors.h"
+#include "CryptoTestSupport.h"
+#include "HexDigits.h"
 #include "RegistrySandbox.h"
+#include "TestSeed.h"
 #include "Utf8Text.h"
 #include "VBasicBuffer.h"
 #include "VCapiRandomSource.h"
 
-TEST(BasicBufferTest, AppendsUpToItsTargetSizeAndClearingWipesTheBytes) {
+TEST(BasicBuffer, AppendsUpToItsTargetSizeAndClearingWipesTheBytes) {
     VBasicBuffer buffer(8);
     EXPECT_TRUE(buffer.Append("abcde", 5));
-    EXPECT_FALSE(buffer.Append("wxyz", 4));  // 9 bytes would not fit: nothing appended
-    EXPECT_EQ(buffer.GetLength(), 5u);
+    EXPECT_FALSE(buffer.Append("wxyz", 4)) << "9 bytes would not fit: nothing appended";
     ASSERT_EQ(buffer.Extend(3), buffer.GetData() + 5);
     EXPECT_EQ(buffer.Extend(1), nullptr);
     EXPECT_EQ(std::memcmp(buffer.GetData(), "abcde\0\0\0", 8), 0);
-
     const uint8_t* data = buffer.GetData();
     buffer.Clear();
     EXPECT_EQ(buffer.GetLength(), 0u);
-    EXPECT_EQ(buffer.GetData(), data);
     EXPECT_EQ(std::memcmp(data, "\0\0\0\0\0\0\0\0", 8), 0) << "the old bytes are wiped";
 }
 
-TEST(CapiRandomSourceTest, AcquiresTheProviderAndGivesFreshBytes) {
-    VRefPtr<VCapiRandomSource> source = VRefPtr<VCapiRandomSource>::Adopt(new VCapiRandomSource());
+TEST(CapiRandomSource, GivesFreshBytesAndWithoutAProviderFailsWithTheAcquisitionError) {
+    auto source = VRefPtr<VCapiRandomSource>::Adopt(new VCapiRandomSource());
     ASSERT_EQ(source->GetAcquireError(), static_cast<DWORD>(ERROR_SUCCESS));
     std::vector<uint8_t> first(4096), second(4096);
     ASSERT_TRUE(source->Fill(first.data(), first.size()));
     ASSERT_TRUE(source->FillDirect(second.data(), static_cast<uint32_t>(second.size())));
     EXPECT_NE(first, second);
-    // 4096 random bytes hit nearly every byte value; a source that repeats a
-    // short pattern or leaves the buffer mostly untouched would not.
+    // 4096 random bytes hit nearly every byte value, about 16 times each; a
+    // source that repeats a short pattern or leaves most bytes alone would not.
     std::array<int, 256> seen{};
     for (uint8_t byte : first) ++seen[byte];
     EXPECT_GT(std::count_if(seen.begin(), seen.end(), [](int n) { return n > 0; }), 240);
-    EXPECT_LT(*std::max_element(seen.begin(), seen.end()), 45);  // about 16 expected
-}
+    EXPECT_LT(*std::max_element(seen.begin(), seen.end()), 45);
 
-TEST(CapiRandomSourceTest, WithoutAProviderEveryFillFailsWithTheAcquisitionError) {
     // With an empty HKEY_LOCAL_MACHINE the system finds no provider type.
     RegistrySandbox sandbox;
-    DWORD acquireError;
-    VRefPtr<VCapiRandomSource> source;
     {
         PredefinedKeyRedirect emptyMachine(HKEY_LOCAL_MACHINE, sandbox, L"Machine");
         source = VRefPtr<VCapiRandomSource>::Adopt(new VCapiRandomSource());
-        acquireError = source->GetAcquireError();
     }
+    const DWORD acquireError = source->GetAcquireError();
     ASSERT_NE(acquireError, static_cast<DWORD>(ERROR_SUCCESS));
     uint8_t bytes[16] = {};
     SetLastError(ERROR_SUCCESS);
@@ -68,74 +61,35 @@ TEST(CapiRandomSourceTest, WithoutAProviderEveryFillFailsWithTheAcquisitionError
     EXPECT_EQ(GetLastError(), acquireError);
 }
 
-namespace {
-
-// The system's converter as the oracle for well-formed text.
-std::string SystemUtf8(const VUnicodeString& text) {
-    const int length = static_cast<int>(text.GetLength());
-    if (length == 0) return {};
-    const int needed =
-        WideCharToMultiByte(CP_UTF8, 0, text.c_str(), length, nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<size_t>(needed), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.c_str(), length, bytes.data(), needed, nullptr, nullptr);
-    return bytes;
-}
-
-std::string OurUtf8(const VUnicodeString& text) {
-    size_t size = 0;
-    EXPECT_TRUE(MeasureUtf8(text, size));
-    std::string bytes(size, '\0');
-    WriteUtf8(text, reinterpret_cast<uint8_t*>(bytes.data()));
-    return bytes;
-}
-
-bool Reads(const std::string& bytes, VUnicodeString& text) {
-    return ReadUtf8(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), text);
-}
-
-}  // namespace
-
-TEST(Utf8TextTest, AgreesWithTheSystemConverterOnRandomWellFormedText) {
-    std::mt19937 random(20240611);
+TEST(Utf8Text, AgreesWithTheSystemConverterOnRandomWellFormedText) {
+    std::mt19937_64 random(TestSeed("UTF-8 text"));
     // Code points from every UTF-8 length class, surrogates excluded.
-    std::uniform_int_distribution<uint32_t> pick(0, 3);
+    const uint32_t classes[][2] = {{1, 0x80}, {0x80, 0x800}, {0x800, 0xD800}, {0xE000, 0x10000}, {0x10000, 0x110000}};
     for (int round = 0; round < 300; ++round) {
-        VUnicodeString text;
-        const int length = static_cast<int>(random() % 40);
-        for (int i = 0; i < length; ++i) {
-            uint32_t c;
-            switch (pick(random)) {
-                case 0:
-                    c = 1 + random() % 0x7F;
-                    break;
-                case 1:
-                    c = 0x80 + random() % (0x800 - 0x80);
-                    break;
-                case 2:
-                    c = 0x800 + random() % (0x10000 - 0x800 - 0x800);
-                    if (c >= 0xD800) c += 0x800;
-                    break;
-                default:
-                    c = 0x10000 + random() % 0x100000;
-                    break;
-            }
-            if (c >= 0x10000) {
-                text.Append(static_cast<wchar_t>(0xD800 + ((c - 0x10000) >> 10)));
-                text.Append(static_cast<wchar_t>(0xDC00 + ((c - 0x10000) & 0x3FF)));
-            } else {
-                text.Append(static_cast<wchar_t>(c));
-            }
+        std::wstring text;
+        for (size_t i = random() % 40; i > 0; --i) {
+            const auto& range = classes[random() % std::size(classes)];
+            const uint32_t c = range[0] + static_cast<uint32_t>(random() % (range[1] - range[0]));
+            if (c < 0x10000) text += static_cast<wchar_t>(c);
+            else text += {static_cast<wchar_t>(0xD800 + ((c - 0x10000) >> 10)), static_cast<wchar_t>(0xDC00 + (c & 0x3FF))};
         }
-        const std::string bytes = OurUtf8(text);
-        ASSERT_EQ(bytes, SystemUtf8(text)) << "round " << round;
+        const VUnicodeString ours(text.c_str(), text.size());
+        std::string system(text.size() * 3, '\0');
+        system.resize(WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), system.data(),
+                                          static_cast<int>(system.size()), nullptr, nullptr));
+        size_t size = 0;
+        ASSERT_TRUE(MeasureUtf8(ours, size));
+        std::string bytes(size, '\0');
+        WriteUtf8(ours, reinterpret_cast<uint8_t*>(bytes.data()));
+        ASSERT_EQ(bytes, system) << "round " << round;
         VUnicodeString back(Str::Sensitive);
-        ASSERT_TRUE(Reads(bytes, back));
-        EXPECT_EQ(back, text);
+        ASSERT_TRUE(ReadUtf8(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), back));
+        EXPECT_EQ(back, ours);
         EXPECT_TRUE(back.IsSensitive());
     }
 }
 
-TEST(Utf8TextTest, RefusesMalformedUtf8AndLeavesTheTextAlone) {
+TEST(Utf8Text, RefusesMalformedUtf8AndLeavesTheTextAlone) {
     const char* cases[] = {
         "\x80",              // continuation without a lead
         "\xC3",              // truncated pair
@@ -145,14 +99,22 @@ TEST(Utf8TextTest, RefusesMalformedUtf8AndLeavesTheTextAlone) {
         "\xED\xA0\x80",      // encoded surrogate D800
         "\xF4\x90\x80\x80",  // beyond U+10FFFF
         "\xF8\x88\x80\x80\x80",
-        "ab\xFF"
-        "cd",
         "\xC3\x28",  // bad continuation
     };
     for (const char* bytes : cases) {
         VUnicodeString text(L"unchanged");
-        EXPECT_FALSE(Reads(bytes, text))
+        EXPECT_FALSE(ReadUtf8(reinterpret_cast<const uint8_t*>(bytes), std::strlen(bytes), text))
             << EncodeHex(reinterpret_cast<const uint8_t*>(bytes), std::strlen(bytes));
         EXPECT_EQ(text, L"unchanged");
+    }
+}
+
+TEST(HexDigits, EitherCaseIsReadAndAnythingElseIsRefusedWithTheBytesKept) {
+    VBasicBuffer bytes(4);
+    ASSERT_TRUE(DecodeHexDigits(L"09aF", 4, bytes));
+    EXPECT_EQ(EncodeHex(bytes.GetData(), bytes.GetLength()), "09af");
+    for (const wchar_t* bad : {L"0g", L"G0", L"0/", L":0", L"@0", L"0`", L"abc"}) {
+        EXPECT_FALSE(DecodeHexDigits(bad, std::wcslen(bad), bytes)) << bad;
+        EXPECT_EQ(EncodeHex(bytes.GetData(), bytes.GetLength()), "09af");
     }
 }

@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "ChildProcess.h"
 #include "FileSystem.h"
+#include "ProfileProbe.h"
 #include "TempFolder.h"
 #include "VFile.h"
 #include "Win32Handle.h"
@@ -49,25 +51,12 @@ ACCESS_MASK UserRights(const VUnicodeString& path, const VUnicodeString& user) {
     return rights;
 }
 
-// Runs the lock probe beside this test program; its exit code, or -1.
-int ProbeLock(const VUnicodeString& file, uint64_t offset, uint64_t length, bool exclusive) {
-    wchar_t self[MAX_PATH];
-    const DWORD selfLength = GetModuleFileNameW(nullptr, self, MAX_PATH);
-    std::wstring folder(self, selfLength);
-    folder.erase(folder.find_last_of(L'\\') + 1);
-    std::wstring command = L"\"" + folder + L"file_lock_probe.exe\" \"" + file.c_str() + L"\" " +
-                           std::to_wstring(offset) + L" " + std::to_wstring(length) +
-                           (exclusive ? L" exclusive" : L" shared");
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process))
-        return -1;
-    const KernelHandle processOwner(process.hProcess);
-    const KernelHandle threadOwner(process.hThread);
-    WaitForSingleObject(process.hProcess, 30000);
-    DWORD code = 0;
-    return GetExitCodeProcess(process.hProcess, &code) ? static_cast<int>(code) : -1;
+// The answer of a profile_probe asked for a lock: 0 granted, else ProbeRefused.
+long ProbeLock(const VUnicodeString& file, uint64_t offset, uint64_t length, bool exclusive) {
+    VUnicodeString arguments;
+    arguments.FormatPrintf(MAX_PATH + 64, L"lock \"%ls\" %llu %llu %ls", file.c_str(), offset, length,
+                           exclusive ? L"exclusive" : L"shared");
+    return ChildProcess(BesideThisProgram(L"profile_probe.exe"), arguments).Wait(30000);
 }
 
 class FileTest : public ::testing::Test {
@@ -185,7 +174,7 @@ TEST_F(FileTest, CreationAppliesTheHeldDescriptor) {
     EXPECT_TRUE(UserRights(folder_ / L"plain.ini", user) & FILE_WRITE_DATA);
 }
 
-// Locks taken through VFile, as another process sees them: 0 granted, 1 refused.
+// Locks taken through VFile, as another process sees them.
 TEST_F(FileTest, LocksAreSeenByAnotherProcess) {
     const VUnicodeString name = folder_ / L"locked.ini";
     ASSERT_TRUE(WriteWholeFile(name, "header and more"));
@@ -194,19 +183,20 @@ TEST_F(FileTest, LocksAreSeenByAnotherProcess) {
     ASSERT_TRUE(file.Open(name, ReadWrite, OPEN_EXISTING));
 
     constexpr uint64_t Distant = 0x100000000ull;  // the high halves must be kept
+    constexpr long No = ProbeRefused;
     const struct {
         uint64_t offset, length;
         bool exclusive;
         struct Probe {
             uint64_t offset, length;
             bool exclusive;
-            int expected;
+            long expected;
         } probes[3];
     } cases[] = {
-        {0, 4, false, {{0, 4, false, 0}, {0, 4, true, 1}, {4, 4, true, 0}}},
-        {0, 4, true, {{0, 4, false, 1}, {2, 1, true, 1}, {4, 4, true, 0}}},
-        {Distant, 4, true, {{Distant, 4, false, 1}, {0, 4, true, 0}, {Distant + 4, 1, true, 0}}},
-        {0, Distant + 8, true, {{Distant + 4, 2, false, 1}, {0, 1, false, 1}, {Distant + 8, 1, true, 0}}},
+        {0, 4, false, {{0, 4, false, 0}, {0, 4, true, No}, {4, 4, true, 0}}},
+        {0, 4, true, {{0, 4, false, No}, {2, 1, true, No}, {4, 4, true, 0}}},
+        {Distant, 4, true, {{Distant, 4, false, No}, {0, 4, true, 0}, {Distant + 4, 1, true, 0}}},
+        {0, Distant + 8, true, {{Distant + 4, 2, false, No}, {0, 1, false, No}, {Distant + 8, 1, true, 0}}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(::testing::Message() << "held " << c.offset << "+" << c.length << (c.exclusive ? " exclusive" : " shared"));

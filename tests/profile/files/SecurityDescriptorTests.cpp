@@ -129,16 +129,6 @@ TEST(SecurityDescriptorTest, BadEntriesAreRejectedAndChangeNothing) {
                                         static_cast<BYTE*>(descriptor.Get()) + descriptor.GetLength()));
 }
 
-TEST(SecurityDescriptorTest, AnEmptyListIsAnAccessListWithoutEntries) {
-    VSecurityDescriptor descriptor;
-    ASSERT_TRUE(descriptor.FromText(Texts()));
-    EXPECT_TRUE(IsValidSecurityDescriptor(descriptor.Get()));
-    EXPECT_EQ(L"D:", ToSddl(descriptor, DACL_SECURITY_INFORMATION));
-    Texts back = T({L"stale"});
-    ASSERT_TRUE(descriptor.ToText(back));
-    EXPECT_EQ(0u, back.GetCount());
-}
-
 TEST(SecurityDescriptorTest, WhatTheTextCannotHoldIsRefusedNotDropped) {
     Texts entries;
     const struct {

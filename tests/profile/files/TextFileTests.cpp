@@ -11,6 +11,7 @@
 
 #include "IniFileFormat.h"
 #include "TempFolder.h"
+#include "TestSeed.h"
 #include "VTextFile.h"
 
 namespace {
@@ -302,7 +303,7 @@ TEST_F(TextFileTest, BlockLockingMakesAReaderWaitForAWriterOfTheBlock) {
 // Random lines of every kind of character, joined with random line ends,
 // written in each encoding and read back, across many block edges.
 TEST_F(TextFileTest, RandomTextSurvivesWritingAndReadingInEveryEncoding) {
-    std::mt19937 random(20240611);
+    std::mt19937 random(static_cast<unsigned>(TestSeed("random text")));
     const wchar_t alphabet[] = L"az09 =\"\t\u00e9\u00ff\u0100\u20ac\u4e2d\ufffd";
     for (VTextEncoding encoding : {TextEncodingUtf8, TextEncodingUtf16LE, TextEncodingUtf16BE}) {
         Lines lines(1500);

@@ -1,5 +1,5 @@
 // The values that one save of a generation writes, for the processes that
-// save and load one key together (ini_store_helper) and the tests that check
+// save and load one key together (profile_probe) and the tests that check
 // what they left: every value names its writer and generation, and the texts
 // grow and shrink from one generation to the next, so that a file holding
 // parts of two generations, or cut short, cannot pass for either.
@@ -7,7 +7,7 @@
 
 #include "VProfilePrivate.h"
 
-// The values of the key that "ini_store_helper save-generations" saves until
+// The values of the key that "profile_probe save-generations" saves until
 // it is killed: a few hundred in the main file, beside the private ones.
 inline constexpr unsigned KillValueCount = 300;
 

@@ -2,6 +2,7 @@
 // and where it stops, in every encoding, and the writer's exact bytes.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 
 #include "IniTestValues.h"
@@ -116,64 +117,58 @@ TEST_F(IniFileFormat, ReadingTakesWellFormedEntriesAndStopsAtTheFirstBrokenOne) 
     }
 }
 
-TEST_F(IniFileFormat, TheEndOfTheFileEndsAnUnfinishedEntry) {
-    const TestValues onlyBefore{{L"before", D(1)}};
-    EXPECT_EQ(onlyBefore, Load(Bom + Before + "B:\"x\"=00000003\r\n 01 02\r\n"));
-    EXPECT_EQ(onlyBefore, Load(Bom + Before + "Z:\"x\"=00000002\r\n a\r\n"));
-    // ... but the last line needs no line end.
-    EXPECT_EQ((TestValues{{L"before", D(1)}, {L"x", Z({L"a", L"b"})}}),
-              Load(Bom + Before + "Z:\"x\"=00000002\r\n a\r\n b"));
-}
-
-
-TEST_F(IniFileFormat, LinesEndAtCrAtLfOrAtCrLf) {
-    const TestValues expected{{L"a", D(1)}, {L"b", S(L"two")}, {L"c", Z({L"x", L""})}, {L"d", D(4)}};
-    EXPECT_EQ(expected, Load("D:\"a\"=00000001\rS:\"b\"=two\nZ:\"c\"=00000002\r\n x\r \nD:\"d\"=00000004"));
-    EXPECT_EQ(expected, Load(Bom + "D:\"a\"=00000001\nS:\"b\"=two\rZ:\"c\"=00000002\n x\n \r\nD:\"d\"=00000004\r"));
-}
-
 // "Zoë 中 😀" in each encoding's bytes.
 const std::wstring Mixed = L"Zo\u00eb \u4e2d \U0001F600";
+const std::string Utf8Mixed = "Zo\xC3\xAB \xE4\xB8\xAD \xF0\x9F\x98\x80";
 
 std::string Utf16(const std::wstring& text, bool bigEndian) {
-    std::string bytes;
+    std::string bytes = bigEndian ? "\xFE\xFF" : "\xFF\xFE";
     for (wchar_t character : text) {
-        const char low = static_cast<char>(character & 0xFF);
-        const char high = static_cast<char>(character >> 8);
-        bytes += bigEndian ? high : low;
-        bytes += bigEndian ? low : high;
+        const char low = static_cast<char>(character & 0xFF), high = static_cast<char>(character >> 8);
+        bytes += {bigEndian ? high : low, bigEndian ? low : high};
     }
     return bytes;
 }
 
-TEST_F(IniFileFormat, EachEncodingIsTakenFromTheByteOrderMark) {
+// 8-bit text as the system's own converter reads it in the ANSI code page.
+std::wstring Ansi(const std::string& text) {
+    std::wstring wide(text.size(), L'\0');
+    wide.resize(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()),
+                                                        wide.data(), static_cast<int>(wide.size()))));
+    return wide;
+}
+
+TEST_F(IniFileFormat, LinesEntriesAndEncodingsReadAsTheirBytesSay) {
+    const TestValues onlyBefore{{L"before", D(1)}};
     const std::wstring text = L"S:\"Name " + Mixed + L"\"=" + Mixed + L"\r\nZ:\"z\"=00000001\r\n " + Mixed + L"\r\n";
-    const TestValues expected{{L"Name " + Mixed, S(Mixed)}, {L"z", Z({Mixed})}};
-
-    const std::string utf8Mixed = "Zo\xC3\xAB \xE4\xB8\xAD \xF0\x9F\x98\x80";
-    EXPECT_EQ(expected, Load(Bom + "S:\"Name " + utf8Mixed + "\"=" + utf8Mixed + "\r\nZ:\"z\"=00000001\r\n " +
-                             utf8Mixed + "\r\n"));
-    EXPECT_EQ(expected, Load("\xFF\xFE" + Utf16(text, false)));
-    EXPECT_EQ(expected, Load("\xFE\xFF" + Utf16(text, true)));
-    EXPECT_EQ(TestValues{}, Load("\xFE\xFF"));
-}
-
-TEST_F(IniFileFormat, AFileWithoutMarkIsAnsiFromTheFirstByte) {
-    const std::string bytes = "S:\"caf\xE9\"=na\xEFve\r\nS:\"utf8\"=\xC3\xA9";
-    // The system's own converter says what the ANSI code page makes of the bytes.
-    const auto ansi = [](const std::string& text) {
-        std::wstring wide(text.size(), L'\0');
-        wide.resize(static_cast<size_t>(
-            MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()), wide.data(),
-                                static_cast<int>(wide.size()))));
-        return wide;
+    const TestValues mixed{{L"Name " + Mixed, S(Mixed)}, {L"z", Z({Mixed})}};
+    const TestValues lineEnds{{L"a", D(1)}, {L"b", S(L"two")}, {L"c", Z({L"x", L""})}, {L"d", D(4)}};
+    const struct {
+        const char* what;
+        std::string bytes;
+        TestValues values;
+    } cases[] = {
+        {"the end of the file ends an unfinished entry", Bom + Before + "B:\"x\"=00000003\r\n 01 02\r\n", onlyBefore},
+        {"... also of strings", Bom + Before + "Z:\"x\"=00000002\r\n a\r\n", onlyBefore},
+        {"... but the last line needs no line end", Bom + Before + "Z:\"x\"=00000002\r\n a\r\n b",
+         {{L"before", D(1)}, {L"x", Z({L"a", L"b"})}}},
+        {"lines end at CR, at LF or at CR LF", "D:\"a\"=00000001\rS:\"b\"=two\nZ:\"c\"=00000002\r\n x\r \nD:\"d\"=00000004",
+         lineEnds},
+        {"... in any mix", Bom + "D:\"a\"=00000001\nS:\"b\"=two\rZ:\"c\"=00000002\n x\n \r\nD:\"d\"=00000004\r", lineEnds},
+        {"UTF-8 after its mark", Bom + "S:\"Name " + Utf8Mixed + "\"=" + Utf8Mixed + "\r\nZ:\"z\"=00000001\r\n " + Utf8Mixed,
+         mixed},
+        {"UTF-16 LE after its mark", Utf16(text, false), mixed},
+        {"UTF-16 BE after its mark", Utf16(text, true), mixed},
+        {"a mark alone", "\xFE\xFF", {}},
+        {"without a mark, ANSI from the first byte", "S:\"caf\xE9\"=na\xEFve\r\nS:\"utf8\"=\xC3\xA9",
+         {{Ansi("caf\xE9"), S(Ansi("na\xEFve"))}, {L"utf8", S(Ansi("\xC3\xA9"))}}},
+        {"untranslatable bytes end the file after the part read so far", Bom + Before + "S:\"a\"=ab\xFF" "cd" + After,
+         {{L"before", D(1)}, {L"a", S(L"ab")}}},
     };
-    EXPECT_EQ((TestValues{{ansi("caf\xE9"), S(ansi("na\xEFve"))}, {L"utf8", S(ansi("\xC3\xA9"))}}), Load(bytes));
-}
-
-TEST_F(IniFileFormat, UntranslatableBytesEndTheFileAfterThePartReadSoFar) {
-    EXPECT_EQ((TestValues{{L"before", D(1)}, {L"a", S(L"ab")}}),
-              Load(Bom + Before + "S:\"a\"=ab\xFF" "cd" + After));
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(c.values, Load(c.bytes));
+    }
 }
 
 // ---- the writer ----
@@ -239,81 +234,70 @@ TEST_F(IniFileFormat, AReplacedOrRestoredValueKeepsItsPlaceAndNoValueLeavesOnlyT
 // U+FFFD; otherwise no later save could write the key, and none of its values.
 TEST_F(IniFileFormat, AUtf16FileIsRewrittenAsUtf8WithLoneSurrogatesReplaced) {
     const std::wstring text = L"S:\"" + Mixed + L"\"=" + Mixed + L"\r\nS:\"lone\"=a\xD800" L"b\xDC00\r\nD:\"n\"=00000007\r\n";
-    const std::string utf8Mixed = "Zo\xC3\xAB \xE4\xB8\xAD \xF0\x9F\x98\x80";
     for (const bool bigEndian : {false, true}) {
         SCOPED_TRACE(bigEndian ? "big-endian" : "little-endian");
-        ASSERT_TRUE(WriteWholeFile(ValuesFile(), (bigEndian ? "\xFE\xFF" : "\xFF\xFE") + Utf16(text, bigEndian)));
+        ASSERT_TRUE(WriteWholeFile(ValuesFile(), Utf16(text, bigEndian)));
         {
             VIniFileKey key(keyFolder_, VUnicodeString(), false, nullptr);
-            EXPECT_EQ((TestValues{{Mixed, S(Mixed)}, {L"lone", S(L"a\uFFFDb\uFFFD")}, {L"n", D(7)}}),
-                      ReadAllValues(key));
+            EXPECT_EQ((TestValues{{Mixed, S(Mixed)}, {L"lone", S(L"a\uFFFDb\uFFFD")}, {L"n", D(7)}}), ReadAllValues(key));
             ASSERT_TRUE(key.SetDword(VUnicodeString(L"n"), 8));
-            EXPECT_TRUE(key.Flush());
         }
-        EXPECT_EQ(Bom + "S:\"" + utf8Mixed + "\"=" + utf8Mixed +
-                      "\r\nS:\"lone\"=a\xEF\xBF\xBD" "b\xEF\xBF\xBD\r\nD:\"n\"=00000008\r\n",
+        EXPECT_EQ(Bom + "S:\"" + Utf8Mixed + "\"=" + Utf8Mixed + "\r\nS:\"lone\"=a\xEF\xBF\xBD" "b\xEF\xBF\xBD\r\nD:\"n\"=00000008\r\n",
                   ReadWholeFile(ValuesFile()));
     }
 }
 
-// ---- private values ----
-
-TEST_F(IniFileFormat, PrivateValuesGoToThePrivateFileInTheListsOrder) {
-    {
-        VIniFileKey key(keyFolder_, privateFolder_, false, nullptr);
-        ASSERT_TRUE(key.SetString(VUnicodeString(L"Host"), VUnicodeString(L"example.org")));
-        ASSERT_TRUE(key.SetString(VUnicodeString(L"Password V2"), VUnicodeString(L"02:secret")));
-        ASSERT_TRUE(key.SetDword(VUnicodeString(L"Use Narrow Font"), 1));
-        ASSERT_TRUE(key.SetString(VUnicodeString(L"Username"), VUnicodeString(L"me")));
-        // Names are compared exactly: this one is not private.
-        ASSERT_TRUE(key.SetString(VUnicodeString(L"password"), VUnicodeString(L"plain")));
+// How a key with a private folder splits its values between the two files,
+// from the files it finds to the files its save leaves.
+TEST_F(IniFileFormat, PrivateValuesLiveInThePrivateFileWhichWinsOverTheMainOne) {
+    const auto set = [](std::vector<std::pair<std::wstring, TestValue>> values) {
+        return [values](VIniFileKey& key) {
+            for (const auto& [name, value] : values) ASSERT_TRUE(StoreValue(key, name, value));
+        };
+    };
+    const struct {
+        const char* what;
+        std::string main, personal;  // the files before ("" none)
+        TestValues read;
+        std::function<void(VIniFileKey&)> act;
+        std::string mainAfter, personalAfter;
+    } cases[] = {
+        // Names are compared exactly: "password" is not private.
+        {"the private names go to the private file, in its list's order", "", "", {},
+         set({{L"Host", S(L"example.org")}, {L"Password V2", S(L"02:s")}, {L"Use Narrow Font", D(1)},
+              {L"Username", S(L"me")}, {L"password", S(L"plain")}}),
+         "S:\"Host\"=example.org\r\nS:\"password\"=plain\r\n",
+         "S:\"Username\"=me\r\nS:\"Password V2\"=02:s\r\nD:\"Use Narrow Font\"=00000001\r\n"},
+        {"the private file overrides the main one, which loses its private values",
+         "S:\"Password\"=old\r\nS:\"Account\"=acct\r\nD:\"Port\"=00000016\r\n", "S:\"Password\"=new\r\n",
+         {{L"Password", S(L"new")}, {L"Account", S(L"acct")}, {L"Port", D(22)}}, set({{L"Port", D(23)}}),
+         "D:\"Port\"=00000017\r\n", "S:\"Password\"=new\r\nS:\"Account\"=acct\r\n"},
+        // A value put there by hand or by an older version would win at every load.
+        {"a private file that was read is rewritten with only the private values", "S:\"Host\"=main\r\n",
+         "S:\"Host\"=stale\r\n", {{L"Host", S(L"stale")}}, set({{L"Host", S(L"new")}}), "S:\"Host\"=new\r\n", ""},
+        {"a deleted private value does not come back from the private file", "", "S:\"Password\"=secret\r\n",
+         {{L"Password", S(L"secret")}}, [](VIniFileKey& key) { ASSERT_TRUE(key.DeleteValue(VUnicodeString(L"Password"))); },
+         "", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        DeleteFileW(ValuesFile().c_str());
+        DeleteFileW(PrivateValuesFile().c_str());
+        CreateDirectoryW((folder_ / L"Private").c_str(), nullptr);
+        if (!c.main.empty()) {
+            ASSERT_TRUE(WriteWholeFile(ValuesFile(), Bom + c.main));
+        }
+        if (!c.personal.empty()) {
+            ASSERT_TRUE(WriteWholeFile(PrivateValuesFile(), Bom + c.personal));
+        }
+        {
+            VIniFileKey key(keyFolder_, privateFolder_, false, nullptr);
+            EXPECT_EQ(c.read, ReadAllValues(key));
+            c.act(key);
+        }
+        EXPECT_EQ(Bom + c.mainAfter, ReadWholeFile(ValuesFile()));
+        EXPECT_EQ(Bom + c.personalAfter, ReadWholeFile(PrivateValuesFile()));
     }
-    EXPECT_EQ(Bom + "S:\"Host\"=example.org\r\nS:\"password\"=plain\r\n", ReadWholeFile(ValuesFile()));
-    EXPECT_EQ(Bom + "S:\"Username\"=me\r\nS:\"Password V2\"=02:secret\r\nD:\"Use Narrow Font\"=00000001\r\n",
-              ReadWholeFile(PrivateValuesFile()));
-}
-
-TEST_F(IniFileFormat, ThePrivateFileOverridesTheMainFileAndTakesOverItsPrivateValues) {
-    ASSERT_TRUE(WriteWholeFile(ValuesFile(), Bom + "S:\"Password\"=old\r\nS:\"Account\"=acct\r\nD:\"Port\"=00000016\r\n"));
-    ASSERT_TRUE(CreateDirectoryW((folder_ / L"Private").c_str(), nullptr));
-    ASSERT_TRUE(WriteWholeFile(PrivateValuesFile(), Bom + "S:\"Password\"=new\r\n"));
-    {
-        VIniFileKey key(keyFolder_, privateFolder_, false, nullptr);
-        EXPECT_EQ((TestValues{{L"Password", S(L"new")}, {L"Account", S(L"acct")}, {L"Port", D(22)}}),
-                  ReadAllValues(key));
-        ASSERT_TRUE(key.SetDword(VUnicodeString(L"Port"), 23));
-    }
-    EXPECT_EQ(Bom + "D:\"Port\"=00000017\r\n", ReadWholeFile(ValuesFile()));
-    EXPECT_EQ(Bom + "S:\"Password\"=new\r\nS:\"Account\"=acct\r\n", ReadWholeFile(PrivateValuesFile()));
-}
-
-// A value the private file should not hold (put there by hand or by an older
-// version) would win over the main file's at every load.
-TEST_F(IniFileFormat, APrivateFileThatWasReadIsRewrittenWithOnlyThePrivateValues) {
-    ASSERT_TRUE(WriteWholeFile(ValuesFile(), Bom + "S:\"Host\"=main\r\n"));
-    ASSERT_TRUE(CreateDirectoryW((folder_ / L"Private").c_str(), nullptr));
-    ASSERT_TRUE(WriteWholeFile(PrivateValuesFile(), Bom + "S:\"Host\"=stale\r\n"));
-    {
-        VIniFileKey key(keyFolder_, privateFolder_, false, nullptr);
-        ASSERT_TRUE(key.SetString(VUnicodeString(L"Host"), VUnicodeString(L"new")));
-    }
-    EXPECT_EQ(Bom, ReadWholeFile(PrivateValuesFile()));
-    VIniFileKey key(keyFolder_, privateFolder_, true, nullptr);
-    EXPECT_EQ((TestValues{{L"Host", S(L"new")}}), ReadAllValues(key));
-}
-
-TEST_F(IniFileFormat, ADeletedPrivateValueDoesNotComeBackFromThePrivateFile) {
-    {
-        VIniFileKey key(keyFolder_, privateFolder_, false, nullptr);
-        ASSERT_TRUE(key.SetString(VUnicodeString(L"Password"), VUnicodeString(L"secret")));
-    }
-    {
-        VIniFileKey key(keyFolder_, privateFolder_, false, nullptr);
-        ASSERT_TRUE(key.DeleteValue(VUnicodeString(L"Password")));
-    }
-    EXPECT_EQ(Bom, ReadWholeFile(PrivateValuesFile()));
-    VIniFileKey key(keyFolder_, privateFolder_, true, nullptr);
-    EXPECT_EQ(TestValues{}, ReadAllValues(key));
 }
 
 }  // namespace

@@ -1,34 +1,57 @@
 // The cross-process lock, the memory-mapped buffer and the shared-memory
-// cache within one process: the lock's ownership, the fill level's limits,
-// the refusal of a too-small block, the block's layout and names, and a block
-// that starts afresh once nobody holds it. Sharing across processes is in
-// SharedMemoryProcessTests.cpp.
+// cache: the lock's ownership, the fill level's limits, the refusal of a
+// block smaller than asked for, the block's layout and names, and the cache
+// shared with profile_probe processes that count as holders and serialise a
+// counter under its lock. Every wait is bounded.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <stdexcept>
+#include <vector>
 
-#include "SharedMemoryTestNames.h"
+#include "ChildProcess.h"
+#include "ProfileProbe.h"
 #include "VIpcLock.h"
 #include "VMemoryMappedBuffer.h"
 #include "VSecurityDescriptor.h"
+#include "VSharedMemoryCache.h"
 
 namespace {
+
+constexpr DWORD ProcessWait = 120000;
 
 VRefPtr<VIpcLock> MakeLock(const wchar_t* name) { return VRefPtr<VIpcLock>::Adopt(new VIpcLock(name)); }
 
 VRefPtr<VMemoryMappedBuffer> MakeBuffer(const VUnicodeString& name, size_t size, const wchar_t* lock = nullptr) {
-    SetLastError(0xDEAD);
+    SetLastError(0xDEAD);  // so that a creation that forgot to set it shows
     return VRefPtr<VMemoryMappedBuffer>::Adopt(new VMemoryMappedBuffer(name.c_str(), lock, size, nullptr));
 }
 
-bool AllZero(const void* data, size_t size) {
-    const auto* bytes = static_cast<const BYTE*>(data);
-    return std::all_of(bytes, bytes + size, [](BYTE b) { return b == 0; });
+// The cache, and the thread's last error right after its creation.
+VRefPtr<VSharedMemoryCache> OpenCache(const VUnicodeString& name, size_t size, DWORD& outcome) {
+    SetLastError(0xDEAD);
+    auto cache = VRefPtr<VSharedMemoryCache>::Adopt(new VSharedMemoryCache(name, size));
+    outcome = GetLastError();
+    return cache;
 }
 
-TEST(IpcLockTest, OnlyTheOwnerUnlocks) {
+uint32_t ReadLocked(VSharedMemoryCache& cache, size_t offset) {
+    uint32_t value = 0;
+    EXPECT_TRUE(cache.Lock());
+    std::memcpy(&value, static_cast<BYTE*>(cache.GetData()) + offset, sizeof value);
+    cache.Unlock();
+    return value;
+}
+
+std::unique_ptr<ChildProcess> Probe(const VUnicodeString& arguments) {
+    auto probe = std::make_unique<ChildProcess>(BesideThisProgram(L"profile_probe.exe"), L"cache " + arguments);
+    EXPECT_TRUE(probe->IsRunning()) << "error " << probe->StartError();
+    return probe;
+}
+
+TEST(SharedMemory, OnlyTheLocksOwnerUnlocksAndANameTakenByAnotherKindOfObjectLeavesItUnusable) {
     auto lock = MakeLock(nullptr);
     ASSERT_TRUE(lock->IsValid());
     EXPECT_FALSE(lock->Unlock());
@@ -37,17 +60,13 @@ TEST(IpcLockTest, OnlyTheOwnerUnlocks) {
     EXPECT_TRUE(lock->Unlock());
     EXPECT_TRUE(lock->Unlock());
     EXPECT_FALSE(lock->Unlock());
-}
 
-TEST(IpcLockTest, ANameTakenByAnotherKindOfObjectLeavesLockAndBufferUnusable) {
     const VUnicodeString name = UniqueObjectName(L"event");
     const KernelHandle event(CreateEventW(nullptr, TRUE, FALSE, name.c_str()));
-    ASSERT_TRUE(event);
-    auto lock = MakeLock(name.c_str());
+    lock = MakeLock(name.c_str());
     EXPECT_FALSE(lock->IsValid());
     EXPECT_EQ(lock->GetLastErrorParams().GetMessageCode(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
     EXPECT_FALSE(lock->Lock());
-
     auto buffer = MakeBuffer(UniqueObjectName(L"block"), 64, name.c_str());
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
     EXPECT_FALSE(buffer->IsMapped());
@@ -55,67 +74,61 @@ TEST(IpcLockTest, ANameTakenByAnotherKindOfObjectLeavesLockAndBufferUnusable) {
     EXPECT_FALSE(buffer->GetInterface().Lock());
 }
 
-TEST(MemoryMappedBufferTest, TheFillLevelStopsAtTheCapacityOfWholePages) {
+TEST(SharedMemory, TheFillLevelStopsAtTheCapacityOfWholePages) {
     auto buffer = MakeBuffer(UniqueObjectName(L"block"), 5000);
     ASSERT_EQ(GetLastError(), 0u);
-    ASSERT_TRUE(buffer->IsMapped());
     SYSTEM_INFO system{};
     GetSystemInfo(&system);
     const size_t capacity = buffer->GetCapacity();
     EXPECT_GE(capacity, 5000u);
     EXPECT_EQ(capacity % system.dwPageSize, 0u);
-    EXPECT_EQ(buffer->GetDataLength(), 0u);
-
-    const char head[] = "head";
-    void* at = buffer->Append(head, 4);
+    void* at = buffer->Append("head", 4);
     ASSERT_EQ(at, buffer->GetData());
-    EXPECT_EQ(std::memcmp(at, head, 4), 0);
+    EXPECT_EQ(std::memcmp(at, "head", 4), 0);
     // Without bytes, Append only reserves the room.
     ASSERT_EQ(buffer->Append(nullptr, capacity - 4), static_cast<BYTE*>(buffer->GetData()) + 4);
     EXPECT_EQ(buffer->GetDataLength(), capacity);
     SetLastError(0);
-    EXPECT_EQ(buffer->Append(head, 1), nullptr);
+    EXPECT_EQ(buffer->Append("x", 1), nullptr);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
-    EXPECT_NE(buffer->Append(nullptr, 0), nullptr);  // nothing always fits
-
+    EXPECT_NE(buffer->Append(nullptr, 0), nullptr) << "nothing always fits";
     EXPECT_THROW(buffer->SetDataLength(capacity + 1), std::overflow_error);
-    EXPECT_EQ(buffer->GetDataLength(), capacity);
     buffer->SetDataLength(0);
     EXPECT_EQ(buffer->Append(nullptr, capacity), buffer->GetData());
+
+    // The lock lives as long as its interface, also after the buffer.
+    VRefPtr<VMemoryMappedBuffer::Interface> lock(&buffer->GetInterface());
+    buffer = nullptr;
+    ASSERT_TRUE(lock->Lock());
+    EXPECT_TRUE(lock->Unlock());
 }
 
-TEST(MemoryMappedBufferTest, AnExistingBlockIsSharedUpToItsSizeAndRefusedBeyond) {
+// Also across processes, and a refused opener never counts as a holder.
+TEST(SharedMemory, AnExistingBlockIsSharedUpToItsSizeAndRefusedBeyond) {
     const VUnicodeString name = UniqueObjectName(L"block");
     auto small = MakeBuffer(name, 100);
     const size_t capacity = small->GetCapacity();
-
     auto larger = MakeBuffer(name, capacity + 1);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
     EXPECT_FALSE(larger->IsMapped());
     EXPECT_EQ(larger->GetData(), nullptr);
-    EXPECT_EQ(larger->GetCapacity(), 0u);
-
     auto whole = MakeBuffer(name, capacity);
     EXPECT_EQ(GetLastError(), 0u);
-    EXPECT_TRUE(whole->IsMapped());
     auto any = MakeBuffer(name, VMemoryMappedBuffer::AnySize);
-    EXPECT_EQ(GetLastError(), 0u);
     EXPECT_EQ(any->GetCapacity(), capacity);
+
+    const VUnicodeString cacheName = UniqueObjectName(L"cache");
+    DWORD outcome = 0;
+    auto cache = OpenCache(cacheName, 64, outcome);
+    auto refused = OpenCache(cacheName, 256 * 1024, outcome);
+    EXPECT_EQ(outcome, static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
+    EXPECT_EQ(refused->GetData(), nullptr);
+    EXPECT_FALSE(refused->Lock());
+    EXPECT_EQ(Probe(L"open " + cacheName + L" 262144")->Wait(ProcessWait), static_cast<long>(ERROR_INSUFFICIENT_BUFFER));
+    EXPECT_EQ(cache->GetHolderCount(), 1u);
 }
 
-TEST(MemoryMappedBufferTest, TheInterfaceSharesTheBuffersLifeAndLock) {
-    VRefPtr<VMemoryMappedBuffer::Interface> lock;
-    {
-        auto buffer = VRefPtr<VMemoryMappedBuffer>::Adopt(new VMemoryMappedBuffer(4096));
-        ASSERT_TRUE(buffer->IsMapped());
-        lock = VRefPtr<VMemoryMappedBuffer::Interface>(&buffer->GetInterface());
-    }
-    ASSERT_TRUE(lock->Lock());
-    EXPECT_TRUE(lock->Unlock());
-    EXPECT_FALSE(lock->Unlock());
-}
-
-TEST(SharedMemoryCacheTest, TheBlockHoldsTheHolderCountThenTheDataUnderTheUsersNames) {
+TEST(SharedMemory, TheCacheBlockHoldsTheHolderCountThenTheDataUnderTheUsersNames) {
     VUnicodeString user;
     ASSERT_TRUE(GetCurrentUserSidString(user));
     const VUnicodeString name = UniqueObjectName(L"cache");
@@ -123,31 +136,63 @@ TEST(SharedMemoryCacheTest, TheBlockHoldsTheHolderCountThenTheDataUnderTheUsersN
     auto cache = OpenCache(name, 32, outcome);
     ASSERT_EQ(outcome, 0u);
     std::memset(cache->GetData(), 0x42, 32);
-
     auto block = MakeBuffer(name + user, VMemoryMappedBuffer::AnySize);
     ASSERT_TRUE(block->IsMapped());
     const auto* bytes = static_cast<const BYTE*>(block->GetData());
-    uint32_t holders = 0;
-    std::memcpy(&holders, bytes, sizeof holders);
-    EXPECT_EQ(holders, 1u);
+    EXPECT_EQ(bytes[0], 1) << "one holder";
     EXPECT_EQ(bytes[4], 0x42);
     EXPECT_EQ(bytes[4 + 31], 0x42);
     EXPECT_EQ(bytes[4 + 32], 0);
     auto lock = MakeLock((VSharedMemoryCache::LockNamePrefix + user).c_str());
     EXPECT_EQ(lock->GetLastErrorParams().GetMessageCode(), static_cast<DWORD>(ERROR_ALREADY_EXISTS));
-}
 
-TEST(SharedMemoryCacheTest, ABlockNoLongerHeldStartsAgainFromZeros) {
-    const VUnicodeString name = UniqueObjectName(L"cache");
-    DWORD outcome = 0;
-    {
-        auto cache = OpenCache(name, 64, outcome);
-        std::memset(cache->GetData(), 0xEE, 64);
-    }
-    auto again = OpenCache(name, 128, outcome);  // larger is fine: the old block is gone
+    // Once nobody holds it, a block starts again from zeros, at any size.
+    cache = nullptr;
+    block = nullptr;
+    auto again = OpenCache(name, 128, outcome);
     ASSERT_EQ(outcome, 0u);
     EXPECT_EQ(again->GetHolderCount(), 1u);
-    EXPECT_TRUE(AllZero(again->GetData(), 128));
+    const auto* data = static_cast<const BYTE*>(again->GetData());
+    EXPECT_TRUE(std::all_of(data, data + 128, [](BYTE b) { return b == 0; }));
+}
+
+TEST(SharedMemory, ProcessesShareTheCacheWithoutClearingItAndCountAsHoldersWhileTheyHoldIt) {
+    const VUnicodeString name = UniqueObjectName(L"cache");
+    DWORD outcome = 0;
+    auto cache = OpenCache(name, 256, outcome);
+    ASSERT_EQ(outcome, 0u);
+    ASSERT_TRUE(cache->Lock());
+    std::memset(cache->GetData(), 0xA5, 64);
+    cache->Unlock();
+    EXPECT_EQ(Probe(L"peek " + name + L" 256 0xA5 64")->Wait(ProcessWait), 0) << "the probe saw other bytes";
+    EXPECT_EQ(ReadLocked(*cache, 64), 2u) << "the holders the probe saw";
+    EXPECT_EQ(cache->GetHolderCount(), 1u) << "the probe let go as it ended";
+
+    NamedEvent quit;
+    std::vector<std::unique_ptr<ChildProcess>> holders;
+    for (uint32_t expected : {2u, 3u}) {
+        const NamedEvent ready;
+        holders.push_back(Probe(L"hold " + name + L" 256 " + ready.Name() + L" " + quit.Name()));
+        ASSERT_TRUE(ready.WaitSet(ProcessWait, holders.back().get())) << holders.back()->Wait(0);
+        EXPECT_EQ(cache->GetHolderCount(), expected);
+    }
+    quit.Set();
+    for (auto& holder : holders) EXPECT_EQ(holder->Wait(ProcessWait), 0);
+    EXPECT_EQ(cache->GetHolderCount(), 1u);
+}
+
+TEST(SharedMemory, TheLockSerialisesACounterAcrossProcesses) {
+    constexpr uint32_t Processes = 4, Times = 2000;
+    const VUnicodeString name = UniqueObjectName(L"cache");
+    DWORD outcome = 0;
+    auto cache = OpenCache(name, sizeof(uint32_t), outcome);  // holds the block for all of them
+    ASSERT_EQ(outcome, 0u);
+    NamedEvent go;
+    std::vector<std::unique_ptr<ChildProcess>> probes;
+    for (uint32_t i = 0; i < Processes; ++i) probes.push_back(Probe(L"count " + name + L" 4 " + go.Name() + L" 2000"));
+    go.Set();
+    for (auto& probe : probes) EXPECT_EQ(probe->Wait(ProcessWait), 0);
+    EXPECT_EQ(ReadLocked(*cache, 0), Processes * Times);
 }
 
 }  // namespace

@@ -104,6 +104,9 @@ TEST(FreedMemory, HoldsNoPasswordOrPassphraseAfterALoadSaveAndFreeCycle) {
             VProfileEncryptedString sealed(L"Firewall Password V2", provider.Get());
             if (pass == 0) {
                 ASSERT_TRUE(key.SetString(L"Password", password));
+                VUnicodeString held;
+                ASSERT_TRUE(key.SetString(L"Username", L"me") && key.GetString(L"Username", held));
+                EXPECT_TRUE(held.IsSensitive()) << "a private value set from a plain string is held for wiping";
                 ASSERT_TRUE(sealed.SetPlainText(password, report));
                 ASSERT_TRUE(sealed.Save(key, false));
             } else {

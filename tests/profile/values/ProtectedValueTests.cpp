@@ -100,7 +100,17 @@ TEST_F(ProtectedValueTest, ANewProviderServesTheSavedStateTooAndKeepsTheEdit) {
         << "the saved state has the new provider too";
 }
 
-TEST_F(ProtectedValueTest, AnOlderPasswordMovesToItsNewNameSealedAnew) {
+// Taken as a default, with a former name or without, a value is written at
+// the next save; an older password moves to its new name, sealed anew.
+TEST_F(ProtectedValueTest, ADefaultOrAnOlderPasswordIsSavedNextTimeUnderTheNewName) {
+    {
+        VProfileEncryptedString value(ValueName, phrase_.Get()), plain(ValueName, phrase_.Get());
+        auto key = store_.OpenKey();
+        EXPECT_FALSE(value.LoadWithFormerName(*key, L"Firewall Password", VEncryptedString()));
+        EXPECT_TRUE(value.IsModified());
+        EXPECT_FALSE(plain.LoadOrDefault(*key, VUnicodeString()));
+        EXPECT_TRUE(plain.IsModified());
+    }
     // An old profile holds the password in the older fixed-key form.
     store_.OpenKey()->SetString(L"Firewall Password", VBlowfishString::Encode(L"old secret"));
 
@@ -171,18 +181,6 @@ TEST_F(ProtectedValueTest, AfterThePassphraseChangesASaveSealsTheValuesUnderTheN
     }
 }
 
-// Taken as a default, the value must be written at the next save, whether
-// it had a former name or not.
-TEST_F(ProtectedValueTest, ADefaultTakenForAnAbsentValueIsSavedNextTime) {
-    VProfileEncryptedString value(ValueName, phrase_.Get());
-    auto key = store_.OpenKey();
-    EXPECT_FALSE(value.LoadWithFormerName(*key, L"Firewall Password", VEncryptedString()));
-    EXPECT_TRUE(value.IsModified());
-    VProfileEncryptedString plain(ValueName, phrase_.Get());
-    EXPECT_FALSE(plain.LoadOrDefault(*key, VUnicodeString()));
-    EXPECT_TRUE(plain.IsModified());
-}
-
 TEST_F(ProtectedValueTest, VariantsCarryTheProtectedTextNeverThePlainText) {
     VProfileEncryptedString value(ValueName, phrase_.Get());
     VReportMessageParams report;
@@ -197,7 +195,7 @@ TEST_F(ProtectedValueTest, VariantsCarryTheProtectedTextNeverThePlainText) {
     EXPECT_EQ(PlainOf(copy), L"hunter2");
 }
 
-TEST_F(ProtectedValueTest, ACapiStringIsStoredProtectedAndHeldInSensitiveStrings) {
+TEST_F(ProtectedValueTest, ACapiStringIsStoredProtectedHeldInSensitiveStringsAndKeptWhenDamaged) {
     VProfileCapiString value(L"Proxy Password");
     value.Set(L"p\x00E4ss");
     EXPECT_TRUE(value.Get().IsSensitive());
@@ -214,22 +212,20 @@ TEST_F(ProtectedValueTest, ACapiStringIsStoredProtectedAndHeldInSensitiveStrings
     loaded.Set(VUnicodeString());
     ASSERT_TRUE(loaded.Save(*store_.OpenKey(), false));
     EXPECT_TRUE(Stored(L"Proxy Password").IsEmpty());
-}
 
-TEST_F(ProtectedValueTest, ADamagedCapiStringReadsAsEmptyAndStaysInTheStore) {
+    // A damaged one reads as empty, neither the default nor what the value
+    // had, and stays in the store: an unchanged value does not overwrite it.
     store_.OpenKey()->SetString(L"Proxy Password", L"CAPI:0102030");
-    VProfileCapiString value(L"Proxy Password", L"default");
+    VProfileCapiString damaged(L"Proxy Password", L"default");
     {
         auto key = store_.OpenKey();
-        EXPECT_TRUE(value.Load(*key));
-        EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(),
-                  static_cast<DWORD>(CONFIG_PROTECTED_TEXT_DAMAGED));
+        EXPECT_TRUE(damaged.Load(*key));
+        EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(), static_cast<DWORD>(CONFIG_PROTECTED_TEXT_DAMAGED));
         ASSERT_EQ(key->GetLastErrorParams().GetArguments().GetCount(), 1u);
         EXPECT_EQ(key->GetLastErrorParams().GetArguments()[0], L"Proxy Password");
-        EXPECT_TRUE(value.Get().IsEmpty()) << "neither the default nor what the value had";
-        EXPECT_FALSE(value.IsModified());
-        EXPECT_TRUE(value.Save(*key, false));
+        EXPECT_TRUE(damaged.Get().IsEmpty());
+        EXPECT_FALSE(damaged.IsModified());
+        EXPECT_TRUE(damaged.Save(*key, false));
     }
-    EXPECT_EQ(Stored(L"Proxy Password"), L"CAPI:0102030")
-        << "an unchanged value does not overwrite it";
+    EXPECT_EQ(Stored(L"Proxy Password"), L"CAPI:0102030");
 }

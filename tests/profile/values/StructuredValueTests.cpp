@@ -3,6 +3,7 @@
 // and the damaged blocks and texts that reading refuses.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
 #include <tuple>
 
@@ -10,6 +11,7 @@
 #include "ConfigMessages.h"
 #include "CustomColors.h"
 #include "IniTestStore.h"
+#include "StateText.h"
 #include "VListViewState.h"
 #include "VLogFont.h"
 #include "VMarginData.h"
@@ -178,6 +180,10 @@ TEST_F(StructuredValueTest, StateTextsParseAsWrittenAndMalformedOnesAreRefused) 
         ASSERT_TRUE(VTabStateList::Parse(text, tabs)) << VString(VUnicodeString(text)).c_str();
         EXPECT_EQ(tabs.Format(), text);
     }
+    VArray<int> numbers;
+    EXPECT_TRUE(StateText::ParseIntegers(L"2147483647,-2147483648", numbers));
+    EXPECT_EQ(numbers, (VArray<int>{INT_MAX, INT_MIN}));
+    EXPECT_FALSE(StateText::ParseIntegers(L"2147483648", numbers)) << "beyond an int, not wrapped round";
     VListViewState empty;
     ASSERT_TRUE(VListViewState::Parse(L"", empty));
     EXPECT_TRUE(empty.IsEmpty());

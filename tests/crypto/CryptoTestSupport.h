@@ -1,0 +1,52 @@
+// Byte strings as hexadecimal digits, and random sources whose bytes tests
+// know or that always fail.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "IRandomSource.h"
+
+using Bytes = std::vector<uint8_t>;
+
+inline Bytes DecodeHex(const std::string& digits) {
+    Bytes bytes;
+    for (size_t i = 0; i + 1 < digits.size(); i += 2)
+        bytes.push_back(static_cast<uint8_t>(std::stoi(digits.substr(i, 2), nullptr, 16)));
+    return bytes;
+}
+
+inline std::string EncodeHex(const uint8_t* bytes, size_t count) {
+    static const char digits[] = "0123456789abcdef";
+    std::string text;
+    for (size_t i = 0; i < count; ++i) text += {digits[bytes[i] >> 4], digits[bytes[i] & 15]};
+    return text;
+}
+inline std::string EncodeHex(const Bytes& bytes) { return EncodeHex(bytes.data(), bytes.size()); }
+
+// Gives 0x00, 0x01, 0x02, ... continuing across calls.
+class CountingRandomSource : public VUnknown<IRandomSource> {
+public:
+    bool Fill(void* buffer, size_t count) override {
+        for (size_t i = 0; i < count; ++i) static_cast<uint8_t*>(buffer)[i] = next_++;
+        return true;
+    }
+    bool FillDirect(void* buffer, uint32_t count) override { return Fill(buffer, count); }
+
+private:
+    uint8_t next_ = 0;
+};
+
+// Fails as a provider that could not be acquired does.
+class FailingRandomSource : public VUnknown<IRandomSource> {
+public:
+    static constexpr DWORD Error = NTE_BAD_KEYSET;
+    bool Fill(void*, size_t) override {
+        SetLastError(Error);
+        return false;
+    }
+    bool FillDirect(void* buffer, uint32_t count) override { return Fill(buffer, count); }
+};

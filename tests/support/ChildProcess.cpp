@@ -1,0 +1,57 @@
+#include "ChildProcess.h"
+
+#include <atomic>
+#include <cwchar>
+
+VUnicodeString BesideThisProgram(const wchar_t* name) {
+    wchar_t path[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    const wchar_t* slash = std::wcsrchr(path, L'\\');
+    return VUnicodeString(path, slash ? static_cast<size_t>(slash - path + 1) : 0) + name;
+}
+
+ChildProcess::ChildProcess(const VUnicodeString& program, const VUnicodeString& arguments) {
+    VUnicodeString commandLine = L"\"" + program + L"\" " + arguments;
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION started{};
+    if (!CreateProcessW(program.c_str(), commandLine.GetBuffer(commandLine.GetLength()), nullptr, nullptr, FALSE, 0,
+                        nullptr, nullptr, &startup, &started)) {
+        startError_ = GetLastError();
+        return;
+    }
+    process_.Reset(started.hProcess);
+    CloseHandle(started.hThread);
+    id_ = started.dwProcessId;
+}
+
+long ChildProcess::Wait(DWORD limit) const {
+    DWORD code = 0;
+    if (!process_ || WaitForSingleObject(process_.Get(), limit) != WAIT_OBJECT_0 ||
+        !GetExitCodeProcess(process_.Get(), &code))
+        return -1;
+    return static_cast<long>(code);
+}
+
+void ChildProcess::Kill() {
+    if (process_ && WaitForSingleObject(process_.Get(), 0) == WAIT_TIMEOUT) {
+        TerminateProcess(process_.Get(), 9);
+        WaitForSingleObject(process_.Get(), INFINITE);
+    }
+}
+
+NamedEvent::NamedEvent() : name_(UniqueObjectName(L"event")) {
+    event_.Reset(CreateEventW(nullptr, TRUE, FALSE, name_.c_str()));
+}
+
+bool NamedEvent::WaitSet(DWORD limit, const ChildProcess* process) const {
+    const HANDLE handles[] = {event_.Get(), process ? process->Get() : nullptr};
+    return WaitForMultipleObjects(process ? 2 : 1, handles, FALSE, limit) == WAIT_OBJECT_0;
+}
+
+VUnicodeString UniqueObjectName(const wchar_t* what) {
+    static std::atomic<unsigned> counter{0};
+    VUnicodeString name;
+    name.FormatPrintf(128, L"TraywellTest-%ls-%lu-%u", what, GetCurrentProcessId(), counter.fetch_add(1));
+    return name;
+}

@@ -1,0 +1,52 @@
+// Helper processes that tests start, and the named events they meet on.
+#pragma once
+
+#include <windows.h>
+
+#include "VString.h"
+#include "Win32Handle.h"
+
+// The path of the program name in the folder of the running test program,
+// where the build puts the helper programs.
+VUnicodeString BesideThisProgram(const wchar_t* name);
+
+// A process started with program (a full path) and arguments; ended, if it
+// still runs, when the object goes.
+class ChildProcess {
+public:
+    ChildProcess(const VUnicodeString& program, const VUnicodeString& arguments);
+    ~ChildProcess() { Kill(); }
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    bool IsRunning() const { return process_.IsValid(); }  // it was started
+    DWORD StartError() const { return startError_; }
+    DWORD Id() const { return id_; }
+    HANDLE Get() const { return process_.Get(); }
+    // The exit code once it ended within limit; -1 when it was not started or did not end.
+    long Wait(DWORD limit) const;
+    // Ends it at once, as the task manager would, and waits until it is gone.
+    void Kill();
+
+private:
+    KernelHandle process_;
+    DWORD id_ = 0;
+    DWORD startError_ = ERROR_SUCCESS;
+};
+
+// A manual-reset event under a name no other test run uses, which helpers open by name.
+class NamedEvent {
+public:
+    NamedEvent();
+    const VUnicodeString& Name() const { return name_; }
+    void Set() const { SetEvent(event_.Get()); }
+    // Whether it was set within limit; with process, false as soon as that ends.
+    bool WaitSet(DWORD limit, const ChildProcess* process = nullptr) const;
+
+private:
+    VUnicodeString name_;
+    KernelHandle event_;
+};
+
+// A kernel object name for what, unique to this process and call.
+VUnicodeString UniqueObjectName(const wchar_t* what);
