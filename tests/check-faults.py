@@ -135,7 +135,8 @@ def build_targets(build, targets, environment):
 
 def run_tests(build, tests, environment):
     pattern = "^(" + "|".join(re.escape(test) for test in tests) + ")$"
-    result = run(["ctest", "--test-dir", build, "-R", pattern, "--timeout", "600", "-j", "2"],
+    result = run(["ctest", "--test-dir", build, "-R", pattern, "--timeout", "600", "-j", "2",
+                  "--output-on-failure"],
                  env=environment, capture_output=True)
     return result.returncode == 0, result.stdout[-3000:]
 
