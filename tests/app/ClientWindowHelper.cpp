@@ -22,7 +22,6 @@
 
 namespace {
 
-const wchar_t* windowClass = nullptr;
 VUnicodeString logFile;
 VArray<VUnicodeString> sessions;
 const wchar_t* exitAnswer = L"agree";
@@ -38,6 +37,7 @@ void AppendLine(const wchar_t* file, const VUnicodeString& line) {
                   nullptr);
 }
 
+// Logs what (a format of the window's index and number) for window.
 void Record(HWND window, const wchar_t* what, unsigned number = 0) {
     VUnicodeString line;
     line.FormatPositional(what, static_cast<unsigned>(GetWindowLongPtrW(window, GWLP_USERDATA) - 1),
@@ -83,21 +83,21 @@ int wmain(int argc, wchar_t** argv) {
         AppendLine(file, GetCommandLineW());
         return 0;
     }
+    const wchar_t* windowClass = nullptr;
     int windows = 1;
     for (int i = 1; i + 1 < argc; i += 2) {
-        const VUnicodeString option(argv[i]);
+        const VUnicodeString option(argv[i]), value(argv[i + 1]);
         if (option == L"--class")
-            windowClass = std::wcscmp(argv[i + 1], L"terminal") == 0
-                              ? ClientProtocol::TerminalWindowClass
-                              : ClientProtocol::TransferWindowClass;
+            windowClass = value == L"terminal" ? ClientProtocol::TerminalWindowClass
+                                               : ClientProtocol::TransferWindowClass;
         else if (option == L"--log")
-            logFile = argv[i + 1];
+            logFile = value;
         else if (option == L"--windows")
             windows = _wtoi(argv[i + 1]);
         else if (option == L"--exit")
             exitAnswer = argv[i + 1];
         else if (option == L"--session")
-            sessions.Add(argv[i + 1]);
+            sessions.Add(value);
         else
             return 2;
     }
@@ -110,9 +110,10 @@ int wmain(int argc, wchar_t** argv) {
     registration.lpszClassName = windowClass;
     if (!windowClass || logFile.IsEmpty() || !RegisterClassExW(&registration)) return 2;
     for (; openWindows < windows; ++openWindows) {
+        const int offset = 40 + 20 * openWindows;
         const HWND window =
-            CreateWindowExW(0, windowClass, windowClass, WS_OVERLAPPEDWINDOW, 40 + 20 * openWindows,
-                            40 + 20 * openWindows, 320, 200, nullptr, nullptr, nullptr, nullptr);
+            CreateWindowExW(0, windowClass, windowClass, WS_OVERLAPPEDWINDOW, offset, offset, 320,
+                            200, nullptr, nullptr, nullptr, nullptr);
         if (!window) return 3;
         SetWindowLongW(window, 0, static_cast<LONG>(ClientProtocol::MainWindowMark));
         SetWindowLongPtrW(window, GWLP_USERDATA, openWindows + 1);  // the index, kept non-zero
