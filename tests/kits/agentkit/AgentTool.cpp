@@ -1,8 +1,7 @@
-// A test helper that plays the agent's clients for the Linux-side tests:
+// A test helper for the Linux-side tests of the agent:
 //   agent_tool relay PIPE PORT           join each TCP connection on 127.0.0.1:PORT to PIPE
 //                                        until stdin closes
 //   agent_tool fingerprint FILE [PASS]   load a key file: "<bits> <fingerprint> (<TYPE>)"
-//   agent_tool list PIPE                 list the agent's keys: "<fingerprint> <comment>"
 // Exit code 0 on success; a failure prints the report's text.
 #include <windows.h>
 #include <winsock2.h>
@@ -74,10 +73,6 @@ int Relay(const wchar_t* pipe, int port) {
 
 std::string Narrow(const AgentText& text) { return std::string(text.begin(), text.end()); }
 
-void Print(const AgentBytes& publicBlob, const AgentText& comment) {
-    std::printf("%s %s\n", Narrow(KeyFingerprint(publicBlob)).c_str(), Narrow(comment).c_str());
-}
-
 int Fingerprint(const wchar_t* file, const wchar_t* passphrase) {
     LoadedKey key;
     VReportMessageParams report;
@@ -88,16 +83,6 @@ int Fingerprint(const wchar_t* file, const wchar_t* passphrase) {
     return 0;
 }
 
-int List(const wchar_t* pipe) {
-    AgentPipeClient client;
-    VReportMessageParams report;
-    std::vector<AgentIdentity> identities;
-    if (!client.Connect(pipe, 5000, report)) return Fail(report);
-    if (!client.List(identities)) return 1;
-    for (const AgentIdentity& identity : identities) Print(identity.publicBlob, identity.comment);
-    return 0;
-}
-
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
@@ -105,7 +90,6 @@ int wmain(int argc, wchar_t** argv) {
     if (command == L"relay" && argc == 4) return Relay(argv[2], _wtoi(argv[3]));
     if (command == L"fingerprint" && argc >= 3)
         return Fingerprint(argv[2], argc > 3 ? argv[3] : L"");
-    if (command == L"list" && argc == 3) return List(argv[2]);
-    std::fprintf(stderr, "usage: agent_tool relay|fingerprint|list ...\n");
+    std::fprintf(stderr, "usage: agent_tool relay|fingerprint ...\n");
     return 2;
 }

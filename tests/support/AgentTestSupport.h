@@ -1,4 +1,5 @@
-// Shared by the agent's tests: the key files ssh-keygen wrote for them (keys/),
+// Shared by the agent's tests and the tray program's: the key files ssh-keygen
+// wrote for them (tests/kits/agentkit/keys, AGENT_TEST_KEYS_DIR),
 // fresh names for stores and pipes, and a confirmation that answers as told.
 #pragma once
 
