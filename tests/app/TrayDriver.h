@@ -1,6 +1,5 @@
-// Drives the real traywell.exe and the client helpers from a test: the
-// installation facts that make the helper a client, the helper's windows,
-// Traywell's menu, boxes and dialogs. Every wait has a time limit.
+// Drives the real traywell.exe and client helpers: the installation facts that
+// make the helper a client, its windows, Traywell's menu, boxes and dialogs.
 #pragma once
 
 #include <ostream>

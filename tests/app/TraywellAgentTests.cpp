@@ -1,7 +1,5 @@
-// The SSH agent of the real traywell.exe: it serves the session's pipe while
-// it runs, takes keys from /AddKey (a second start hands them over, a first
-// start adds them once it serves), asks before using a key marked so, and
-// stops serving at exit.
+// The SSH agent of the real traywell.exe: the session's pipe while it runs,
+// keys from /AddKey of a first or second start, confirmation before use.
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -27,12 +25,18 @@ VUnicodeString AgentReportText(DWORD code, const char* key) {
 
 }  // namespace
 
-TEST(TraywellAgent, ServesThePipeAndTakesKeysFromASecondStart) {
-    TraywellUnderTest traywell;
+// A first start adds its keys once it serves (the icon comes first, then the
+// agent, then the keys, one by one); second starts hand theirs over.
+TEST(TraywellAgent, ServesThePipeWhileItRunsAndTakesKeysFromAFirstAndASecondStart) {
+    TraywellUnderTest traywell((AddKey("ed25519") + L" " + AddKey("ecdsa384")).c_str());
     AgentPipeClient client;
     VReportMessageParams report;
     ASSERT_TRUE(client.Connect(AgentPipeServer::DefaultPipeName, WaitLimit, report));
     std::vector<AgentIdentity> listed;
+    WaitUntil([&] { return client.List(listed) && listed.size() == 2; });
+    ASSERT_EQ(listed.size(), 2u);
+    EXPECT_EQ(listed[0].publicBlob, ReadPublicKeyFile("ed25519").publicBlob);
+    EXPECT_EQ(listed[1].publicBlob, ReadPublicKeyFile("ecdsa384").publicBlob);
     VReportMessageParams usage(TRAY_ADD_KEY_USAGE);
     usage.AddArgument(L"/Lifetime");
     const struct {
@@ -90,20 +94,6 @@ TEST(TraywellAgent, ServesThePipeAndTakesKeysFromASecondStart) {
                          VUnicodeString::npos))
             << question.c_str();
     }
-    EXPECT_TRUE(client.RemoveAll());
-}
-
-TEST(TraywellAgent, AFirstStartAddsTheKeysOnceItServesAndExitStopsServing) {
-    TraywellUnderTest traywell((AddKey("ed25519") + L" " + AddKey("ecdsa384")).c_str());
-    AgentPipeClient client;
-    VReportMessageParams report;
-    ASSERT_TRUE(client.Connect(AgentPipeServer::DefaultPipeName, WaitLimit, report));
-    std::vector<AgentIdentity> listed;
-    // The icon comes first, then the agent, then the keys, one by one.
-    WaitUntil([&] { return client.List(listed) && listed.size() == 2; });
-    ASSERT_EQ(listed.size(), 2u);
-    EXPECT_EQ(listed[0].publicBlob, ReadPublicKeyFile("ed25519").publicBlob);
-    EXPECT_EQ(listed[1].publicBlob, ReadPublicKeyFile("ecdsa384").publicBlob);
     EXPECT_TRUE(client.RemoveAll());
     client.Disconnect();
     traywell.Choose(L"x");

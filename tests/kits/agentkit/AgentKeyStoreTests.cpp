@@ -1,7 +1,5 @@
-// The key store in shared memory (traywell_tests read it from a second
-// process): keys added, updated, listed and removed; private keys never plain in the block; a full
-// block refuses with a message; a damaged block is reset; lifetimes end; a
-// locked store hides and keeps its keys.
+// The key store in shared memory (traywell_tests read it from a second process):
+// its keys, never plain; a full or damaged block; lifetimes; locking.
 
 #include <gtest/gtest.h>
 
@@ -89,8 +87,7 @@ TEST(AgentKeyStoreTest, AFullBlockRefusesWithAMessageAndADamagedOneIsReset) {
     EXPECT_NE(std::wstring(report.GetText()).find(L"is full"), std::wstring::npos);
     EXPECT_EQ(full.List().size(), added);
 
-    // The magic, version, checksum, count, length of the records, a record's
-    // size, a public key.
+    // The magic, version, checksum, count, records' length, a record's size, a public key.
     const LoadedKey key = LoadTestKey("ecdsa256");
     for (size_t offset : {0, 4, 8, 16, 21, 513, 572}) {
         AgentKeyStore store(UniqueName(L"{agent-store-damage}").c_str());

@@ -54,8 +54,7 @@ TEST(KeyFileTest, ReadsWhatSshKeygenWroteAndRefusesTheRest) {
         EXPECT_STREQ(key.key.GetTypeLabel(), test.label);
     }
 
-    // Damage to the key (the first 400 characters: the header, the public and
-    // the private key; the comment after them is free text) is noticed.
+    // Damage to the header, public or private key (not the free comment after them) is noticed.
     const AgentBytes content = read("ecdsa256");
     const size_t body =
         static_cast<size_t>(std::find(content.begin(), content.end(), '\n') - content.begin());

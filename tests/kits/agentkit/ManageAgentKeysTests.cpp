@@ -1,6 +1,5 @@
-// The Manage Agent Keys window: it opens as the caller's open dialog, lays its
-// list view out from the state value, hands the user's layout back, and adds
-// and removes keys as a user does.
+// The Manage Agent Keys window: its layout from and back to the state value,
+// and keys added and removed as a user does.
 
 #include <gtest/gtest.h>
 
@@ -92,9 +91,8 @@ TEST(ManageAgentKeysTest, LaysOutFromTheStateAndHandsBackTheUsersLayout) {
     }
 }
 
-// A user's session in the window: Add Key, the file dialog, the pass-phrase
-// prompt (a wrong pass phrase first), the key listed and held in the shared
-// store; Remove; Close, with the layout handed back for saving.
+// Add Key, the file dialog, the pass-phrase prompt (wrong first), the key
+// listed and held in the shared store; Remove; Close, handing the layout back.
 TEST(ManageAgentKeysTest, AddsAKeyThroughTheFileDialogAndThePassPhraseAndRemovesIt) {
     constexpr int FileNameComboId = 1148;  // the file dialog's file name field
     AgentKeyStore store;

@@ -1,13 +1,7 @@
-// A host program for the firewall prompts: it exports the session database
-// (saving firewall definitions into an INI-file store), asks for one
-// credential of a firewall through Confkit's prompts, and writes what it was
-// handed, for the test that drives its dialog from outside.
-//
-//   firewall_prompt_host <configuration folder> <firewall> user|password <output file> [pass
-//   phrase]
-//
-// Writes "confirmed=0|1", "text=<what was handed back>", "sensitive=0|1"
-// and "report=<message code>", one a line.
+// Exports the session database (an INI-file store) and asks for one credential
+// of a firewall through Confkit's prompts, for the test that answers them:
+//   firewall_prompt_host FOLDER FIREWALL user|password OUTPUT [PASSPHRASE]
+// OUTPUT gets "confirmed=0|1", "text=...", "sensitive=0|1", "report=<code>" lines.
 #include <windows.h>
 
 #include <cstdio>

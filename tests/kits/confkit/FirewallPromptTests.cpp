@@ -1,7 +1,5 @@
-// The firewall credential prompts for real: a host program (FirewallPromptHost)
-// asks for a credential, and the test types into its dialog as a user would,
-// ticks Save or not, presses OK or Cancel, and checks what the host was handed
-// and what reached the store.
+// The firewall credential prompts of a host program (FirewallPromptHost), answered
+// as a user does: what the host is handed, and what reaches the store.
 #include <gtest/gtest.h>
 
 #include "FirewallConfig.h"

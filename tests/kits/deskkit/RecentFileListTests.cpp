@@ -47,11 +47,7 @@ protected:
         return texts;
     }
 
-    static VUnicodeString Name(int index) {
-        VUnicodeString name;
-        name.FormatPositional(L"File%1!d!", index);
-        return name;
-    }
+    static VUnicodeString Name(int index) { return (L"File" + std::to_wstring(index)).c_str(); }
 
     TempFolder folder_;
     VIniFileStoreFactory factory_;
