@@ -6,8 +6,9 @@
 // shows N (default 1) client main windows of that class, each holding the
 // sessions given, answers the session query through the shared buffer and
 // the can-exit question as told ("hang": never in time), and appends to FILE
-// "select <window> <session number>" for each show-selection message and
-// "close <window>" for each WM_CLOSE (<window>: its index from 0). A closed
+// "select <window> <session number>" for each show-selection message,
+// "hide <window>" when it is hidden and "close <window>" for each WM_CLOSE
+// (<window>: its index from 0). A closed
 // window goes; the process ends with its last window. Started in any other
 // way (as Traywell starts a client), it appends its command line to the file
 // that TRAYWELL_HELPER_LAUNCH_LOG names, and ends.
@@ -64,6 +65,7 @@ LRESULT CALLBACK ClientWindowProc(HWND window, UINT message, WPARAM wParam, LPAR
         ShowWindow(window, SW_RESTORE);
         return 0;
     }
+    if (message == WM_SHOWWINDOW && !wParam && lParam == 0) Record(window, L"hide %1!u!");
     if (message == WM_CLOSE) {
         Record(window, L"close %1!u!");
         DestroyWindow(window);
