@@ -6,8 +6,9 @@
 // shows N (default 1) client main windows of that class, each holding the
 // sessions given, answers the session query through the shared buffer and
 // the can-exit question as told ("hang": never in time), and appends to FILE
-// "select <window> <session number>" for each show-selection message and
-// "close <window>" for each WM_CLOSE (<window>: its index from 0). A closed
+// "select <window> <session number>" for each show-selection message,
+// "hide <window>" when it is hidden and "close <window>" for each WM_CLOSE
+// (<window>: its index from 0). A closed
 // window goes; the process ends with its last window. Started in any other
 // way (as Traywell starts a client), it appends its command line to the file
 // that TRAYWELL_HELPER_LAUNCH_LOG names, and ends.
@@ -22,7 +23,6 @@
 
 namespace {
 
-const wchar_t* windowClass = nullptr;
 VUnicodeString logFile;
 VArray<VUnicodeString> sessions;
 const wchar_t* exitAnswer = L"agree";
@@ -38,6 +38,7 @@ void AppendLine(const wchar_t* file, const VUnicodeString& line) {
                   nullptr);
 }
 
+// Logs what (a format of the window's index and number) for window.
 void Record(HWND window, const wchar_t* what, unsigned number = 0) {
     VUnicodeString line;
     line.FormatPositional(what, static_cast<unsigned>(GetWindowLongPtrW(window, GWLP_USERDATA) - 1),
@@ -64,6 +65,7 @@ LRESULT CALLBACK ClientWindowProc(HWND window, UINT message, WPARAM wParam, LPAR
         ShowWindow(window, SW_RESTORE);
         return 0;
     }
+    if (message == WM_SHOWWINDOW && !wParam && lParam == 0) Record(window, L"hide %1!u!");
     if (message == WM_CLOSE) {
         Record(window, L"close %1!u!");
         DestroyWindow(window);
@@ -83,21 +85,21 @@ int wmain(int argc, wchar_t** argv) {
         AppendLine(file, GetCommandLineW());
         return 0;
     }
+    const wchar_t* windowClass = nullptr;
     int windows = 1;
     for (int i = 1; i + 1 < argc; i += 2) {
-        const VUnicodeString option(argv[i]);
+        const VUnicodeString option(argv[i]), value(argv[i + 1]);
         if (option == L"--class")
-            windowClass = std::wcscmp(argv[i + 1], L"terminal") == 0
-                              ? ClientProtocol::TerminalWindowClass
-                              : ClientProtocol::TransferWindowClass;
+            windowClass = value == L"terminal" ? ClientProtocol::TerminalWindowClass
+                                               : ClientProtocol::TransferWindowClass;
         else if (option == L"--log")
-            logFile = argv[i + 1];
+            logFile = value;
         else if (option == L"--windows")
             windows = _wtoi(argv[i + 1]);
         else if (option == L"--exit")
             exitAnswer = argv[i + 1];
         else if (option == L"--session")
-            sessions.Add(argv[i + 1]);
+            sessions.Add(value);
         else
             return 2;
     }
@@ -110,9 +112,10 @@ int wmain(int argc, wchar_t** argv) {
     registration.lpszClassName = windowClass;
     if (!windowClass || logFile.IsEmpty() || !RegisterClassExW(&registration)) return 2;
     for (; openWindows < windows; ++openWindows) {
+        const int offset = 40 + 20 * openWindows;
         const HWND window =
-            CreateWindowExW(0, windowClass, windowClass, WS_OVERLAPPEDWINDOW, 40 + 20 * openWindows,
-                            40 + 20 * openWindows, 320, 200, nullptr, nullptr, nullptr, nullptr);
+            CreateWindowExW(0, windowClass, windowClass, WS_OVERLAPPEDWINDOW, offset, offset, 320,
+                            200, nullptr, nullptr, nullptr, nullptr);
         if (!window) return 3;
         SetWindowLongW(window, 0, static_cast<LONG>(ClientProtocol::MainWindowMark));
         SetWindowLongPtrW(window, GWLP_USERDATA, openWindows + 1);  // the index, kept non-zero

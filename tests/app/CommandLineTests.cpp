@@ -6,89 +6,55 @@
 
 namespace {
 
-VArray<VUnicodeString> TokensOf(const wchar_t* line) {
-    VCommandLine commandLine;
-    VReportMessageParams report;
-    commandLine.Parse(line, report);
-    return commandLine.GetTokens();
-}
+using Tokens = VArray<VUnicodeString>;
 
-TEST(CommandLineTokens, QuotesJoinAndDropOutOfUnquotedTokens) {
-    EXPECT_EQ(TokensOf(L"ab\"c d\"e  x"), (VArray<VUnicodeString>{L"abc de", L"x"}));
-    EXPECT_EQ(TokensOf(L"   "), VArray<VUnicodeString>{});
-    EXPECT_EQ(TokensOf(L"a\tb"), VArray<VUnicodeString>{L"a\tb"});  // only the space separates
-}
-
-TEST(CommandLineTokens, QuotedTokensEndAtAnUnescapedQuote) {
-    EXPECT_EQ(TokensOf(L"\"C:\\Dir\\\" next"),
-              VArray<VUnicodeString>{L"C:\\Dir\" next"});  // \" escapes
-    EXPECT_EQ(TokensOf(L"\"say \\\"hi\\\"\""), VArray<VUnicodeString>{L"say \"hi\""});
-    EXPECT_EQ(TokensOf(L"\"closed\"glued"), (VArray<VUnicodeString>{L"closed", L"glued"}));
-    EXPECT_EQ(TokensOf(L"\"\" \"unterminated tail"), VArray<VUnicodeString>{L"unterminated tail"});
-}
-
-TEST(CommandLineFolder, EverySpellingOfTheSwitchGivesTheFolder) {
-    for (const wchar_t* line :
-         {L"/f C:\\Conf", L"-F C:\\Conf", L"/F C:\\Conf", L"other /F C:\\Conf tail"}) {
+// Tokens are what is left after the folder's switch and value are taken.
+TEST(CommandLine, TokensAndTheFolder) {
+    const struct {
+        const wchar_t* line;
+        Tokens tokens;
+        const wchar_t* folder;
+        DWORD failure;
+    } cases[] = {
+        {L"ab\"c d\"e  x", {L"abc de", L"x"}, L"", 0},  // quotes join and drop out
+        {L"   ", {}, L"", 0},
+        {L"a\tb", {L"a\tb"}, L"", 0},                          // only the space separates
+        {L"\"C:\\Dir\\\" next", {L"C:\\Dir\" next"}, L"", 0},  // \" escapes
+        {L"\"say \\\"hi\\\"\"", {L"say \"hi\""}, L"", 0},
+        {L"\"closed\"glued", {L"closed", L"glued"}, L"", 0},
+        {L"\"\" \"unterminated tail", {L"unterminated tail"}, L"", 0},
+        {L"/f C:\\Conf", {}, L"C:\\Conf", 0},
+        {L"-F C:\\Conf", {}, L"C:\\Conf", 0},
+        {L"other /F C:\\Conf tail", {L"other", L"tail"}, L"C:\\Conf", 0},
+        {L"/F \"C:\\Program Data\\My Conf\"", {}, L"C:\\Program Data\\My Conf", 0},
+        {L"/S x /F", {L"/S", L"x", L"/F"}, L"", CONFIG_OPTION_VALUE_MISSING},
+        {L"/F C:\\Conf ssh://host",
+         {L"/F", L"C:\\Conf", L"ssh://host"},
+         L"",
+         0},  // a link: no folder
+        {L"/Folder C:\\Conf", {L"/Folder", L"C:\\Conf"}, L"", 0},
+    };
+    for (const auto& test : cases) {
         VCommandLine commandLine;
-        VReportMessageParams report;
-        EXPECT_TRUE(commandLine.Parse(line, report)) << line;
-        EXPECT_EQ(commandLine.GetConfigFolder(), L"C:\\Conf") << line;
+        VReportMessageParams report(CONFIG_OPTION_NOT_A_NUMBER);  // a report from before goes
+        EXPECT_EQ(commandLine.Parse(test.line, report), test.failure == 0) << test.line;
+        EXPECT_EQ(report.GetMessageCode(), test.failure) << test.line;
+        EXPECT_EQ(commandLine.GetTokens(), test.tokens) << test.line;
+        EXPECT_EQ(commandLine.GetConfigFolder(), test.folder) << test.line;
     }
 }
 
-TEST(CommandLineFolder, QuotedFolderKeepsItsBlanks) {
+TEST(CommandLine, LookupConsumesSoTheNextOccurrenceComesSecondAndNumbersAreDecimal) {
     VCommandLine commandLine;
     VReportMessageParams report;
-    EXPECT_TRUE(commandLine.Parse(L"/F \"C:\\Program Data\\My Conf\"", report));
-    EXPECT_EQ(commandLine.GetConfigFolder(), L"C:\\Program Data\\My Conf");
-    EXPECT_TRUE(commandLine.GetTokens().IsEmpty());
-}
-
-TEST(CommandLineFolder, SwitchWithoutValueFailsWithItsReport) {
-    VCommandLine commandLine;
-    VReportMessageParams report;
-    EXPECT_FALSE(commandLine.Parse(L"/S x /F", report));
-    EXPECT_EQ(report.GetMessageCode(), CONFIG_OPTION_VALUE_MISSING);
-    EXPECT_TRUE(commandLine.GetConfigFolder().IsEmpty());
-}
-
-TEST(CommandLineFolder, ALinkMeansNoFolder) {
-    VCommandLine commandLine;
-    VReportMessageParams report(CONFIG_OPTION_VALUE_MISSING);
-    EXPECT_TRUE(commandLine.Parse(L"/F C:\\Conf ssh://host", report));
-    EXPECT_TRUE(commandLine.GetConfigFolder().IsEmpty());
-    EXPECT_EQ(report.GetMessageCode(), 0u);
-}
-
-TEST(CommandLineFolder, LongerSwitchDoesNotMatch) {
-    VCommandLine commandLine;
-    VReportMessageParams report;
-    EXPECT_TRUE(commandLine.Parse(L"/Folder C:\\Conf", report));
-    EXPECT_TRUE(commandLine.GetConfigFolder().IsEmpty());
-    EXPECT_TRUE(commandLine.Parse(L"", report));
-}
-
-TEST(CommandLineOptions, LookupConsumesSoTheNextOccurrenceComesSecond) {
-    VCommandLine commandLine;
-    VReportMessageParams report;
-    ASSERT_TRUE(commandLine.Parse(L"/S first keep /s second", report));
+    ASSERT_TRUE(commandLine.Parse(L"/S first keep /s second /N 4096 /N 12x /N -1", report));
     VUnicodeString value;
-    EXPECT_TRUE(commandLine.GetTextOption(L"/S", value, report, true));
-    EXPECT_EQ(value, L"first");
-    EXPECT_TRUE(commandLine.GetTextOption(L"-S", value, report, true));
-    EXPECT_EQ(value, L"second");
+    EXPECT_TRUE(commandLine.GetTextOption(L"/S", value, report, true) && value == L"first");
+    EXPECT_TRUE(commandLine.GetTextOption(L"-S", value, report, true) && value == L"second");
     EXPECT_FALSE(commandLine.GetTextOption(L"/S", value, report, true));
-    EXPECT_TRUE(commandLine.GetTextOption(L"/S", value, report, false));
-    EXPECT_TRUE(value.IsEmpty());
-    EXPECT_EQ(commandLine.GetTokens(), VArray<VUnicodeString>{L"keep"});
+    EXPECT_TRUE(commandLine.GetTextOption(L"/S", value, report, false) && value.IsEmpty());
     EXPECT_FALSE(commandLine.GetTextOption(L"S", value, report, false));  // not a switch
-}
 
-TEST(CommandLineOptions, NumbersAcceptOnlyDecimalDigits) {
-    VCommandLine commandLine;
-    VReportMessageParams report;
-    ASSERT_TRUE(commandLine.Parse(L"/N 4096 /N 12x /N -1", report));
     uint32_t number = 7;
     EXPECT_TRUE(commandLine.GetNumberOption(L"/N", number, report, true));
     EXPECT_EQ(number, 4096u);
@@ -99,25 +65,25 @@ TEST(CommandLineOptions, NumbersAcceptOnlyDecimalDigits) {
     EXPECT_EQ(number, 0u);
     EXPECT_TRUE(commandLine.GetNumberOption(L"/N", number, report, false));
     EXPECT_EQ(number, 0u);
+    EXPECT_EQ(commandLine.GetTokens(), Tokens{L"keep"});
 }
 
-TEST(CommandLineOptions, PassPhraseComesBackSensitiveAndLeavesNoToken) {
+TEST(CommandLine, PassPhraseComesBackSensitiveAndLeavesNoToken) {
     VCommandLine commandLine;
     VReportMessageParams report;
     ASSERT_TRUE(commandLine.Parse(L"/ConfigPassphrase \"open sesame\" /F C:\\Conf", report));
-    VUnicodeString passphrase;
+    VUnicodeString passphrase, other;
     ASSERT_TRUE(commandLine.GetTextOption(L"/ConfigPassphrase", passphrase, report, true));
     EXPECT_EQ(passphrase, L"open sesame");
     EXPECT_TRUE(passphrase.IsSensitive());
     EXPECT_TRUE(commandLine.GetTokens().IsEmpty());
-
-    ASSERT_TRUE(commandLine.Parse(L"/configpassphrase plain", report));
-    ASSERT_TRUE(commandLine.GetTextOption(L"/configpassphrase", passphrase, report, true));
-    EXPECT_TRUE(passphrase.IsSensitive());  // the variable was sensitive: it stays so
-    VUnicodeString other;
-    ASSERT_TRUE(commandLine.Parse(L"/configpassphrase plain", report));
-    ASSERT_TRUE(commandLine.GetTextOption(L"/configpassphrase", other, report, true));
-    EXPECT_FALSE(other.IsSensitive());  // only the exact spelling is treated as secret
+    // Only the exact spelling is treated as secret; a sensitive variable stays so.
+    for (VUnicodeString* value : {&passphrase, &other}) {
+        ASSERT_TRUE(commandLine.Parse(L"/configpassphrase plain", report));
+        ASSERT_TRUE(commandLine.GetTextOption(L"/configpassphrase", *value, report, true));
+    }
+    EXPECT_TRUE(passphrase.IsSensitive());
+    EXPECT_FALSE(other.IsSensitive());
 }
 
 }  // namespace

@@ -12,51 +12,23 @@
 
 namespace {
 
-// The control of a message box that holds its text (our dialogs have no such control).
-constexpr int MessageBoxTextId = 0xFFFF;
+constexpr int MessageBoxTextId = 0xFFFF;  // the control of a message box that holds its text
 
 }  // namespace
 
-TestProcess::TestProcess(const VUnicodeString& program, const VUnicodeString& arguments) {
-    VUnicodeString commandLine = VUnicodeString(L"\"") + program + L"\" " + arguments;
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process{};
-    if (CreateProcessW(program.c_str(), commandLine.GetBuffer(commandLine.GetLength()), nullptr,
-                       nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
-        process_.Reset(process.hProcess);
-        CloseHandle(process.hThread);
-        id_ = process.dwProcessId;
-    }
+Lines ReadLines(const VUnicodeString& file) {
+    Lines lines;
+    const std::string bytes = ReadWholeFile(file);
+    for (size_t start = 0, end; (end = bytes.find('\n', start)) != std::string::npos;
+         start = end + 1)
+        lines.Add(VUnicodeString(VString(bytes.substr(start, end - start).c_str())));
+    return lines;
 }
 
-bool TestProcess::Exited(DWORD limit, DWORD* code) const {
-    if (!process_ || WaitForSingleObject(process_.Get(), limit) != WAIT_OBJECT_0) return false;
-    if (code) GetExitCodeProcess(process_.Get(), code);
-    return true;
-}
-
-void TestProcess::Kill() {
-    if (process_ && !Exited(0)) {
-        TerminateProcess(process_.Get(), 99);
-        Exited();
-    }
-}
-
-std::vector<HWND> TestProcess::Windows(const wchar_t* className, size_t count,
-                                       bool visibleOnly) const {
-    std::vector<HWND> found;
-    WaitUntil([&] {
-        found.clear();
-        for (HWND window = nullptr;
-             (window = FindWindowExW(nullptr, window, className, nullptr));) {
-            DWORD owner = 0;
-            GetWindowThreadProcessId(window, &owner);
-            if (owner == id_ && (!visibleOnly || IsWindowVisible(window))) found.push_back(window);
-        }
-        return found.size() >= count;
-    });
-    return found;
+VUnicodeString ItemText(HWND dialog, int control) {
+    wchar_t text[1024] = {};
+    GetDlgItemTextW(dialog, control, text, 1024);
+    return text;
 }
 
 ClientHelper::ClientHelper(bool terminal, const Lines& sessions, const wchar_t* exitAnswer,
@@ -77,9 +49,7 @@ ClientHelper::ClientHelper(bool terminal, const Lines& sessions, const wchar_t* 
 
 Lines ClientHelper::Log(size_t count) const {
     Lines lines;
-    WaitUntil([&] {
-        return (lines = TraywellUnderTest::ReadLines(folder / L"client.log")).GetCount() >= count;
-    });
+    WaitUntil([&] { return (lines = ReadLines(folder / L"client.log")).GetCount() >= count; });
     return lines;
 }
 
@@ -134,8 +104,7 @@ void TraywellUnderTest::Type(const wchar_t* keys) const {
 
 VUnicodeString TraywellUnderTest::TakeBoxText(int button) const {
     const HWND box = WaitForDialog(MessageBoxTextId);
-    wchar_t text[1024] = {};
-    GetDlgItemTextW(box, MessageBoxTextId, text, 1024);
+    const VUnicodeString text = ItemText(box, MessageBoxTextId);
     PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
     WaitUntil([&] { return !IsWindow(box); });
     return text;
@@ -149,15 +118,6 @@ HWND TraywellUnderTest::WaitForDialog(int controlId) const {
         return dialog != nullptr;
     });
     return dialog;
-}
-
-Lines TraywellUnderTest::ReadLines(const VUnicodeString& file) {
-    Lines lines;
-    const std::string bytes = ReadWholeFile(file);
-    for (size_t start = 0, end; (end = bytes.find('\n', start)) != std::string::npos;
-         start = end + 1)
-        lines.Add(VUnicodeString(VString(bytes.substr(start, end - start).c_str())));
-    return lines;
 }
 
 void PrintTo(const VUnicodeString& text, std::ostream* out) {

@@ -1,48 +1,19 @@
-// Drives the real traywell.exe and the client helpers from a test: processes,
-// windows, the installation facts that make the helper a client, Traywell's
-// menu, boxes and dialogs. Every wait has a time limit; a process still
-// running when its object goes is ended.
+// Drives the real traywell.exe and client helpers: the installation facts that
+// make the helper a client, its windows, Traywell's menu, boxes and dialogs.
 #pragma once
 
-#include <windows.h>
-
 #include <ostream>
-#include <vector>
 
 #include "TempFolder.h"
+#include "TestProcess.h"
 #include "VContainers.h"
-#include "VString.h"
-#include "Win32Handle.h"
 
 using Lines = VArray<VUnicodeString>;
-inline constexpr DWORD WaitLimit = 15000;
 
-// Polls until done() holds or the time limit passes; done()'s last answer.
-template <class Condition>
-bool WaitUntil(Condition done, DWORD limit = WaitLimit) {
-    for (DWORD waited = 0; !done(); waited += 50) {
-        if (waited >= limit) return false;
-        Sleep(50);
-    }
-    return true;
-}
-
-class TestProcess {
-public:
-    TestProcess(const VUnicodeString& program, const VUnicodeString& arguments);
-    ~TestProcess() { Kill(); }
-    // Whether it ended within limit, with its exit code.
-    bool Exited(DWORD limit = WaitLimit, DWORD* code = nullptr) const;
-    void Kill();
-    // Its top-level windows of className (visible ones only when visibleOnly),
-    // once there are count of them.
-    std::vector<HWND> Windows(const wchar_t* className, size_t count = 0,
-                              bool visibleOnly = true) const;
-
-private:
-    KernelHandle process_;
-    DWORD id_ = 0;
-};
+// The lines of a text file; empty when it cannot be read.
+Lines ReadLines(const VUnicodeString& file);
+// The text of a dialog's control.
+VUnicodeString ItemText(HWND dialog, int control);
 
 // A client_window_helper with its windows up; exitAnswer "agree", "refuse" or "hang".
 struct ClientHelper {
@@ -75,14 +46,12 @@ public:
         OpenMenu();
         Type(keys);
     }
-    // The text of its message box, which is then closed with button; empty
-    // when none comes.
+    // The text of its message box, which is then closed with button; empty when none comes.
     VUnicodeString TakeBoxText(int button = IDOK) const;
     // Its dialog with control controlId; null when none comes.
     HWND WaitForDialog(int controlId) const;
     // The command lines of the clients it started.
     Lines Launches() const { return ReadLines(folder / L"launches.log"); }
-    static Lines ReadLines(const VUnicodeString& file);
 
     TempFolder folder;
     TestProcess process;

@@ -4,24 +4,13 @@
 
 #include <algorithm>
 
-#include "ManageAgentKeysDialog.h"
 #include "ProgramFolder.h"
 #include "TrayDriver.h"
-#include "TraywellMessages.h"
 #include "TraywellResources.h"
 #include "VIniFileStoreFactory.h"
 #include "VProfileStore.h"
-#include "VReportMessageParams.h"
 
 namespace {
-
-VUnicodeString Text(DWORD code) { return VReportMessageParams(code).GetText(); }
-
-VUnicodeString DialogText(HWND dialog, int control) {
-    wchar_t text[256] = {};
-    GetDlgItemTextW(dialog, control, text, 256);
-    return text;
-}
 
 // The recent list of section in the INI files of folder, after writing entries when given.
 Lines RecentEntries(const VUnicodeString& folder, const wchar_t* section,
@@ -104,16 +93,17 @@ TEST(Traywell, WindowCommandsReachTheirWindows) {
     } steps[] = {
         {L"2", {L"select 0 8"}, {}},
         {L"4", {L"select 0 8"}, {L"select 0 5"}},
-        {L"vvvv!",
-         {L"select 0 8", L"select 0 0", L"select 0 0", L"select 0 0"},
-         {L"select 0 5", L"select 0 0"}},
+        // clang-format off
+        {L"vvvv!", {L"select 0 8", L"select 0 0", L"select 0 0", L"select 0 0"}, {L"select 0 5", L"select 0 0"}},
+        // Minimize All hides each window before minimising it, as the clients expect.
+        {L"m", {L"select 0 8", L"select 0 0", L"select 0 0", L"select 0 0", L"hide 0"}, {L"select 0 5", L"select 0 0", L"hide 0"}},
+        // clang-format on
     };
     for (const auto& step : steps) {
         traywell.Choose(step.keys);
         EXPECT_EQ(terminal.Log(step.terminalLog.GetCount()), step.terminalLog) << step.keys;
         EXPECT_EQ(transfer.Log(step.transferLog.GetCount()), step.transferLog) << step.keys;
     }
-    traywell.Choose(L"m");
     EXPECT_TRUE(WaitUntil([&] {
         return IsIconic(terminal.process.Windows(terminal.windowClass, 1, false)[0]) &&
                IsIconic(transfer.process.Windows(transfer.windowClass, 1, false)[0]);
@@ -121,30 +111,35 @@ TEST(Traywell, WindowCommandsReachTheirWindows) {
 }
 
 TEST(Traywell, ExitClosesEachWindowOnceOnlyWhenAllAgreeAndTheUserConfirms) {
+    const wchar_t* const Locked =
+        L"One or more sessions are locked or a dialog is open. Traywell cannot exit until all "
+        L"sessions "
+        L"are unlocked or the dialog is closed.\r\n";
     const struct {
-        const wchar_t* terminalAnswer;
-        const wchar_t* transferAnswer;
-        DWORD refusal;  // 0: the Exit dialog comes
+        const wchar_t *terminalAnswer, *transferAnswer;
+        const wchar_t* refusal;  // null: the Exit dialog comes
         int button;
     } cases[] = {
-        {L"agree", L"agree", 0, IDOK},
-        {L"agree", L"agree", 0, IDCANCEL},
-        {L"refuse", L"agree", TRAY_SESSIONS_LOCKED, 0},
-        {L"agree", L"refuse", TRAY_DIALOG_OPEN, 0},
-        {L"hang", L"agree", TRAY_SESSIONS_LOCKED, 0},  // a hung client counts as refusing
+        // clang-format off
+        {L"agree", L"agree", nullptr, IDOK},
+        {L"agree", L"agree", nullptr, IDCANCEL},
+        {L"refuse", L"agree", Locked, 0},
+        {L"agree", L"refuse", L"A dialog is open. Traywell cannot exit until the dialog is closed.\r\n", 0},
+        {L"hang", L"agree", Locked, 0},  // a hung client counts as refusing
+        // clang-format on
     };
     InstalledClients clients(true, true, false);
     for (const auto& test : cases) {
+        SCOPED_TRACE(testing::Message() << test.terminalAnswer << " " << test.transferAnswer);
         ClientHelper terminal(true, {L"1,One", L"2,Two"}, test.terminalAnswer, 2);
         ClientHelper transfer(false, {L"3,Three"}, test.transferAnswer);
         TraywellUnderTest traywell;
         traywell.Choose(L"x");
         if (test.refusal) {
-            EXPECT_EQ(traywell.TakeBoxText(), Text(test.refusal))
-                << test.terminalAnswer << test.transferAnswer;
+            EXPECT_EQ(traywell.TakeBoxText(), test.refusal);
         } else {
             const HWND dialog = traywell.WaitForDialog(IDC_EXIT_TEXT);
-            EXPECT_EQ(DialogText(dialog, IDC_EXIT_TEXT),
+            EXPECT_EQ(ItemText(dialog, IDC_EXIT_TEXT),
                       L"Exiting Quillon Software Traywell will close all windows listed on the "
                       L"menu.\r\n");
             PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(test.button), 0);
@@ -173,7 +168,8 @@ TEST(Traywell, GoneWindowsAreReportedAndTheDialogsShowWhatTheyShould) {
     two.process.Kill();
     SendDlgItemMessageW(dialog, IDC_SESSIONS_LIST, LB_SETSEL, TRUE, -1);
     PostMessageW(dialog, WM_COMMAND, IDOK, 0);
-    EXPECT_EQ(traywell.TakeBoxText(), Text(TRAY_WINDOWS_GONE));
+    EXPECT_EQ(traywell.TakeBoxText(),
+              L"One or more windows you have selected no longer exist.\r\n");
     EXPECT_EQ(one.Log(1), Lines({L"select 0 1"}));
     EXPECT_EQ(three.Log(1), Lines({L"select 0 3"}));
     EXPECT_TRUE(IsWindow(dialog));
@@ -185,11 +181,11 @@ TEST(Traywell, GoneWindowsAreReportedAndTheDialogsShowWhatTheyShould) {
     one.process.Kill();
     three.process.Kill();
     traywell.Type(L"1");
-    EXPECT_EQ(traywell.TakeBoxText(), Text(TRAY_WINDOW_GONE));
+    EXPECT_EQ(traywell.TakeBoxText(), L"The window you have selected no longer exists.\r\n");
 
     traywell.Choose(L"^^!");
     const VUnicodeString version =
-        DialogText(traywell.WaitForDialog(IDC_ABOUT_VERSION), IDC_ABOUT_VERSION);
+        ItemText(traywell.WaitForDialog(IDC_ABOUT_VERSION), IDC_ABOUT_VERSION);
     EXPECT_TRUE(version.StartsWith(L"Version 8.3.4 (x64 build 1699)   -   ")) << version.c_str();
 }
 

@@ -1,6 +1,5 @@
-// The WindowManager in this process: the configuration folder that start-up
-// chooses, and the icon's menu built against the recent lists and client
-// helpers in processes of their own, read back through the menu functions.
+// The WindowManager in this process: the configuration folder start-up chooses,
+// and the icon's menu built against recent lists and client helper processes.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -43,8 +43,6 @@ private:
     bool startUp_;
 };
 
-}  // namespace
-
 TEST(VWinAppTest, ExitRunsAfterTheLoopAndAfterAFailedStartUp) {
     const struct {
         bool startUp;
@@ -64,29 +62,21 @@ TEST(VWinAppTest, ExitRunsAfterTheLoopAndAfterAFailedStartUp) {
     EXPECT_EQ(VWinApp::GetApp(), nullptr);
 }
 
-namespace {
-
-constexpr WORD EditId = 100;
-
 class SampleDialog : public VDialog {
 public:
     using VDialog::VDialog;
-    std::wstring initialText;
+    wchar_t initialText[64] = {};
 
 protected:
     bool OnInitDialog() override {
-        wchar_t text[64] = {};
-        GetWindowTextW(GetItem(EditId), text, 64);
-        initialText = text;
+        GetWindowTextW(GetItem(100), initialText, 64);
         return true;
     }
 };
 
-}  // namespace
-
 TEST(VDialogTest, InMemoryTemplateShowsItsControlsAndEndsWithTheChosenResult) {
     VDialogTemplate dialogTemplate(L"Sample", 160, 80);
-    dialogTemplate.AddControl(L"Edit", L"hello", EditId, 5, 5, 100, 12, ES_AUTOHSCROLL);
+    dialogTemplate.AddControl(L"Edit", L"hello", 100, 5, 5, 100, 12, ES_AUTOHSCROLL);
     dialogTemplate.AddControl(L"Button", L"OK", IDOK, 5, 25, 40, 14, BS_DEFPUSHBUTTON);
     // A command of 0 stands for the dialog's own EndDialog(42).
     for (const WPARAM command : {IDOK, IDCANCEL, 0}) {
@@ -96,48 +86,42 @@ TEST(VDialogTest, InMemoryTemplateShowsItsControlsAndEndsWithTheChosenResult) {
             return !command || PostMessageW(dialog.GetHwnd(), WM_COMMAND, command, 0);
         });
         EXPECT_EQ(dialog.DoModal(), command ? static_cast<INT_PTR>(command) : 42) << command;
-        EXPECT_EQ(dialog.initialText, L"hello");
+        EXPECT_STREQ(dialog.initialText, L"hello");
         EXPECT_EQ(dialog.GetHwnd(), nullptr);
     }
     EXPECT_EQ(VDialog(9999).DoModal(), -1) << "no such template resource";
 }
 
-namespace {
-
-std::vector<VMessageBoxCall> g_boxes;
-
-int RecordBox(const VMessageBoxCall& call) {
-    g_boxes.push_back(call);
-    return IDRETRY;
-}
-
-}  // namespace
-
-TEST(VMessageBoxTest, TheHookSeesEveryBoxWithTheProgramTitle) {
-    SetMessageBoxHookForTests(RecordBox);
-    VReportMessageParams report(ERROR_ACCESS_DENIED);
+// Through the hook every box is seen with the program's title; without it a
+// real box is shown and answered.
+TEST(VMessageBoxTest, TheHookSeesEveryBoxElseARealOneIsShown) {
+    static std::vector<VMessageBoxCall> boxes;
+    const VMessageBoxHook record = [](const VMessageBoxCall& call) {
+        boxes.push_back(call);
+        return IDRETRY;
+    };
+    SetMessageBoxHookForTests(record);
     EXPECT_EQ(VMessageBox(L"plain text", MB_ICONEXCLAMATION), IDRETRY);
+    VReportMessageParams report(ERROR_ACCESS_DENIED);
     EXPECT_EQ(VMessageBox(report), IDRETRY);
-    EXPECT_EQ(SetMessageBoxHookForTests(nullptr), RecordBox);
-
+    EXPECT_EQ(SetMessageBoxHookForTests(nullptr), record);
     wchar_t systemText[256] = {};
     FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, ERROR_ACCESS_DENIED, 0, systemText, 256,
                    nullptr);
-    ASSERT_EQ(g_boxes.size(), 2u);
-    EXPECT_EQ(g_boxes[0].type, static_cast<UINT>(MB_ICONEXCLAMATION));
-    EXPECT_EQ(std::vector<VUnicodeString>({g_boxes[0].text, g_boxes[1].text}),
+    ASSERT_EQ(boxes.size(), 2u);
+    EXPECT_EQ(boxes[0].type, static_cast<UINT>(MB_ICONEXCLAMATION));
+    EXPECT_EQ(std::vector<VUnicodeString>({boxes[0].text, boxes[1].text}),
               std::vector<VUnicodeString>({L"plain text", systemText}));
-    for (const VMessageBoxCall& call : g_boxes)
-        EXPECT_EQ(call.caption, L"Quillon Software Traywell");
-}
+    for (const VMessageBoxCall& call : boxes) EXPECT_EQ(call.caption, L"Quillon Software Traywell");
 
-TEST(VMessageBoxTest, WithoutAHookARealBoxIsShownAndAnswered) {
-    std::wstring shown;
+    wchar_t shown[256] = {};
     ModalProbe probe([&] {
         const HWND box = FindOwnWindow(L"#32770", VMessageBoxTitle);
-        shown = MessageBoxText(box);
+        GetDlgItemTextW(box, 0xFFFF, shown, 256);  // a message box's text control
         return box && PostMessageW(box, WM_COMMAND, IDNO, 0);
     });
     EXPECT_EQ(VMessageBox(L"Close all windows?", MB_YESNO), IDNO);
-    EXPECT_EQ(shown, L"Close all windows?");
+    EXPECT_STREQ(shown, L"Close all windows?");
 }
+
+}  // namespace

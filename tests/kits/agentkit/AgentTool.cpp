@@ -1,9 +1,7 @@
-// A test helper that plays the agent's clients for the Linux-side tests:
+// A test helper for the Linux-side tests of the agent:
 //   agent_tool relay PIPE PORT           join each TCP connection on 127.0.0.1:PORT to PIPE
 //                                        until stdin closes
 //   agent_tool fingerprint FILE [PASS]   load a key file: "<bits> <fingerprint> (<TYPE>)"
-//   agent_tool list PIPE                 list the agent's keys: "<fingerprint> <comment>"
-//   agent_tool storelist STORE           the same, read from the key store STORE directly
 // Exit code 0 on success; a failure prints the report's text.
 #include <windows.h>
 #include <winsock2.h>
@@ -12,35 +10,22 @@
 #include <string>
 #include <thread>
 
-#include "AgentKeyStore.h"
 #include "AgentPipeClient.h"
 #include "KeyFile.h"
-#include "Utf8Text.h"
 
 namespace {
-
-// The script ends a relay by closing its stdin.
-void WaitForStdinToClose() {
-    char line[16];
-    while (std::fgets(line, sizeof line, stdin)) {
-    }
-}
 
 int Fail(VReportMessageParams& report) {
     std::fwprintf(stderr, L"%ls\n", report.GetText());
     return 1;
 }
 
-VUnicodeString Passphrase(int argc, wchar_t** argv, int index) {
-    return VUnicodeString(index < argc ? argv[index] : L"", Str::Sensitive);
-}
-
+// Copies from socket to pipe until either ends.
 void Pump(SOCKET socket, HANDLE pipe) {
     char buffer[16384];
-    for (;;) {
-        const int got = recv(socket, buffer, sizeof buffer, 0);
-        DWORD written;
-        if (got <= 0 || !WriteFile(pipe, buffer, static_cast<DWORD>(got), &written, nullptr)) break;
+    DWORD written;
+    for (int got; (got = recv(socket, buffer, sizeof buffer, 0)) > 0 &&
+                  WriteFile(pipe, buffer, static_cast<DWORD>(got), &written, nullptr);) {
     }
     CancelIoEx(pipe, nullptr);
 }
@@ -51,11 +36,9 @@ void RelayOne(SOCKET socket, std::wstring pipeName) {
     if (client.Connect(pipeName.c_str(), 5000, report)) {
         std::thread upstream(Pump, socket, client.GetPipe());
         char buffer[16384];
-        for (;;) {
-            DWORD got = 0;
-            if (!ReadFile(client.GetPipe(), buffer, sizeof buffer, &got, nullptr) || got == 0 ||
-                send(socket, buffer, static_cast<int>(got), 0) != static_cast<int>(got))
-                break;
+        for (DWORD got = 0;
+             ReadFile(client.GetPipe(), buffer, sizeof buffer, &got, nullptr) && got &&
+             send(socket, buffer, static_cast<int>(got), 0) == static_cast<int>(got);) {
         }
         shutdown(socket, SD_BOTH);
         upstream.join();
@@ -63,6 +46,7 @@ void RelayOne(SOCKET socket, std::wstring pipeName) {
     closesocket(socket);
 }
 
+// The script ends a relay by closing its stdin.
 int Relay(const wchar_t* pipe, int port) {
     WSADATA data;
     WSAStartup(MAKEWORD(2, 2), &data);
@@ -82,41 +66,20 @@ int Relay(const wchar_t* pipe, int port) {
         for (SOCKET accepted; (accepted = accept(listener, nullptr, nullptr)) != INVALID_SOCKET;)
             std::thread(RelayOne, accepted, std::wstring(pipe)).detach();
     }).detach();
-    WaitForStdinToClose();
+    for (char line[16]; std::fgets(line, sizeof line, stdin);) {
+    }
     return 0;
 }
 
 std::string Narrow(const AgentText& text) { return std::string(text.begin(), text.end()); }
 
-int Fingerprint(const wchar_t* file, const VUnicodeString& passphrase) {
+int Fingerprint(const wchar_t* file, const wchar_t* passphrase) {
     LoadedKey key;
     VReportMessageParams report;
-    if (!LoadKeyFile(file, passphrase, key, report)) return Fail(report);
-    std::wprintf(L"%u ", key.key.GetBits());
-    std::printf("%s", Narrow(KeyFingerprint(key.key.GetPublicBlob())).c_str());
-    std::wprintf(L" (%ls)\n", key.key.GetTypeLabel());
-    return 0;
-}
-
-void Print(const AgentBytes& publicBlob, const AgentText& comment) {
-    std::printf("%s %s\n", Narrow(KeyFingerprint(publicBlob)).c_str(), Narrow(comment).c_str());
-}
-
-int List(const wchar_t* pipe) {
-    AgentPipeClient client;
-    VReportMessageParams report;
-    std::vector<AgentIdentity> identities;
-    if (!client.Connect(pipe, 5000, report)) return Fail(report);
-    if (!client.List(identities)) return 1;
-    for (const AgentIdentity& identity : identities) Print(identity.publicBlob, identity.comment);
-    return 0;
-}
-
-int StoreList(const wchar_t* name) {
-    AgentKeyStore store(name);
-    VReportMessageParams report;
-    if (!store.CheckOpen(report)) return Fail(report);
-    for (const AgentKeyInfo& key : store.List()) Print(key.publicBlob, key.comment);
+    if (!LoadKeyFile(file, VUnicodeString(passphrase, Str::Sensitive), key, report))
+        return Fail(report);
+    std::printf("%u %s (%ls)\n", key.key.GetBits(),
+                Narrow(KeyFingerprint(key.key.GetPublicBlob())).c_str(), key.key.GetTypeLabel());
     return 0;
 }
 
@@ -126,9 +89,7 @@ int wmain(int argc, wchar_t** argv) {
     const std::wstring command = argc > 1 ? argv[1] : L"";
     if (command == L"relay" && argc == 4) return Relay(argv[2], _wtoi(argv[3]));
     if (command == L"fingerprint" && argc >= 3)
-        return Fingerprint(argv[2], Passphrase(argc, argv, 3));
-    if (command == L"list" && argc == 3) return List(argv[2]);
-    if (command == L"storelist" && argc == 3) return StoreList(argv[2]);
-    std::fprintf(stderr, "usage: agent_tool relay|fingerprint|list|storelist ...\n");
+        return Fingerprint(argv[2], argc > 3 ? argv[3] : L"");
+    std::fprintf(stderr, "usage: agent_tool relay|fingerprint ...\n");
     return 2;
 }

@@ -19,8 +19,6 @@ protected:
 
 TEST_F(ConfigPassphraseTest, IsOffUntilSetAndHandedOutInASensitiveCopy) {
     EXPECT_TRUE(IsConfigPassphraseDisabled());
-    EXPECT_TRUE(GetConfigPassphrase().IsEmpty());
-
     VUnicodeString given(L"my phrase");
     SetConfigPassphrase(given);
     given.Append(L" changed later");  // the library keeps its own copy
@@ -28,13 +26,13 @@ TEST_F(ConfigPassphraseTest, IsOffUntilSetAndHandedOutInASensitiveCopy) {
     const VUnicodeString held = GetConfigPassphrase();
     EXPECT_EQ(held, L"my phrase");
     EXPECT_TRUE(held.IsSensitive());
-
     VUnicodeString passphrase(Str::Sensitive);
     EXPECT_TRUE(GetConfigPassphraseProvider()->GetPassphrase(passphrase));
     EXPECT_EQ(passphrase, L"my phrase");
 
     SetConfigPassphrase(VUnicodeString());
     EXPECT_TRUE(IsConfigPassphraseDisabled());
+    EXPECT_TRUE(GetConfigPassphrase().IsEmpty());
     EXPECT_FALSE(GetConfigPassphraseProvider()->GetPassphrase(passphrase));
     EXPECT_TRUE(passphrase.IsEmpty());
     EXPECT_EQ(held, L"my phrase") << "a copy handed out earlier stays as it was";
@@ -43,57 +41,43 @@ TEST_F(ConfigPassphraseTest, IsOffUntilSetAndHandedOutInASensitiveCopy) {
 TEST_F(ConfigPassphraseTest, UpdateSealsWithThePassphraseAndTheValueSavesAndLoadsIt) {
     IniTestStore store;
     SetConfigPassphrase(VUnicodeString(L"my phrase"));
-    {
-        VProfileEncryptedString value(L"Firewall Password V2");
-        ASSERT_TRUE(UpdateProfileEncryptedString(value, L"hunter2"));
-        EXPECT_TRUE(value.Get().StartsWith(L"02:"));
-        EXPECT_EQ(value.GetPassphraseProvider(), GetConfigPassphraseProvider());
-        auto key = store.OpenKey();
-        ASSERT_TRUE(value.Save(*key, false));
-    }
+    VProfileEncryptedString value(L"Firewall Password V2");
+    ASSERT_TRUE(UpdateProfileEncryptedString(value, L"hunter2"));
+    EXPECT_TRUE(value.Get().StartsWith(L"02:"));
+    EXPECT_EQ(value.GetPassphraseProvider(), GetConfigPassphraseProvider());
+    ASSERT_TRUE(value.Save(*store.OpenKey(), false));
     EXPECT_EQ(store.ValuesFile().find("hunter2"), std::string::npos)
         << "never stored as plain text";
 
-    VProfileEncryptedString loaded(L"Firewall Password V2");
-    auto key = store.OpenKey();
-    ASSERT_TRUE(loaded.LoadEncrypted(*key));
     // Loaded without a provider of its own, it opens with the pass phrase in force.
-    const VUnicodeString plain = GetProfileEncryptedPlaintextString(loaded);
-    EXPECT_EQ(plain, L"hunter2");
-    EXPECT_TRUE(plain.IsSensitive());
+    VProfileEncryptedString loaded(L"Firewall Password V2");
+    ASSERT_TRUE(loaded.LoadEncrypted(*store.OpenKey()));
+    for (const wchar_t* passphrase : {L"my phrase", L"another phrase", L"", L"my phrase"}) {
+        SetConfigPassphrase(VUnicodeString(passphrase));
+        const VUnicodeString plain = GetProfileEncryptedPlaintextString(loaded);
+        EXPECT_EQ(plain, std::wstring(passphrase) == L"my phrase" ? L"hunter2" : L"") << passphrase;
+        EXPECT_TRUE(plain.IsEmpty() || plain.IsSensitive());
+    }
 
-    SetConfigPassphrase(VUnicodeString(L"another phrase"));
-    EXPECT_TRUE(GetProfileEncryptedPlaintextString(loaded).IsEmpty());
-    SetConfigPassphrase(VUnicodeString());
-    EXPECT_TRUE(GetProfileEncryptedPlaintextString(loaded).IsEmpty());
-    SetConfigPassphrase(VUnicodeString(L"my phrase"));
-    EXPECT_EQ(GetProfileEncryptedPlaintextString(loaded), L"hunter2");
+    // An update that cannot seal changes nothing.
+    value.Commit();
+    const VEncryptedString before = value.Get();
+    EXPECT_FALSE(UpdateProfileEncryptedString(value, VUnicodeString(L"bad \xD800 text")));
+    EXPECT_EQ(value.Get(), before);
+    EXPECT_FALSE(value.IsChanged());
+    EXPECT_EQ(GetProfileEncryptedPlaintextString(value), L"hunter2");
 }
 
 TEST_F(ConfigPassphraseTest, LogonSealedValuesAndValuesWithTheirOwnProviderIgnoreThePassphrase) {
     VProfileEncryptedString logon(L"Password V2");
     ASSERT_TRUE(UpdateProfileEncryptedString(logon, L"hunter2"));
     EXPECT_TRUE(logon.Get().StartsWith(L"CAPI:"));
-
     VRefPtr<IPassphraseProvider> own = VRefPtr<IPassphraseProvider>::Adopt(
         new VFixedPassphraseProvider(VUnicodeString(L"own phrase")));
     VProfileEncryptedString value(L"Password V2", own.Get());
     VReportMessageParams report;
     ASSERT_TRUE(value.SetPlainText(L"secret", report));
-
     SetConfigPassphrase(VUnicodeString(L"my phrase"));
     EXPECT_EQ(GetProfileEncryptedPlaintextString(logon), L"hunter2");
     EXPECT_EQ(GetProfileEncryptedPlaintextString(value), L"secret");
-}
-
-TEST_F(ConfigPassphraseTest, AnUpdateThatCannotSealChangesNothing) {
-    SetConfigPassphrase(VUnicodeString(L"my phrase"));
-    VProfileEncryptedString value(L"Password V2");
-    ASSERT_TRUE(UpdateProfileEncryptedString(value, L"kept"));
-    const VEncryptedString before = value.Get();
-    value.Commit();
-    EXPECT_FALSE(UpdateProfileEncryptedString(value, VUnicodeString(L"bad \xD800 text")));
-    EXPECT_EQ(value.Get(), before);
-    EXPECT_FALSE(value.IsChanged());
-    EXPECT_EQ(GetProfileEncryptedPlaintextString(value), L"kept");
 }

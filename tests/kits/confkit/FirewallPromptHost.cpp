@@ -1,17 +1,11 @@
-// A host program for the firewall prompts: it exports the session database
-// (saving firewall definitions into an INI-file store), asks for one
-// credential of a firewall through Confkit's prompts, and prints what it was
-// handed, for the test that drives its dialog from outside.
-//
-//   firewall_prompt_host <configuration folder> <firewall> user|password [pass phrase]
-//
-// Prints "confirmed=0|1", "text=<what was handed back, UTF-8>",
-// "sensitive=0|1" and "report=<message code>", one a line.
+// Exports the session database (an INI-file store) and asks for one credential
+// of a firewall through Confkit's prompts, for the test that answers them:
+//   firewall_prompt_host FOLDER FIREWALL user|password OUTPUT [PASSPHRASE]
+// OUTPUT gets "confirmed=0|1", "text=...", "sensitive=0|1", "report=<code>" lines.
 #include <windows.h>
 
 #include <cstdio>
 #include <cwchar>
-#include <string>
 
 #include "ConfigPassphrase.h"
 #include "FirewallPrompts.h"
@@ -34,14 +28,6 @@ public:
     }
 };
 
-std::string Utf8(const VUnicodeString& text) {
-    const int length = static_cast<int>(text.GetLength());
-    std::string bytes(static_cast<size_t>(length) * 3, '\0');
-    bytes.resize(static_cast<size_t>(WideCharToMultiByte(
-        CP_UTF8, 0, text.c_str(), length, bytes.data(), length * 3, nullptr, nullptr)));
-    return bytes;
-}
-
 }  // namespace
 
 extern "C" __declspec(dllexport) ISessionDatabase* GetSessionDatabaseImpl() {
@@ -50,10 +36,10 @@ extern "C" __declspec(dllexport) ISessionDatabase* GetSessionDatabaseImpl() {
 }
 
 int wmain(int argc, wchar_t** argv) {
-    if (argc < 4) return 2;
+    if (argc < 5) return 2;
     VIniFileStoreFactory factory(argv[1], VUnicodeString());
     g_factory = &factory;
-    if (argc > 4) SetConfigPassphrase(argv[4]);
+    if (argc > 5) SetConfigPassphrase(argv[5]);
     FirewallConfig firewall(argv[2], nullptr, GetConfigPassphraseProvider());
     {
         VProfileStore store(&factory);
@@ -66,7 +52,9 @@ int wmain(int argc, wchar_t** argv) {
     const bool confirmed = std::wcscmp(argv[3], L"password") == 0
                                ? firewall.GetPassword(text, report)
                                : firewall.GetUsername(text, report);
-    std::printf("confirmed=%d\ntext=%s\nsensitive=%d\nreport=%lu\n", confirmed ? 1 : 0,
-                Utf8(text).c_str(), text.IsSensitive() ? 1 : 0, report.GetMessageCode());
-    return 0;
+    FILE* output = _wfopen(argv[4], L"wb");
+    if (!output) return 3;
+    std::fprintf(output, "confirmed=%d\ntext=%s\nsensitive=%d\nreport=%lu\n", confirmed ? 1 : 0,
+                 VString(text).c_str(), text.IsSensitive() ? 1 : 0, report.GetMessageCode());
+    return std::fclose(output) == 0 ? 0 : 3;
 }

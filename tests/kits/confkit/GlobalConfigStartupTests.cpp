@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <string>
 
 #include "ConfigMessages.h"
 #include "ConfigPassphrase.h"
@@ -11,27 +10,25 @@
 #include "TempFolder.h"
 #include "VIniFileStoreFactory.h"
 
-namespace {
-
-const std::string Mark = "\xEF\xBB\xBF";
-
 // The process's object is loaded once, so this is the one test that asks for it.
 TEST(SharedGlobalConfig, IsLoadedOnceFromTheCurrentStoreAndSavedBackToIt) {
     TempFolder folder;
     VIniFileStoreFactory factory(folder.Path(), VUnicodeString());
     SetIniFileStoreFactory(&factory);
     const VUnicodeString file = folder / L"Global.ini";
-    ASSERT_TRUE(WriteWholeFile(file, Mark + "D:\"Keep Shared Memory Agent Open\"=00000000\r\n"));
-    GlobalConfig* config = nullptr;
+    auto write = [&](char keep) {
+        return WriteWholeFile(file, std::string("\xEF\xBB\xBF"
+                                                "D:\"Keep Shared Memory Agent Open\"=0000000") +
+                                        keep + "\r\n");
+    };
+    ASSERT_TRUE(write('0'));
+    GlobalConfig *config = nullptr, *again = nullptr;
     ASSERT_TRUE(GetGlobalConfig(config, -1));
     EXPECT_FALSE(config->KeepSharedMemoryAgentOpen.Get());
-
     // Another program changes the file; the process keeps what it loaded.
-    ASSERT_TRUE(WriteWholeFile(file, Mark + "D:\"Keep Shared Memory Agent Open\"=00000001\r\n"));
-    GlobalConfig* again = nullptr;
+    ASSERT_TRUE(write('1'));
     ASSERT_TRUE(GetGlobalConfig(again, -1));
-    EXPECT_EQ(again, config);
-    EXPECT_FALSE(again->KeepSharedMemoryAgentOpen.Get());
+    EXPECT_TRUE(again == config && !again->KeepSharedMemoryAgentOpen.Get());
     EXPECT_THROW(GetGlobalConfig(again, 0), std::invalid_argument);
 
     // Saved where it was loaded from, even after the current store changed,
@@ -67,7 +64,7 @@ TEST(ConfigPassphraseStartup, TheGivenPassphraseIsUsedOnlyWhenItOpensTheStoredCh
         SetConfigPassphrase(VUnicodeString());
         GlobalConfig config;
         if (c.check) {
-            const VRefPtr<IPassphraseProvider> sealer =
+            const auto sealer =
                 VRefPtr<IPassphraseProvider>::Adopt(new VFixedPassphraseProvider(c.sealedWith));
             VEncryptedString check(VUnicodeString(), sealer.Get());
             VReportMessageParams sealing;
@@ -75,13 +72,11 @@ TEST(ConfigPassphraseStartup, TheGivenPassphraseIsUsedOnlyWhenItOpensTheStoredCh
             config.ConfigPassphrase.Set(VEncryptedString(check.GetProtectedText()));
         }
         VReportMessageParams report;
-        const VUnicodeString given(c.given, Str::Sensitive);
-        EXPECT_EQ(StartConfigPassphrase(config, given, report), c.failure == 0)
-            << VString(given).c_str();
+        EXPECT_EQ(StartConfigPassphrase(config, VUnicodeString(c.given, Str::Sensitive), report),
+                  c.failure == 0)
+            << c.given;
         EXPECT_EQ(report.GetMessageCode(), c.failure);
         EXPECT_EQ(GetConfigPassphrase(), c.inForce) << "a wrong pass phrase never seals anything";
     }
     SetConfigPassphrase(VUnicodeString());
 }
-
-}  // namespace

@@ -22,6 +22,9 @@ VUnicodeString ShellFolder(int csidl) {
     return VUnicodeString(folder);
 }
 
+// Termwright, Termlet and Filewright installed, integrated, and Termwright or Termlet.
+using Facts = std::array<bool, 5>;
+
 class InstallationTest : public testing::Test {
 protected:
     InstallationTest() {
@@ -30,40 +33,34 @@ protected:
         CreateDirectoryW((folder_ / L"Termlet.exe").c_str(), nullptr);  // a folder, not a program
     }
 
-    // Sets value name of the installation key's subkey (empty: the key) in hive
-    // "user" or "machine", as text (REG_SZ) or number (REG_DWORD).
+    // Sets name in the installation key's subkey (empty: the key itself) of
+    // hive "user" or "machine", as text (REG_SZ) or as a number (REG_DWORD).
     void Set(const wchar_t* hive, const wchar_t* subkey, const wchar_t* name,
              const VUnicodeString& text) {
-        ASSERT_EQ(
-            RegSetKeyValueW(sandbox_.Get(), Path(hive, subkey).c_str(), name, REG_SZ, text.c_str(),
-                            static_cast<DWORD>((text.GetLength() + 1) * sizeof(wchar_t))),
-            ERROR_SUCCESS);
+        Set(hive, subkey, name, REG_SZ, text.c_str(), (text.GetLength() + 1) * sizeof(wchar_t));
     }
     void Set(const wchar_t* hive, const wchar_t* subkey, const wchar_t* name, DWORD number) {
-        ASSERT_EQ(RegSetKeyValueW(sandbox_.Get(), Path(hive, subkey).c_str(), name, REG_DWORD,
-                                  &number, 4),
+        Set(hive, subkey, name, REG_DWORD, &number, sizeof number);
+    }
+    void Set(const wchar_t* hive, const wchar_t* subkey, const wchar_t* name, DWORD type,
+             const void* data, size_t size) {
+        const VUnicodeString path =
+            VUnicodeString(hive) + L"\\" + InstallationKeyPath + (*subkey ? L"\\" : L"") + subkey;
+        ASSERT_EQ(RegSetKeyValueW(sandbox_.Get(), path.c_str(), name, type, data,
+                                  static_cast<DWORD>(size)),
                   ERROR_SUCCESS);
     }
-    static VUnicodeString Path(const wchar_t* hive, const wchar_t* subkey) {
-        return VUnicodeString(hive) + L"\\" + InstallationKeyPath + (*subkey ? L"\\" : L"") +
-               subkey;
-    }
 
-    // Termwright, Termlet and Filewright installed, integrated, and Termwright or Termlet.
-    static std::array<bool, 5> Installed() {
+    static Facts Installed() {
         return {IsTermwrightInstalled(), IsTermletInstalled(), IsFilewrightInstalled(),
                 IsIntegrated(), IsTermwrightOrTermletInstalled()};
     }
 
-    const VUnicodeString appData_ = ShellFolder(CSIDL_APPDATA);
-    const VUnicodeString localAppData_ = ShellFolder(CSIDL_LOCAL_APPDATA);
     TempFolder folder_;
     RegistrySandbox sandbox_;
     PredefinedKeyRedirect user_{HKEY_CURRENT_USER, sandbox_, L"user"};
     PredefinedKeyRedirect machine_{HKEY_LOCAL_MACHINE, sandbox_, L"machine"};
 };
-
-using Facts = std::array<bool, 5>;
 
 }  // namespace
 
@@ -93,15 +90,16 @@ TEST_F(InstallationTest, ClientsAreInstalledWhereTheRegistrySaysAndTheUserWins) 
 }
 
 TEST_F(InstallationTest, ApplicationFoldersHaveDefaultsUnderTheUsersApplicationData) {
+    const VUnicodeString appData = ShellFolder(CSIDL_APPDATA),
+                         local = ShellFolder(CSIDL_LOCAL_APPDATA);
     const struct {
-        const wchar_t* app;
-        const wchar_t* config;
+        const wchar_t *app, *config;
         VUnicodeString configPath, personalPath;
     } defaults[] = {
-        {L"Termwright", L"C:\\Config", appData_ + L"\\Quillon\\Termwright",
-         localAppData_ + L"\\Quillon\\Termwright\\Personal Data\\C__Config"},
-        {L"Filewright", L"\\\\server\\share\\cfg", appData_ + L"\\Quillon\\Filewright",
-         localAppData_ + L"\\Quillon\\Filewright\\Personal Data\\__server_share_cfg"},
+        {L"Termwright", L"C:\\Config", appData + L"\\Quillon\\Termwright",
+         local + L"\\Quillon\\Termwright\\Personal Data\\C__Config"},
+        {L"Filewright", L"\\\\server\\share\\cfg", appData + L"\\Quillon\\Filewright",
+         local + L"\\Quillon\\Filewright\\Personal Data\\__server_share_cfg"},
         {L"", L"C:\\Config", L"", L""},
     };
     for (const auto& test : defaults) {
@@ -109,7 +107,6 @@ TEST_F(InstallationTest, ApplicationFoldersHaveDefaultsUnderTheUsersApplicationD
         EXPECT_FALSE(UsePersonalDataPath(test.app)) << test.app;
         EXPECT_EQ(GetAppPersonalDataPath(test.app, test.config), test.personalPath) << test.app;
     }
-
     Set(L"machine", L"Termwright", L"Config Folder", L"S:\\Shared\\Config");
     Set(L"user", L"Termwright", L"Use Personal Data Folder", 1);
     Set(L"user", L"Termwright", L"Personal Data Folder", L"H:\\Mine");

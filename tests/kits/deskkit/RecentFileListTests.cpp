@@ -28,7 +28,7 @@ protected:
     }
     ~RecentFileListTest() override { CommonUiInit(nullptr, nullptr); }
 
-    // What a client program stores: File0, File1, ... in turn (null: no value).
+    // What a client program stores in File0, File1, ... (null: no value).
     void Store(std::initializer_list<const wchar_t*> texts) {
         VProfileStore store(&factory_);
         VProfileKey key(store.GetRootKey(), Section, true);
@@ -42,17 +42,12 @@ protected:
         VProfileStore store(&factory_);
         VProfileKey key(store.GetRootKey(), Section, false);
         Texts texts(10);
-        for (int index = 0; index < 10; ++index)
-            key.GetString(Name(index), texts[static_cast<size_t>(index)]);
+        for (int index = 0; index < 10; ++index) key.GetString(Name(index), texts[size_t(index)]);
         while (!texts.empty() && texts.back().IsEmpty()) texts.pop_back();
         return texts;
     }
 
-    static VUnicodeString Name(int index) {
-        VUnicodeString name;
-        name.FormatPositional(L"File%1!d!", index);
-        return name;
-    }
+    static VUnicodeString Name(int index) { return (L"File" + std::to_wstring(index)).c_str(); }
 
     TempFolder folder_;
     VIniFileStoreFactory factory_;
@@ -67,10 +62,9 @@ Texts Entries(const VRecentFileList& list,
 
 }  // namespace
 
-TEST_F(RecentFileListTest, ReadsDenselyWithoutRepeatsAndSeesLaterEntriesOnReload) {
+TEST_F(RecentFileListTest, ReadsDenselyWithoutRepeatsAndCutsDisplayNames) {
     VRecentFileList list(0, Section, L"File%1!d!", 9, 30);
     EXPECT_EQ(list.GetCount(), 0u) << "no key yet is an empty list";
-
     Store({L"web", L"", L"R&D", L"WEB", nullptr, L"db", L"", L"", L"", L"beyond the size"});
     EXPECT_EQ(list.GetCount(), 0u) << "read only on Reload";
     ASSERT_TRUE(list.Reload());
@@ -80,24 +74,7 @@ TEST_F(RecentFileListTest, ReadsDenselyWithoutRepeatsAndSeesLaterEntriesOnReload
     EXPECT_THROW(list.AddToMostRecent(9), std::invalid_argument);
     EXPECT_EQ(Entries(VRecentFileList(1, Section, L"File%1!d!", 2, 30)), (Texts{L"R&D"}))
         << "numbered from 1";
-}
 
-TEST_F(RecentFileListTest, MovingToTheTopReadsWhatClientsStoredMeanwhileAndKeepsTheSize) {
-    Store({L"web", L"db", L"WEB"});
-    VRecentFileList list(0, Section, L"File%1!d!", 3, 30);
-    ASSERT_TRUE(list.AddToMostRecent(1));
-    EXPECT_EQ(Entries(list), (Texts{L"db", L"web"}));
-    EXPECT_EQ(Stored(), (Texts{L"db", L"web"})) << "the repeat in File2 is gone";
-
-    Store({L"new", L"db", L"web"});  // a client opened "new" meanwhile
-    ASSERT_TRUE(list.AddToMostRecent(1));
-    EXPECT_EQ(Stored(), (Texts{L"web", L"new", L"db"}));
-    ASSERT_TRUE(list.Add(L"more"));
-    EXPECT_EQ(Stored(), (Texts{L"more", L"web", L"new"}));
-    EXPECT_EQ(Entries(list), Stored());
-}
-
-TEST_F(RecentFileListTest, DisplayNamesAreCutToTheirLength) {
     Store({L"short", L"exactly10!", L"longer than ten"});
     const struct {
         int maxDisplayLength;
@@ -108,7 +85,21 @@ TEST_F(RecentFileListTest, DisplayNamesAreCutToTheirLength) {
         {0, {L"short", L"exactly10!", L"longer than ten"}},
     };
     for (const auto& test : cases)
-        EXPECT_EQ(Entries(VRecentFileList(0, Section, L"File%1!d!", 9, test.maxDisplayLength),
+        EXPECT_EQ(Entries(VRecentFileList(0, Section, L"File%1!d!", 3, test.maxDisplayLength),
                           &VRecentFileList::GetDisplayName),
                   test.shown);
+}
+
+TEST_F(RecentFileListTest, MovingToTheTopReadsWhatClientsStoredMeanwhileAndKeepsTheSize) {
+    Store({L"web", L"db", L"WEB"});
+    VRecentFileList list(0, Section, L"File%1!d!", 3, 30);
+    ASSERT_TRUE(list.AddToMostRecent(1));
+    EXPECT_EQ(Entries(list), (Texts{L"db", L"web"}));
+    EXPECT_EQ(Stored(), (Texts{L"db", L"web"})) << "the repeat in File2 is gone";
+    Store({L"new", L"db", L"web"});  // a client opened "new" meanwhile
+    ASSERT_TRUE(list.AddToMostRecent(1));
+    EXPECT_EQ(Stored(), (Texts{L"web", L"new", L"db"}));
+    ASSERT_TRUE(list.Add(L"more"));
+    EXPECT_EQ(Stored(), (Texts{L"more", L"web", L"new"}));
+    EXPECT_EQ(Entries(list), Stored());
 }

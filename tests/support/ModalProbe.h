@@ -7,7 +7,6 @@
 #include <windows.h>
 
 #include <functional>
-#include <string>
 
 class ModalProbe {
 public:
@@ -28,6 +27,3 @@ private:
 // A visible window of class className (and title, unless null) of this
 // thread: tests of other programs may show boxes and menus meanwhile.
 HWND FindOwnWindow(const wchar_t* className, const wchar_t* title = nullptr);
-
-// The text of a message box (its static text control); empty for none.
-std::wstring MessageBoxText(HWND box);

@@ -8,8 +8,6 @@
 #include <cstring>
 #include <fstream>
 
-#include "AgentPipeClient.h"
-
 std::wstring TestKeyPath(const char* name) {
     return std::wstring(AGENT_TEST_KEYS_DIR) + L"\\" + std::wstring(name, name + strlen(name));
 }
@@ -26,18 +24,15 @@ LoadedKey LoadTestKey(const char* name, const wchar_t* passphrase) {
 AgentIdentity ReadPublicKeyFile(const char* name) {
     const std::wstring path = TestKeyPath((std::string(name) + ".pub").c_str());
     std::ifstream file(std::string(path.begin(), path.end()));  // the test folder's path is ASCII
-    std::string type, base64, comment;
+    std::string type, base64, comment, blob;
     file >> type >> base64;
     std::getline(file, comment);
-    std::string blob;
     CryptoPP::StringSource(base64, true,
                            new CryptoPP::Base64Decoder(new CryptoPP::StringSink(blob)));
-    return AgentIdentity{AgentBytes(blob.begin(), blob.end()),
-                         AgentText(comment.begin() + 1, comment.end())};
+    return {AgentBytes(blob.begin(), blob.end()), AgentText(comment.begin() + 1, comment.end())};
 }
 
 std::wstring UniqueName(const wchar_t* prefix) {
     static std::atomic<int> counter{0};
-    return std::wstring(prefix) + std::to_wstring(GetCurrentProcessId()) + L"-" +
-           std::to_wstring(++counter);
+    return prefix + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++counter);
 }

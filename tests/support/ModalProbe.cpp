@@ -41,9 +41,3 @@ HWND FindOwnWindow(const wchar_t* className, const wchar_t* title) {
     EnumThreadWindows(GetCurrentThreadId(), matches, reinterpret_cast<LPARAM>(&search));
     return search.found;
 }
-
-std::wstring MessageBoxText(HWND box) {
-    wchar_t text[1024] = {};
-    GetDlgItemTextW(box, 0xFFFF, text, 1024);  // a message box's text control
-    return text;
-}
