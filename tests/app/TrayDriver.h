@@ -5,7 +5,7 @@
 #include <ostream>
 
 #include "TempFolder.h"
-#include "TestProcess.h"
+#include "ChildProcess.h"
 #include "VContainers.h"
 
 using Lines = VArray<VUnicodeString>;
@@ -23,7 +23,7 @@ struct ClientHelper {
 
     const wchar_t* windowClass;
     TempFolder folder;
-    TestProcess process;
+    ChildProcess process;
 };
 
 // The helper installed as the clients named (no other is), until the end.
@@ -54,7 +54,7 @@ public:
     Lines Launches() const { return ReadLines(folder / L"launches.log"); }
 
     TempFolder folder;
-    TestProcess process;
+    ChildProcess process;
 };
 
 void PrintTo(const VUnicodeString& text, std::ostream* out);

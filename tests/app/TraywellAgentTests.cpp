@@ -67,9 +67,7 @@ TEST(TraywellAgent, ServesThePipeWhileItRunsAndTakesKeysFromAFirstAndASecondStar
             WaitUntil([&] { return !IsWindow(dialog); });
         }
         EXPECT_EQ(test.box.IsEmpty() ? VUnicodeString() : second.TakeBoxText(), test.box);
-        DWORD code = 99;
-        EXPECT_TRUE(second.process.Exited(WaitLimit, &code));
-        EXPECT_EQ(code, test.key ? 0u : 1u);
+        EXPECT_EQ(second.process.Wait(WaitLimit), test.key ? 0 : 1);
         ASSERT_TRUE(client.List(listed));
         ASSERT_EQ(listed.size(), test.key ? 1u : 0u);
         if (!test.key) continue;
@@ -97,6 +95,6 @@ TEST(TraywellAgent, ServesThePipeWhileItRunsAndTakesKeysFromAFirstAndASecondStar
     EXPECT_TRUE(client.RemoveAll());
     client.Disconnect();
     traywell.Choose(L"x");
-    EXPECT_TRUE(traywell.process.Exited());
+    EXPECT_NE(traywell.process.Wait(WaitLimit), -1);
     EXPECT_FALSE(client.Connect(AgentPipeServer::DefaultPipeName, 0, report));
 }

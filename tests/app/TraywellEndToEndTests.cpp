@@ -33,19 +33,17 @@ TEST(Traywell, OneCopyAtATimeAndExitWithoutClientsAsksNothing) {
     TraywellUnderTest first;
     for (const wchar_t* arguments : {L"", L"/F C:\\elsewhere"}) {
         TraywellUnderTest second(arguments, false);
-        DWORD code = 0;
-        EXPECT_TRUE(second.process.Exited(WaitLimit, &code)) << "a box would keep it running";
-        EXPECT_EQ(code, 1u);
+        EXPECT_EQ(second.process.Wait(WaitLimit), 1) << "a box would keep it running";
     }
     first.Choose(L"x");
-    EXPECT_TRUE(first.process.Exited());
+    EXPECT_NE(first.process.Wait(WaitLimit), -1);
 
     // The mutex's name taken by another kind of object: it cannot be made.
     const KernelHandle squatter(
         CreateEventW(nullptr, TRUE, FALSE, L"CB427A92-D7C2-4206-BBE9-68F2A379036D"));
     TraywellUnderTest third(L"", false);
     EXPECT_EQ(third.TakeBoxText(), L"Traywell failed to initialize.\r\nError: 0x00000006\r\n");
-    EXPECT_TRUE(third.process.Exited());
+    EXPECT_NE(third.process.Wait(WaitLimit), -1);
 }
 
 TEST(Traywell, ConnectAndRecentSessionsStartTheClientWithTheirCommandLine) {
@@ -145,8 +143,8 @@ TEST(Traywell, ExitClosesEachWindowOnceOnlyWhenAllAgreeAndTheUserConfirms) {
             PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(test.button), 0);
         }
         const bool closes = test.button == IDOK;
-        EXPECT_EQ(traywell.process.Exited(closes ? WaitLimit : 1000), closes);
-        EXPECT_EQ(terminal.process.Exited(closes ? WaitLimit : 0), closes);
+        EXPECT_EQ(traywell.process.Wait(closes ? WaitLimit : 1000) != -1, closes);
+        EXPECT_EQ(terminal.process.Wait(closes ? WaitLimit : 0) != -1, closes);
         Lines closed = terminal.Log();
         std::sort(closed.begin(), closed.end());  // the order of the two is not fixed
         EXPECT_EQ(closed, closes ? Lines({L"close 0", L"close 1"}) : Lines());

@@ -15,11 +15,18 @@ ChildProcess::ChildProcess(const VUnicodeString& program, const VUnicodeString& 
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION started{};
-    if (!CreateProcessW(program.c_str(), commandLine.GetBuffer(commandLine.GetLength()), nullptr, nullptr, FALSE, 0,
-                        nullptr, nullptr, &startup, &started)) {
+    // Wine now and then fails a start with an internal error (1359) while the
+    // machine is loaded; the same start succeeds a moment later. A program
+    // that is missing fails every try.
+    for (int attempt = 0;; ++attempt) {
+        if (CreateProcessW(program.c_str(), commandLine.GetBuffer(commandLine.GetLength()), nullptr,
+                           nullptr, FALSE, 0, nullptr, nullptr, &startup, &started))
+            break;
         startError_ = GetLastError();
-        return;
+        if (attempt == 2 || startError_ == ERROR_FILE_NOT_FOUND) return;
+        Sleep(200);
     }
+    startError_ = ERROR_SUCCESS;
     process_.Reset(started.hProcess);
     CloseHandle(started.hThread);
     id_ = started.dwProcessId;
@@ -40,6 +47,22 @@ void ChildProcess::Kill() {
     }
 }
 
+std::vector<HWND> ChildProcess::Windows(const wchar_t* className, size_t count,
+                                        bool visibleOnly) const {
+    std::vector<HWND> found;
+    WaitUntil([&] {
+        found.clear();
+        for (HWND window = nullptr;
+             (window = FindWindowExW(nullptr, window, className, nullptr));) {
+            DWORD owner = 0;
+            GetWindowThreadProcessId(window, &owner);
+            if (owner == id_ && (!visibleOnly || IsWindowVisible(window))) found.push_back(window);
+        }
+        return found.size() >= count;
+    });
+    return found;
+}
+
 NamedEvent::NamedEvent() : name_(UniqueObjectName(L"event")) {
     event_.Reset(CreateEventW(nullptr, TRUE, FALSE, name_.c_str()));
 }
@@ -52,6 +75,7 @@ bool NamedEvent::WaitSet(DWORD limit, const ChildProcess* process) const {
 VUnicodeString UniqueObjectName(const wchar_t* what) {
     static std::atomic<unsigned> counter{0};
     VUnicodeString name;
-    name.FormatPrintf(128, L"TraywellTest-%ls-%lu-%u", what, GetCurrentProcessId(), counter.fetch_add(1));
+    name.FormatPrintf(128, L"TraywellTest-%ls-%lu-%u", what, GetCurrentProcessId(),
+                      counter.fetch_add(1));
     return name;
 }

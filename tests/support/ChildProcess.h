@@ -1,7 +1,10 @@
-// Helper processes that tests start, and the named events they meet on.
+// Helper processes that tests start, the windows they show, and the named
+// events they meet on.
 #pragma once
 
 #include <windows.h>
+
+#include <vector>
 
 #include "VString.h"
 #include "Win32Handle.h"
@@ -9,6 +12,20 @@
 // The path of the program name in the folder of the running test program,
 // where the build puts the helper programs.
 VUnicodeString BesideThisProgram(const wchar_t* name);
+
+// How long a test waits for what another process does: long enough for a
+// machine busy with other builds.
+inline constexpr DWORD WaitLimit = 15000;
+
+// Polls until done() holds or limit (ms) passes; done()'s last answer.
+template <class Condition>
+bool WaitUntil(Condition done, DWORD limit = WaitLimit) {
+    for (DWORD waited = 0; !done(); waited += 50) {
+        if (waited >= limit) return false;
+        Sleep(50);
+    }
+    return true;
+}
 
 // A process started with program (a full path) and arguments; ended, if it
 // still runs, when the object goes.
@@ -27,6 +44,10 @@ public:
     long Wait(DWORD limit) const;
     // Ends it at once, as the task manager would, and waits until it is gone.
     void Kill();
+    // Its top-level windows of className (visible ones only when
+    // visibleOnly), once there are count of them or WaitLimit passed.
+    std::vector<HWND> Windows(const wchar_t* className, size_t count = 0,
+                              bool visibleOnly = true) const;
 
 private:
     KernelHandle process_;

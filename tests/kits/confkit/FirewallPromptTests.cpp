@@ -5,7 +5,7 @@
 #include "FirewallConfig.h"
 #include "ProgramFolder.h"
 #include "TempFolder.h"
-#include "TestProcess.h"
+#include "ChildProcess.h"
 #include "VIniFileStoreFactory.h"
 
 TEST(FirewallPromptWindows, WhatIsTypedIsHandedBackAndSavedOnlyWhenAskedTo) {
@@ -37,15 +37,14 @@ TEST(FirewallPromptWindows, WhatIsTypedIsHandedBackAndSavedOnlyWhenAskedTo) {
         VUnicodeString arguments;
         arguments.FormatPositional(L"\"%1\" corp %2 \"%3\" \"%4\"", folder.Path().c_str(),
                                    c.credential, (output / L"handed.txt").c_str(), Passphrase);
-        TestProcess host(GetPathBesideProgram(L"firewall_prompt_host.exe"), arguments);
+        ChildProcess host(GetPathBesideProgram(L"firewall_prompt_host.exe"), arguments);
         const std::vector<HWND> dialogs = host.Windows(L"#32770", 1);
         ASSERT_EQ(dialogs.size(), 1u) << "no prompt appeared";
         for (const wchar_t* character = c.typed; *character; ++character)
             SendDlgItemMessageW(dialogs[0], TextId, WM_CHAR, *character, 1);
         if (c.tickSave) SendDlgItemMessageW(dialogs[0], SaveId, BM_CLICK, 0, 0);
         PostMessageW(GetDlgItem(dialogs[0], c.button), BM_CLICK, 0, 0);
-        DWORD code = 99;
-        EXPECT_TRUE(host.Exited(WaitLimit, &code) && code == 0) << code;
+        EXPECT_EQ(host.Wait(WaitLimit), 0);
         EXPECT_EQ(ReadWholeFile(output / L"handed.txt"), c.handed);
 
         const bool saved = c.tickSave && c.button == IDOK, password = c.credential[0] == L'p';
