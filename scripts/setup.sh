@@ -147,9 +147,6 @@ build_cryptopp() {
     local archive=$work/src/libcryptopp.a
     [ -f "$archive" ] || archive=$work/src/libcrypto++.a
     cp "$archive" "$stage/lib/libcryptopp.a"
-    cp -r "$work/src/TestVectors" "$stage/TestVectors"
-    # Some vector files name data files under TestData/ by relative path.
-    cp -r "$work/src/TestData" "$stage/TestData"
     basename "$dsc" .dsc >"$stage/SOURCE"
 
     rm -rf "$CRYPTOPP_DIR"
