@@ -163,9 +163,8 @@ TEST_P(StoreBehaviour, DeleteKeyRemovesEverythingBelowIt) {
     EXPECT_EQ(Number(kept, L"value"), 4u);
 }
 
-// A caller that lists the values reads each one right after; what it reads is
-// what the key stores now: written through the key meanwhile, of another
-// kind, or too large to come along with the listing.
+// What a caller reads while it lists is what the key stores now: written
+// meanwhile, of another kind, or too large to come along with the listing.
 TEST_P(StoreBehaviour, ValuesReadWhileListingAreTheStoredOnes) {
     const std::vector<BYTE> large(10000, 0x5A);
     {
@@ -245,8 +244,7 @@ TEST_P(StoreBehaviour, AReadOnlyStoreReadsButNeverWrites) {
     EXPECT_FALSE(root.KeyExists(L"created"));
 }
 
-// Each object owns what it was given: a subkey works on after its parent key
-// and its store are gone, and a flush shows its writes while it lives.
+// A subkey works on after its parent key and its store are gone.
 TEST_P(StoreBehaviour, ASubkeyOutlivesItsParentAndStoreAndFlushesItsWrites) {
     std::unique_ptr<VProfileKey> child;
     {

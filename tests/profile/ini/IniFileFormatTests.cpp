@@ -2,7 +2,6 @@
 // and where it stops, and the writer's exact bytes.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 
 #include "TestValues.h"
@@ -227,34 +226,29 @@ TEST_F(IniFileFormat, AUtf16FileIsRewrittenAsUtf8WithLoneSurrogatesReplaced) {
 // How a key with a private folder splits its values between the two files,
 // from the files it finds to the files its save leaves.
 TEST_F(IniFileFormat, PrivateValuesLiveInThePrivateFileWhichWinsOverTheMainOne) {
-    const auto set = [](std::vector<std::pair<std::wstring, TestValue>> values) {
-        return [values](VIniFileKey& key) {
-            for (const auto& [name, value] : values) ASSERT_TRUE(StoreValue(key, name, value));
-        };
-    };
     const struct {
         const char* what;
         std::string main, personal;  // the files before ("" none)
         TestValues read;
-        std::function<void(VIniFileKey&)> act;
+        std::vector<std::pair<std::wstring, TestValue>> stored;
+        const wchar_t* deleted;
         std::string mainAfter, personalAfter;
     } cases[] = {
         // Names are compared exactly: "password" is not private.
         {"the private names go to the private file, in its list's order", "", "", {},
-         set({{L"Host", S(L"example.org")}, {L"Password V2", S(L"02:s")}, {L"Use Narrow Font", D(1)},
-              {L"Username", S(L"me")}, {L"password", S(L"plain")}}),
+         {{L"Host", S(L"example.org")}, {L"Password V2", S(L"02:s")}, {L"Use Narrow Font", D(1)},
+          {L"Username", S(L"me")}, {L"password", S(L"plain")}}, nullptr,
          "S:\"Host\"=example.org\r\nS:\"password\"=plain\r\n",
          "S:\"Username\"=me\r\nS:\"Password V2\"=02:s\r\nD:\"Use Narrow Font\"=00000001\r\n"},
         {"the private file overrides the main one, which loses its private values",
          "S:\"Password\"=old\r\nS:\"Account\"=acct\r\nD:\"Port\"=00000016\r\n", "S:\"Password\"=new\r\n",
-         {{L"Password", S(L"new")}, {L"Account", S(L"acct")}, {L"Port", D(22)}}, set({{L"Port", D(23)}}),
+         {{L"Password", S(L"new")}, {L"Account", S(L"acct")}, {L"Port", D(22)}}, {{L"Port", D(23)}}, nullptr,
          "D:\"Port\"=00000017\r\n", "S:\"Password\"=new\r\nS:\"Account\"=acct\r\n"},
         // A value put there by hand or by an older version would win at every load.
         {"a private file that was read is rewritten with only the private values", "S:\"Host\"=main\r\n",
-         "S:\"Host\"=stale\r\n", {{L"Host", S(L"stale")}}, set({{L"Host", S(L"new")}}), "S:\"Host\"=new\r\n", ""},
+         "S:\"Host\"=stale\r\n", {{L"Host", S(L"stale")}}, {{L"Host", S(L"new")}}, nullptr, "S:\"Host\"=new\r\n", ""},
         {"a deleted private value does not come back from the private file", "", "S:\"Password\"=secret\r\n",
-         {{L"Password", S(L"secret")}}, [](VIniFileKey& key) { ASSERT_TRUE(key.DeleteValue(VUnicodeString(L"Password"))); },
-         "", ""},
+         {{L"Password", S(L"secret")}}, {}, L"Password", "", ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -266,7 +260,8 @@ TEST_F(IniFileFormat, PrivateValuesLiveInThePrivateFileWhichWinsOverTheMainOne) 
         {
             VIniFileKey key(keyFolder_, privateFolder_, false, nullptr);
             EXPECT_EQ(c.read, ReadAllValues(key));
-            c.act(key);
+            for (const auto& [name, value] : c.stored) ASSERT_TRUE(StoreValue(key, name, value));
+            ASSERT_TRUE(!c.deleted || key.DeleteValue(c.deleted));
         }
         EXPECT_EQ(Bom + c.mainAfter, ReadWholeFile(ValuesFile()));
         EXPECT_EQ(Bom + c.personalAfter, ReadWholeFile(PrivateValuesFile()));

@@ -183,21 +183,22 @@ TEST_F(IniFileKey, IsWritableFollowsTheKeyAndItsFile) {
 // Every file under folder with its size and, unless it is huge, its bytes.
 using Tree = std::map<std::wstring, std::pair<int64_t, std::string>>;
 
-void Snapshot(const std::wstring& folder, Tree& tree) {
+Tree Snapshot(const std::wstring& folder, Tree tree = {}) {
     WIN32_FIND_DATAW entry;
     const FindHandle search(FindFirstFileW((folder + L"\\*").c_str(), &entry));
-    if (!search) return;
+    if (!search) return tree;
     do {
         const std::wstring name = entry.cFileName;
         if (name == L"." || name == L"..") continue;
         const std::wstring path = folder + L"\\" + name;
         if (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) {
-            Snapshot(path, tree);
+            tree = Snapshot(path, std::move(tree));
             continue;
         }
         const int64_t size = (static_cast<int64_t>(entry.nFileSizeHigh) << 32) | entry.nFileSizeLow;
         tree[path] = {size, size < 1024 * 1024 ? ReadWholeFile(VUnicodeString(path.c_str())) : std::string()};
     } while (FindNextFileW(search.Get(), &entry));
+    return tree;
 }
 
 // A save that cannot be done fails with a reason and changes no file; once
@@ -258,13 +259,10 @@ TEST_F(IniFileKey, ASaveThatCannotBeDoneFailsAndDamagesNothing) {
         uint32_t number = 0;
         EXPECT_FALSE(key.GetDword(L"absent", number));
         EXPECT_EQ(test.unreadable ? test.code : CONFIG_VALUE_ABSENT, LastCode(key));
-        Tree before;
-        Snapshot(folder_.Path().c_str(), before);
+        const Tree before = Snapshot(folder_.Path().c_str());
         EXPECT_FALSE(key.Flush());
         EXPECT_EQ(test.code, LastCode(key));
-        Tree after;
-        Snapshot(folder_.Path().c_str(), after);
-        EXPECT_EQ(before, after);
+        EXPECT_EQ(before, Snapshot(folder_.Path().c_str()));
         test.clear();
         EXPECT_TRUE(key.Reload());
         ASSERT_TRUE(key.SetDword(L"n", 2));
@@ -363,44 +361,32 @@ TEST_F(IniFileKey, AFolderThatCannotBeListedListsNothingAndSaysWhy) {
     EXPECT_NE(0u, LastCode(*sub));
 }
 
-// A subkey holding a read-only file is not forced away.
+// Through a store of the process-wide factory; a subkey holding a read-only
+// file is not forced away.
 TEST_F(IniFileKey, ASubkeyKeepsItsPrivateValuesUnderThePrivateFolderAndLosesThemWithIt) {
-    const auto key = Key();
+    VIniFileStoreFactory factory(keyFolder_, privateFolder_);
+    SetIniFileStoreFactory(&factory);
+    VProfileStore store;
+    VProfileKey& key = store.GetRootKey();
     {
-        const auto session = key->OpenKey(L"Sessions\\Work\\Default", true, nullptr);
-        ASSERT_NE(nullptr, session);
-        ASSERT_TRUE(session->SetString(L"Host", L"h"));
-        ASSERT_TRUE(session->SetString(L"Password", L"p"));
+        VProfileKey session(key, L"Sessions\\Work\\Default", true);
+        ASSERT_TRUE(session.SetString(L"Host", L"h"));
+        ASSERT_TRUE(session.SetString(L"Password", L"p"));
     }
+    SetIniFileStoreFactory(nullptr);
     const VUnicodeString locked = keyFolder_ + L"\\Sessions\\Work\\Default.ini";
     ASSERT_TRUE(SetFileAttributesW(locked.c_str(), FILE_ATTRIBUTE_READONLY));
-    EXPECT_FALSE(key->DeleteKey(L"Sessions\\Work"));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), LastCode(*key));
+    EXPECT_FALSE(key.DeleteKey(L"Sessions\\Work"));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), key.GetLastErrorParams().GetMessageCode());
     ASSERT_TRUE(SetFileAttributesW(locked.c_str(), FILE_ATTRIBUTE_NORMAL));
-    EXPECT_EQ(Bom + "S:\"Host\"=h\r\n", ReadWholeFile(keyFolder_ + L"\\Sessions\\Work\\Default.ini"));
+    EXPECT_EQ(Bom + "S:\"Host\"=h\r\n", ReadWholeFile(locked));
     EXPECT_EQ(Bom + "S:\"Password\"=p\r\n", ReadWholeFile(privateFolder_ + L"\\Sessions\\Work\\Default.ini"));
-    EXPECT_TRUE(key->DeleteKey(L"Sessions\\Work"));
+    EXPECT_TRUE(key.DeleteKey(L"Sessions\\Work"));
     EXPECT_FALSE(IsFolder(keyFolder_ + L"\\Sessions\\Work"));
     EXPECT_FALSE(IsFolder(privateFolder_ + L"\\Sessions\\Work"));
     EXPECT_TRUE(IsFolder(keyFolder_ + L"\\Sessions"));
-    EXPECT_FALSE(key->DeleteKey(L"Sessions\\Work"));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), LastCode(*key));
-}
-
-TEST_F(IniFileKey, TheProcessWideFactoryServesStoresOnTheConfigurationFolder) {
-    VIniFileStoreFactory factory(keyFolder_, privateFolder_);
-    SetIniFileStoreFactory(&factory);
-    EXPECT_EQ(&factory, CurrentProfileStoreFactory());
-    {
-        VProfileStore store;
-        VProfileKey session(store.GetRootKey(), L"Sessions\\Default", true);
-        ASSERT_TRUE(session.IsOpen());
-        EXPECT_TRUE(session.SetString(L"Host", L"example.org"));
-        EXPECT_TRUE(session.SetString(L"Username", L"me"));
-    }
-    SetIniFileStoreFactory(nullptr);
-    EXPECT_EQ(Bom + "S:\"Host\"=example.org\r\n", ReadWholeFile(keyFolder_ + L"\\Sessions\\Default.ini"));
-    EXPECT_EQ(Bom + "S:\"Username\"=me\r\n", ReadWholeFile(privateFolder_ + L"\\Sessions\\Default.ini"));
+    EXPECT_FALSE(key.DeleteKey(L"Sessions\\Work"));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), key.GetLastErrorParams().GetMessageCode());
 }
 
 }  // namespace

@@ -98,8 +98,7 @@ TEST_F(RegistrySettingsTest, OnlyTheTerminalClientLooksInTheOlderLocation) {
     EXPECT_EQ(GetApplicationSettingString(L"Folder", L"TERMWRIGHT Pro", L"Paths", L"default"), L"own");
 }
 
-// Start-up's use: the factory for the family's hive is the current one until
-// an INI-file factory is set, and stores made without a factory use it.
+// At start-up, stores made without a factory use the registry's until an INI-file one is set.
 TEST_F(RegistrySettingsTest, StoresUseTheRegistryUntilAnIniFileFactoryIsSet) {
     Create(HKEY_LOCAL_MACHINE, Family);  // a machine-wide installation only
     VRegistryStoreFactory registry(nullptr, Family);
