@@ -1,33 +1,9 @@
-// The helper process of the profile tests: it locks, reads, writes and
-// shares what the test process does, from outside it.
-//
-//   profile_probe lock <file> <offset> <length> shared|exclusive
-//       tries to take the byte-range lock without waiting (ProbeRefused when
-//       another process holds it).
-//   profile_probe hold <file> exclusive|shared <milliseconds> <event> [<text>]
-//       locks the file's first 4 bytes, sets the event and keeps the lock for
-//       the time given. Exclusive: then rewrites the file in place with text
-//       (as UTF-8 after a mark), as older programs of the family do. Shared:
-//       then checks that the file did not change meanwhile.
-//   profile_probe churn <key folder> <milliseconds> <id> <result file>
-//       saves and loads the key in turns until the time is up; every save
-//       writes one generation of this writer (GenerationValues.h), every load
-//       checks that the values are all there and of one generation. Writes
-//       "saves loads last" to the result file, last being its last generation.
-//   profile_probe save-generations <key folder> <private folder> <event>
-//       loads the key (main and private values) and saves the following
-//       generations one after the other until it is killed; sets the event as
-//       the first save starts.
-//   profile_probe cache open|hold|peek|count <name> <size> [...]
-//       opens a shared-memory cache and: open, only that; hold <ready event>
-//       <quit event>, sets the first and keeps the cache until the second is
-//       set; peek <byte> <count>, checks that the data starts with count bytes
-//       of that value and writes the holder count it sees after them; count
-//       <go event> <times>, once go is set adds one to the 32-bit counter at
-//       the start of the data that many times, each under the cache's lock.
-//
-// Locks and file contents are handled with the system's calls directly, not
-// with the store's classes, so that the store is checked against the system.
+// The helper process of the profile tests: it locks, reads, writes and shares
+// what the test process does, from outside it, with the system's own calls
+// where it checks the store. Modes (see wmain): lock <file> <offset> <length>
+// shared|exclusive; hold <file> exclusive|shared <ms> <event> [<text>];
+// churn <key folder> <ms> <id> <result file>; save-generations <key folder>
+// <private folder> <event>; cache open|hold|peek|count <name> <size> [...].
 #include <windows.h>
 
 #include <cstdio>
@@ -61,6 +37,7 @@ FileHandle OpenShared(const wchar_t* path) {
                                   nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
+// Tries the byte-range lock without waiting: ProbeRefused when another process holds it.
 int Lock(const wchar_t* path, unsigned long long offset, unsigned long long length, bool exclusive) {
     const FileHandle file = OpenShared(path);
     OVERLAPPED overlapped{};
@@ -82,6 +59,9 @@ std::string ReadAll(HANDLE file) {
     return bytes;
 }
 
+// Locks the first 4 bytes, sets event and keeps the lock for milliseconds; then
+// exclusive rewrites the file in place with text (UTF-8 after a mark), as older
+// programs of the family do, and shared checks that the file did not change.
 int Hold(const wchar_t* path, bool exclusive, DWORD milliseconds, const wchar_t* event, const wchar_t* text) {
     const FileHandle file = OpenShared(path);
     OVERLAPPED range{};
@@ -106,6 +86,8 @@ int Hold(const wchar_t* path, bool exclusive, DWORD milliseconds, const wchar_t*
     return result;
 }
 
+// Saves one generation and loads the key twice, in turns, until the time is up;
+// writes "saves loads last-generation" to resultFile.
 int Churn(const wchar_t* folder, DWORD milliseconds, unsigned id, const wchar_t* resultFile) {
     const ULONGLONG end = GetTickCount64() + milliseconds;
     unsigned saves = 0, loads = 0, last = 0;
@@ -128,6 +110,7 @@ int Churn(const wchar_t* folder, DWORD milliseconds, unsigned id, const wchar_t*
     return 0;
 }
 
+// Saves the generations after the one it loads until it is killed.
 int SaveGenerations(const wchar_t* folder, const wchar_t* privateFolder, const wchar_t* event) {
     VIniFileKey key(VUnicodeString(folder), VUnicodeString(privateFolder), false, nullptr);
     Generation main, personal;
@@ -141,6 +124,9 @@ int SaveGenerations(const wchar_t* folder, const wchar_t* privateFolder, const w
     }
 }
 
+// open; hold <ready> <quit>; peek <byte> <count>: checks the data's first count
+// bytes and writes the holder count after them; count <go> <times>: adds one to
+// the counter at the start of the data that many times, under the lock.
 int Cache(int argc, wchar_t** argv) {
     const wchar_t* mode = argv[2];
     const auto cache =

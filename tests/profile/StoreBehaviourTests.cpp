@@ -1,17 +1,14 @@
-// What callers may rely on whichever back end keeps their settings: typed
-// round trips, absent values told apart, subkeys, deletion, iteration and
-// read-only stores. Values are checked through a store opened afresh, so that
-// a back end that writes late is held to what it really persisted.
-#include <cstring>
+// What callers may rely on whichever back end keeps their settings, checked
+// through a store opened afresh so that a back end is held to what it persisted.
 #include <map>
 #include <string>
 #include <vector>
 
 #include "StoreBehaviour.h"
+#include "TestValues.h"
 
 namespace {
 
-// Name to kind code, as an iterator lists them.
 using Entries = std::map<std::wstring, uint32_t>;
 
 Entries List(VProfileKey& key, bool values) {
@@ -21,6 +18,19 @@ Entries List(VProfileKey& key, bool values) {
     uint32_t kind = 0;
     while (iterator.Next(name, kind)) entries[name.c_str()] = kind;
     return entries;
+}
+
+// The number or text under name; a failed read fails the test.
+uint32_t Number(VProfileKey& key, const wchar_t* name) {
+    uint32_t read = 1;
+    EXPECT_TRUE(key.GetDword(name, read)) << name;
+    return read;
+}
+
+VUnicodeString Text(VProfileKey& key, const wchar_t* name) {
+    VUnicodeString read(L"stale");
+    EXPECT_TRUE(key.GetString(name, read)) << name;
+    return read;
 }
 
 void ExpectAbsent(VProfileKey& key, const wchar_t* name) { ExpectValueAbsent(key.GetLastErrorParams(), name); }
@@ -46,8 +56,6 @@ bool ReadAs(VProfileKey& key, const wchar_t* name, uint32_t kind) {
 const VArray<VUnicodeString> List3{L"one", L"two words", L"\u00fcber \u20ac"};
 const BYTE Bytes[] = {0, 1, 0x7F, 0x80, 0xFF, 0};
 
-// Written, overwritten and deleted through one store, listed and read
-// through the next.
 TEST_P(StoreBehaviour, EveryKindIsReadBackAndListedAsWrittenOverwrittenOrDeleted) {
     {
         auto store = Open();
@@ -77,49 +85,32 @@ TEST_P(StoreBehaviour, EveryKindIsReadBackAndListedAsWrittenOverwrittenOrDeleted
     auto store = Open();
     VProfileKey key(store->GetRootKey(), L"values", false);
     ASSERT_TRUE(key.IsOpen());
-    uint32_t number = 1;
-    ASSERT_TRUE(key.GetDword(L"zero", number));
-    EXPECT_EQ(number, 0u);
-    ASSERT_TRUE(key.GetDword(L"max", number));
-    EXPECT_EQ(number, 0xFFFFFFFFu);
+    EXPECT_EQ(ReadAllValues(*key.GetPrivateKey()),
+              (TestValues{{L"zero", D(0)},
+                          {L"max", D(0xFFFFFFFF)},
+                          {L"text", S(L"Gr\u00fc\u00dfe = \"quoted\" ; not a comment")},
+                          {L"empty", S(L"")},
+                          {L"bytes", B({0, 1, 0x7F, 0x80, 0xFF, 0})},
+                          {L"no bytes", B({})},
+                          {L"list", Z({L"one", L"two words", L"\u00fcber \u20ac"})}}));
     EXPECT_FALSE(ReadAs(key, L"max", ProfileString));
-    VUnicodeString text;
-    ASSERT_TRUE(key.GetString(L"text", text));
-    EXPECT_EQ(text, L"Gr\u00fc\u00dfe = \"quoted\" ; not a comment");
-    ASSERT_TRUE(key.GetString(L"empty", text));
-    EXPECT_TRUE(text.IsEmpty());
     uint32_t size = 99;  // without a buffer, the size alone
-    ASSERT_TRUE(key.GetBinary(L"no bytes", nullptr, size));
-    EXPECT_EQ(size, 0u);
     ASSERT_TRUE(key.GetBinary(L"bytes", nullptr, size));
     EXPECT_EQ(size, sizeof Bytes);
-    BYTE buffer[sizeof Bytes] = {};
-    ASSERT_TRUE(key.GetBinary(L"bytes", buffer, size));
-    EXPECT_EQ(size, sizeof Bytes);
-    EXPECT_EQ(std::memcmp(buffer, Bytes, sizeof Bytes), 0);
-    VArray<VUnicodeString> strings;
-    ASSERT_TRUE(key.GetMultiString(L"list", strings));
-    EXPECT_EQ(strings, List3);
-
-    EXPECT_EQ(List(key, true), (Entries{{L"zero", ProfileDword}, {L"max", ProfileDword}, {L"text", ProfileString},
-                                        {L"empty", ProfileString}, {L"bytes", ProfileBinary},
-                                        {L"no bytes", ProfileBinary}, {L"list", ProfileMultiString}}));
-    const Entries subkeys = List(key, false);
-    ASSERT_EQ(subkeys.size(), 2u);
-    for (const auto& [name, kind] : subkeys) {
-        EXPECT_TRUE(name == L"first" || name == L"second") << "unexpected entry";
+    std::wstring subkeys;
+    for (const auto& [name, kind] : List(key, false)) {
+        subkeys += name + L";";
         EXPECT_TRUE(IsSubkeyKind(kind)) << "kind " << kind;
     }
-    // The name-only form walks the same entries.
-    VProfileKeyIterator iterator(key, false);
+    EXPECT_EQ(subkeys, L"first;second;");
+    VProfileKeyIterator iterator(key, false);  // the name-only form walks the same entries
     VUnicodeString name;
     size_t count = 0;
     while (iterator.Next(name)) ++count;
     EXPECT_EQ(count, 2u);
     EXPECT_TRUE(key.KeyExists(L"second"));
     VProfileKey second(key, L"second", false);
-    ASSERT_TRUE(second.GetString(L"name", text));
-    EXPECT_EQ(text, L"value");
+    EXPECT_EQ(Text(second, L"name"), L"value");
 }
 
 TEST_P(StoreBehaviour, AMissingValueOrOneOfAnotherKindIsAbsent) {
@@ -169,14 +160,11 @@ TEST_P(StoreBehaviour, DeleteKeyRemovesEverythingBelowIt) {
     EXPECT_TRUE(List(again, true).empty());
     EXPECT_TRUE(List(again, false).empty());
     VProfileKey kept(root, L"kept", false);
-    uint32_t number = 0;
-    ASSERT_TRUE(kept.GetDword(L"value", number));
-    EXPECT_EQ(number, 4u);
+    EXPECT_EQ(Number(kept, L"value"), 4u);
 }
 
-// A caller that lists the values reads each one right after; what it reads is
-// what the key stores now: written through the key meanwhile, of another
-// kind, or too large to come along with the listing.
+// What a caller reads while it lists is what the key stores now: written
+// meanwhile, of another kind, or too large to come along with the listing.
 TEST_P(StoreBehaviour, ValuesReadWhileListingAreTheStoredOnes) {
     const std::vector<BYTE> large(10000, 0x5A);
     {
@@ -237,9 +225,7 @@ TEST_P(StoreBehaviour, AReadOnlyStoreReadsButNeverWrites) {
         EXPECT_TRUE(store->IsReadOnly());
         VProfileKey& root = store->GetRootKey();
         EXPECT_FALSE(root.IsWritable());
-        uint32_t number = 0;
-        ASSERT_TRUE(root.GetDword(L"value", number));
-        EXPECT_EQ(number, 1u);
+        EXPECT_EQ(Number(root, L"value"), 1u);
         EXPECT_FALSE(root.SetDword(L"value", 9));
         EXPECT_FALSE(root.DeleteValue(L"value"));
         EXPECT_FALSE(root.DeleteKey(L"child"));
@@ -253,15 +239,12 @@ TEST_P(StoreBehaviour, AReadOnlyStoreReadsButNeverWrites) {
     auto store = Open();
     VProfileKey& root = store->GetRootKey();
     EXPECT_TRUE(root.IsWritable());
-    uint32_t number = 0;
-    ASSERT_TRUE(root.GetDword(L"value", number));
-    EXPECT_EQ(number, 1u);
+    EXPECT_EQ(Number(root, L"value"), 1u);
     EXPECT_TRUE(root.KeyExists(L"child"));
     EXPECT_FALSE(root.KeyExists(L"created"));
 }
 
-// Each object owns what it was given: a subkey works on after its parent key
-// and its store are gone, and a flush shows its writes while it lives.
+// A subkey works on after its parent key and its store are gone.
 TEST_P(StoreBehaviour, ASubkeyOutlivesItsParentAndStoreAndFlushesItsWrites) {
     std::unique_ptr<VProfileKey> child;
     {
@@ -275,9 +258,7 @@ TEST_P(StoreBehaviour, ASubkeyOutlivesItsParentAndStoreAndFlushesItsWrites) {
     auto store = Open(true);
     VProfileKey parent(store->GetRootKey(), L"parent", false);
     VProfileKey reopened(parent, L"child", false);
-    VUnicodeString text;
-    ASSERT_TRUE(reopened.GetString(L"late", text));
-    EXPECT_EQ(text, L"still here");
+    EXPECT_EQ(Text(reopened, L"late"), L"still here");
 }
 
 INSTANTIATE_TEST_SUITE_P(BackEnds, StoreBehaviour, ::testing::Values(RegistryBackEnd(), IniFileBackEnd()),

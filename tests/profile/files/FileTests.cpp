@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "ChildProcess.h"
 #include "FileSystem.h"
@@ -12,27 +11,24 @@
 #include "VFile.h"
 #include "Win32Handle.h"
 
-#include <sddl.h>  // after windows.h
+#include <aclapi.h>  // after windows.h
+#include <sddl.h>
 
 namespace {
 
 constexpr DWORD ReadWrite = GENERIC_READ | GENERIC_WRITE;
 constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-// The rights that the access list of path grants the user (allow entries
-// naming the user's SID; the tests' descriptors deny nothing). Windows keeps
-// the descriptor given at creation; Wine turns it into the file's Unix mode
-// and reads that back, so the rights, not the exact entries, are compared.
+// The rights that path's access list allows the user: Wine keeps a descriptor
+// as the file's Unix mode, so rights, not the exact entries, are compared.
 ACCESS_MASK UserRights(const VUnicodeString& path, const VUnicodeString& user) {
-    DWORD size = 0;
-    GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
-    std::vector<BYTE> bytes(size);
-    BOOL present = FALSE;
-    BOOL defaulted = FALSE;
     PACL dacl = nullptr;
-    if (size == 0 || !GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, bytes.data(), size, &size) ||
-        !GetSecurityDescriptorDacl(bytes.data(), &present, &dacl, &defaulted) || !present || !dacl)
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    if (GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &dacl, nullptr,
+                              &descriptor) != ERROR_SUCCESS)
         return 0;
+    const LocalMemory descriptorOwner(descriptor);
+    if (!dacl) return 0;
     PSID userSid = nullptr;
     if (!ConvertStringSidToSidW(user.c_str(), &userSid)) return 0;
     const LocalMemory sidOwner(userSid);
@@ -45,7 +41,6 @@ ACCESS_MASK UserRights(const VUnicodeString& path, const VUnicodeString& user) {
             EqualSid(const_cast<DWORD*>(&entry->SidStart), userSid))
             rights |= entry->Mask;
     }
-    // Generic rights as files know them.
     GENERIC_MAPPING mapping = {FILE_GENERIC_READ, FILE_GENERIC_WRITE, FILE_GENERIC_EXECUTE, FILE_ALL_ACCESS};
     MapGenericMask(&rights, &mapping);
     return rights;
@@ -114,8 +109,8 @@ TEST_F(FileTest, TemporaryNamesCountInUpperCaseHexadecimal) {
     const VUnicodeString prefix = folder_ / L"ini";
     VFile files[12];
     for (VFile& file : files) ASSERT_TRUE(file.OpenUniqueTemporary(prefix));
-    const wchar_t* expected[] = {L"0", L"1", L"2", L"3", L"4", L"5", L"6", L"7", L"8", L"9", L"A", L"B"};
-    for (size_t i = 0; i < 12; ++i) EXPECT_EQ(prefix + expected[i] + L".tmp", files[i].GetFileName());
+    for (size_t i = 0; i < 12; ++i)
+        EXPECT_EQ(prefix + std::wstring(1, L"0123456789AB"[i]).c_str() + L".tmp", files[i].GetFileName());
 
     // A name freed again is taken again: the counter starts at 0 each time.
     files[3].Close();
@@ -132,9 +127,8 @@ TEST_F(FileTest, TemporaryNamesCountInUpperCaseHexadecimal) {
 }
 
 TEST_F(FileTest, FolderChainCreatesEveryMissingParentAndRefusesAFileInTheWay) {
-    for (const wchar_t* path : {L"a\\b/c\\d", L"a\\b/c\\d", L"a\\b\\", L"x\\y\\\\"}) {
+    for (const wchar_t* path : {L"a\\b/c\\d", L"a\\b/c\\d", L"a\\b\\", L"x\\y\\\\"})
         EXPECT_TRUE(CreateFolderChain(folder_ / path)) << path;
-    }
     for (const wchar_t* made : {L"a\\b\\c\\d", L"x\\y"})
         EXPECT_TRUE(GetFileAttributesW((folder_ / made).c_str()) & FILE_ATTRIBUTE_DIRECTORY) << made;
     EXPECT_TRUE(CreateFolderChain(VUnicodeString(L"C:\\"))) << "a root is never created";
@@ -146,11 +140,8 @@ TEST_F(FileTest, FolderChainCreatesEveryMissingParentAndRefusesAFileInTheWay) {
     EXPECT_EQ("x", ReadWholeFile(folder_ / L"plain")) << "the file is left as it was";
 }
 
-// The folders a chain creates and the file Open creates get the descriptor;
-// what existed before, or is made without one, keeps the default. The
-// read-only descriptor is tried on one new folder: below it, a chain could not
-// add the next one (on Windows, and under Wine for any user but root), and
-// Wine stores a descriptor that grants writing only as the file's mode bits.
+// What a chain or Open creates gets the descriptor, what existed or is made
+// without one keeps the default. Below a read-only folder no chain could go on.
 TEST_F(FileTest, CreationAppliesTheHeldDescriptor) {
     VUnicodeString user;
     ASSERT_TRUE(GetCurrentUserSidString(user));
@@ -174,7 +165,6 @@ TEST_F(FileTest, CreationAppliesTheHeldDescriptor) {
     EXPECT_TRUE(UserRights(folder_ / L"plain.ini", user) & FILE_WRITE_DATA);
 }
 
-// Locks taken through VFile, as another process sees them.
 TEST_F(FileTest, LocksAreSeenByAnotherProcess) {
     const VUnicodeString name = folder_ / L"locked.ini";
     ASSERT_TRUE(WriteWholeFile(name, "header and more"));

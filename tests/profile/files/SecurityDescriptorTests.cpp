@@ -18,12 +18,6 @@ namespace {
 
 using Texts = VArray<VUnicodeString>;
 
-Texts T(std::initializer_list<const wchar_t*> texts) {
-    Texts result;
-    for (const wchar_t* text : texts) result.Add(VUnicodeString(text));
-    return result;
-}
-
 // A descriptor from the system's own descriptor language, as an independent source.
 VSecurityDescriptor FromSddl(const wchar_t* sddl) {
     PSECURITY_DESCRIPTOR raw = nullptr;
@@ -81,11 +75,11 @@ TEST(SecurityDescriptorTest, TextFormRoundTripsInListOrder) {
         const wchar_t* sddl;  // null: not compared
         Texts canonical;
     } cases[] = {
-        {T({L"allow,0x001f01ff,S-1-5-32-544", L"deny,0x00000001,S-1-1-0", domainEntry.c_str()}),
+        {Texts{L"allow,0x001f01ff,S-1-5-32-544", L"deny,0x00000001,S-1-1-0", domainEntry},
          L"D:(A;;FA;;;BA)(D;;CC;;;WD)(A;;GR;;;S-1-5-21-1004336348-1177238915-682003330-512)",
-         T({L"allow,0x001f01ff,S-1-5-32-544", L"deny,0x00000001,S-1-1-0", domainEntry.c_str()})},
-        {T({L"ALLOW,0X1F01FF,BA", L" Deny , 0xa ,\tS-1-1-0 "}), nullptr,
-         T({L"allow,0x001f01ff,S-1-5-32-544", L"deny,0x0000000a,S-1-1-0"})},
+         Texts{L"allow,0x001f01ff,S-1-5-32-544", L"deny,0x00000001,S-1-1-0", domainEntry}},
+        {Texts{L"ALLOW,0X1F01FF,BA", L" Deny , 0xa ,\tS-1-1-0 "}, nullptr,
+         Texts{L"allow,0x001f01ff,S-1-5-32-544", L"deny,0x0000000a,S-1-1-0"}},
         // No entries: an access list that denies everyone, not a missing one.
         {Texts(), L"D:", Texts()},
     };
@@ -97,7 +91,7 @@ TEST(SecurityDescriptorTest, TextFormRoundTripsInListOrder) {
         if (c.sddl) {
             EXPECT_EQ(c.sddl, ToSddl(descriptor, DACL_SECURITY_INFORMATION));
         }
-        Texts back = T({L"stale"});
+        Texts back{L"stale"};
         ASSERT_TRUE(descriptor.ToText(back));
         EXPECT_EQ(c.canonical, back);
     }
@@ -105,7 +99,7 @@ TEST(SecurityDescriptorTest, TextFormRoundTripsInListOrder) {
 
 TEST(SecurityDescriptorTest, BadEntriesAreRejectedAndChangeNothing) {
     VSecurityDescriptor descriptor;
-    ASSERT_TRUE(descriptor.FromText(T({L"allow,0x1,S-1-1-0"})));
+    ASSERT_TRUE(descriptor.FromText(Texts{L"allow,0x1,S-1-1-0"}));
     const std::vector<BYTE> before(static_cast<BYTE*>(descriptor.Get()),
                                    static_cast<BYTE*>(descriptor.Get()) + descriptor.GetLength());
     const struct {
@@ -122,7 +116,7 @@ TEST(SecurityDescriptorTest, BadEntriesAreRejectedAndChangeNothing) {
         {L"allow,0x1,Everyone", ERROR_INVALID_SID},
     };
     for (const auto& bad : cases) {
-        EXPECT_FALSE(descriptor.FromText(T({L"allow,0x2,S-1-1-0", bad.text}))) << bad.text;
+        EXPECT_FALSE(descriptor.FromText(Texts{L"allow,0x2,S-1-1-0", bad.text})) << bad.text;
         EXPECT_EQ(bad.error, GetLastError()) << bad.text;
     }
     EXPECT_EQ(before, std::vector<BYTE>(static_cast<BYTE*>(descriptor.Get()),
@@ -130,34 +124,30 @@ TEST(SecurityDescriptorTest, BadEntriesAreRejectedAndChangeNothing) {
 }
 
 TEST(SecurityDescriptorTest, WhatTheTextCannotHoldIsRefusedNotDropped) {
-    Texts entries;
     const struct {
-        const wchar_t* sddl;
+        VSecurityDescriptor descriptor;
         const char* why;
     } cases[] = {
-        {L"O:BA", "no access list"},
-        {L"D:(A;OICI;FA;;;BA)", "inheritance flags"},
-        {L"D:(A;IO;FA;;;BA)", "inherit-only"},
+        {FromSddl(L"O:BA"), "no access list"},
+        {FromSddl(L"D:(A;OICI;FA;;;BA)"), "inheritance flags"},
+        {FromSddl(L"D:(A;IO;FA;;;BA)"), "inherit-only"},
+        {WithDacl(nullptr), "a null access list, which allows everyone"},
+        {WithDacl(CallbackEntryList().data()), "a callback entry"},
+        {VSecurityDescriptor(), "no descriptor"},
     };
+    Texts entries;
     for (const auto& refused : cases) {
-        entries = T({L"untouched"});
-        EXPECT_FALSE(FromSddl(refused.sddl).ToText(entries)) << refused.why;
+        entries = Texts{L"untouched"};
+        EXPECT_FALSE(refused.descriptor.ToText(entries)) << refused.why;
         EXPECT_EQ(static_cast<DWORD>(ERROR_NOT_SUPPORTED), GetLastError()) << refused.why;
-        EXPECT_EQ(T({L"untouched"}), entries) << refused.why;
+        EXPECT_EQ(Texts{L"untouched"}, entries) << refused.why;
     }
-    EXPECT_FALSE(WithDacl(nullptr).ToText(entries)) << "a null access list allows everyone";
-    EXPECT_EQ(static_cast<DWORD>(ERROR_NOT_SUPPORTED), GetLastError());
-    EXPECT_FALSE(WithDacl(CallbackEntryList().data()).ToText(entries)) << "a callback entry";
-    EXPECT_EQ(static_cast<DWORD>(ERROR_NOT_SUPPORTED), GetLastError());
-    EXPECT_FALSE(VSecurityDescriptor().ToText(entries));
-    EXPECT_EQ(static_cast<DWORD>(ERROR_NOT_SUPPORTED), GetLastError());
-
-    // The mark of an inherited entry alone is no behaviour: the entry is kept.
+    // The mark of an inherited entry alone is no behaviour, and the owner is
+    // not part of the text form: both are read.
     ASSERT_TRUE(FromSddl(L"D:(A;ID;FA;;;BA)").ToText(entries));
-    EXPECT_EQ(T({L"allow,0x001f01ff,S-1-5-32-544"}), entries);
-    // The owner is not part of the text form.
+    EXPECT_EQ(Texts{L"allow,0x001f01ff,S-1-5-32-544"}, entries);
     ASSERT_TRUE(FromSddl(L"O:BAD:(D;;FA;;;WD)").ToText(entries));
-    EXPECT_EQ(T({L"deny,0x001f01ff,S-1-1-0"}), entries);
+    EXPECT_EQ(Texts{L"deny,0x001f01ff,S-1-1-0"}, entries);
 }
 
 TEST(SecurityDescriptorTest, BytesFromOutsideAreCheckedAgainstTheirLength) {

@@ -1,6 +1,5 @@
 // VTextFile against real files: marks, line ends at and across block edges,
-// untranslatable bytes, the exact bytes written in each encoding, and a
-// round trip of random text through every encoding.
+// untranslatable bytes, and the exact bytes written in each encoding.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -40,13 +39,12 @@ protected:
         return name;
     }
 
-    // Every line of a file with the given bytes; error receives the last
-    // error of the read that ended it.
-    Lines ReadAll(const std::string& bytes, VTextEncoding* encoding = nullptr, DWORD* error = nullptr,
-                  bool blockLocking = true) {
+    // Every line of the file; error receives the last error of the read that ended it.
+    static Lines ReadAll(const VUnicodeString& name, VTextEncoding* encoding = nullptr, DWORD* error = nullptr,
+                         bool blockLocking = true) {
         VTextFile file;
         file.SetBlockLocking(blockLocking);
-        EXPECT_TRUE(file.Open(Make(bytes), GENERIC_READ, OPEN_EXISTING));
+        EXPECT_TRUE(file.Open(name, GENERIC_READ, OPEN_EXISTING));
         Lines lines;
         VUnicodeString line;
         while (file.ReadLine(line)) lines.emplace_back(line.c_str(), line.GetLength());
@@ -85,7 +83,6 @@ protected:
     int count_ = 0;
 };
 
-// Marks, line ends and untranslatable bytes within one block.
 TEST_F(TextFileTest, ReadsLinesByTheMarkAndStopsAtBadBytes) {
     constexpr DWORD Eof = ERROR_HANDLE_EOF;
     constexpr DWORD Bad = ERROR_NO_UNICODE_TRANSLATION;
@@ -122,7 +119,7 @@ TEST_F(TextFileTest, ReadsLinesByTheMarkAndStopsAtBadBytes) {
         SCOPED_TRACE(::testing::PrintToString(c.bytes));
         VTextEncoding encoding = TextEncodingUnknown;
         DWORD error = 0;
-        EXPECT_EQ(c.lines, ReadAll(c.bytes, &encoding, &error));
+        EXPECT_EQ(c.lines, ReadAll(Make(c.bytes), &encoding, &error));
         EXPECT_EQ(c.encoding, encoding);
         EXPECT_EQ(c.error, error);
         EXPECT_EQ(c.lines, ReadWhole(c.bytes)) << "the whole file at once reads the same";
@@ -145,13 +142,12 @@ TEST_F(TextFileTest, LinesKeptByTheCallerAreNotOverwrittenByTheNextRead) {
     EXPECT_TRUE(secret.IsSensitive()) << "the caller's string keeps its mark";
 }
 
-// Line ends, characters and bad bytes that the edge between two blocks splits.
 TEST_F(TextFileTest, BlockEdgesSplitNothing) {
     const std::string a(Block - 1, 'a');
     const std::wstring wa(Block - 1, L'a');
     std::string longLine;
     for (size_t i = 0; i < 3 * Block + 17; ++i) longLine += static_cast<char>('a' + i % 26);
-    std::string utf16 = "\xFF\xFE";  // up to the last unit of the block, then a pair across the edge
+    std::string utf16 = "\xFF\xFE";  // up to the block's last unit, then a pair across the edge
     const size_t units = (Block - 2) / 2 - 1;
     for (size_t i = 0; i < units; ++i) utf16 += std::string("y\0", 2);
     std::string loneAtEdge = utf16 + std::string("\x3D\xD8z\0", 4);
@@ -188,7 +184,7 @@ TEST_F(TextFileTest, BlockEdgesSplitNothing) {
         for (const Case& c : cases) {
             SCOPED_TRACE(std::string(c.what) + (locking ? ", block locking" : ""));
             DWORD error = 0;
-            EXPECT_EQ(c.lines, ReadAll(c.bytes, nullptr, &error, locking));
+            EXPECT_EQ(c.lines, ReadAll(Make(c.bytes), nullptr, &error, locking));
             EXPECT_EQ(c.error, error);
         }
     }
@@ -219,7 +215,7 @@ TEST_F(TextFileTest, WritingGivesTheExactBytesOfEachEncoding) {
 
     if (GetACP() != 1252) GTEST_SKIP() << "the expected ANSI bytes are those of code page 1252";
     EXPECT_EQ("A\xE9\x80\r\n", Written(TextEncodingAnsi, L"A\u00e9\u20ac\r\n"));
-    EXPECT_EQ(Lines({L"A\u00e9\u20ac"}), ReadAll("A\xE9\x80\r\n"));
+    EXPECT_EQ(Lines({L"A\u00e9\u20ac"}), ReadAll(Make("A\xE9\x80\r\n")));
     bool ok = true;
     EXPECT_EQ("", Written(TextEncodingAnsi, L"keep a\u0101 out", &ok)) << "no best-fit 'a' for a-macron";
     EXPECT_FALSE(ok);
@@ -300,8 +296,6 @@ TEST_F(TextFileTest, BlockLockingMakesAReaderWaitForAWriterOfTheBlock) {
     EXPECT_EQ(VUnicodeString(L"first"), line);
 }
 
-// Random lines of every kind of character, joined with random line ends,
-// written in each encoding and read back, across many block edges.
 TEST_F(TextFileTest, RandomTextSurvivesWritingAndReadingInEveryEncoding) {
     std::mt19937 random(static_cast<unsigned>(TestSeed("random text")));
     const wchar_t alphabet[] = L"az09 =\"\t\u00e9\u00ff\u0100\u20ac\u4e2d\ufffd";
@@ -330,15 +324,11 @@ TEST_F(TextFileTest, RandomTextSurvivesWritingAndReadingInEveryEncoding) {
             }
             ASSERT_TRUE(file.Flush());
         }
-        VTextFile file;
-        file.SetBlockLocking(encoding != TextEncodingUtf8);
-        ASSERT_TRUE(file.Open(name, GENERIC_READ, OPEN_EXISTING));
-        Lines read;
-        VUnicodeString line;
-        while (file.ReadLine(line)) read.emplace_back(line.c_str(), line.GetLength());
-        EXPECT_EQ(static_cast<DWORD>(ERROR_HANDLE_EOF), GetLastError());
-        EXPECT_EQ(encoding, file.GetEncoding());
-        EXPECT_EQ(lines, read) << "encoding " << encoding;
+        VTextEncoding read = TextEncodingUnknown;
+        DWORD error = 0;
+        EXPECT_EQ(lines, ReadAll(name, &read, &error, encoding != TextEncodingUtf8)) << "encoding " << encoding;
+        EXPECT_EQ(static_cast<DWORD>(ERROR_HANDLE_EOF), error);
+        EXPECT_EQ(encoding, read);
     }
 }
 

@@ -15,8 +15,7 @@ VUnicodeString NameOf(unsigned index, bool isPrivate) {
     return name;
 }
 
-// What generation stores under a name: the writer and generation, and a tail
-// whose length changes with the generation.
+// What generation stores under a name, with a tail whose length changes with it.
 VUnicodeString Text(Generation generation, unsigned index) {
     VUnicodeString text;
     text.FormatPositional(L"writer %1!u! generation %2!u! value %3!u! ", generation.writer, generation.number, index);
@@ -24,8 +23,7 @@ VUnicodeString Text(Generation generation, unsigned index) {
     return text;
 }
 
-// The generation of count values (main or private): the one value 0 names,
-// held by every value. False, with the first wrong one on stderr, otherwise.
+// The generation that value 0 names, when the count values all hold it.
 bool ReadGroup(VProfilePrivateKey& key, unsigned count, bool isPrivate, Generation& generation) {
     VUnicodeString text;
     if (key.GetString(NameOf(0, isPrivate), text))

@@ -1,14 +1,11 @@
-// The values that one save of a generation writes, for the processes that
-// save and load one key together (profile_probe) and the tests that check
-// what they left: every value names its writer and generation, and the texts
-// grow and shrink from one generation to the next, so that a file holding
-// parts of two generations, or cut short, cannot pass for either.
+// The values one save of a generation writes, for profile_probe and the tests
+// that check what it left: every value names its writer and generation, and the
+// texts change length with the generation, so that no mix or cut passes for one.
 #pragma once
 
 #include "VProfilePrivate.h"
 
-// The values of the key that "profile_probe save-generations" saves until
-// it is killed: a few hundred in the main file, beside the private ones.
+// The main values that "profile_probe save-generations" saves, beside the private ones.
 inline constexpr unsigned KillValueCount = 300;
 
 struct Generation {
@@ -20,8 +17,6 @@ struct Generation {
 // with withPrivate, one under each private value name.
 void StoreGeneration(VProfilePrivateKey& key, Generation generation, unsigned count, bool withPrivate);
 
-// The generations that key's values belong to: main (those StoreGeneration
-// stores under "v..." names) and personal (the private ones; withPrivate
-// only). False, with what is wrong on stderr, when a value is missing or
-// belongs to another generation than its group.
+// The generations of key's "v..." values (main) and private ones (personal, with
+// withPrivate only); false, with what is wrong on stderr, when they are mixed.
 bool ReadGeneration(VProfilePrivateKey& key, unsigned count, bool withPrivate, Generation& main, Generation& personal);

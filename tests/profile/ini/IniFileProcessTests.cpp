@@ -1,6 +1,5 @@
-// The INI-file store between processes: profile_probe processes save, load,
-// hold byte-range locks on the same values file as this test, and are killed
-// in the middle of their saves.
+// The INI-file store between processes: profile_probe processes save, load and
+// lock the values file this test uses, and are killed in the middle of saves.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -53,11 +52,9 @@ TEST(IniFileProcesses, ProcessesSavingAndLoadingOneKeyNeverSeeAHalfWrittenFileAn
     EXPECT_EQ(lastSaves[kept.writer], kept.number) << "the file holds an earlier save of writer " << kept.writer;
 }
 
-// Kills a process at random moments while it saves a key of main and private
-// values one generation after the other. Each file must then hold exactly
-// what one save of a generation writes, never an earlier generation than
-// before, and the key must load every value. The private file is replaced
-// first, so it may be one generation ahead of the main file.
+// A process saving one generation after the other is killed at random moments:
+// each file must hold exactly what one save wrote, never older than before. The
+// private file is replaced first, so it may be one generation ahead.
 TEST(IniFileProcesses, AProcessKilledWhileSavingLeavesEachFileWithItsOldOrItsNewContent) {
     std::mt19937 random(static_cast<unsigned>(TestSeed("kill times")));
     const char* count = std::getenv("TRAYWELL_KILL_COUNT");
@@ -98,8 +95,7 @@ TEST(IniFileProcesses, AProcessKilledWhileSavingLeavesEachFileWithItsOldOrItsNew
         const NamedEvent ready;
         const auto helper = Probe(L"save-generations " + Quoted(keyFolder) + L" " + Quoted(privateFolder) + L" " + ready.Name());
         ASSERT_TRUE(ready.WaitSet(GenerousWait, helper.get())) << "exit code " << helper->Wait(0);
-        // Up to about two saves' time: the kill falls anywhere in the first
-        // save, in the values set for the next, or in that one.
+        // Up to about two saves' time, so that the kill falls in the first or the second.
         const LONGLONG delay = static_cast<LONGLONG>(random() % 5000) * frequency.QuadPart / 1000000;
         QueryPerformanceCounter(&start);
         do QueryPerformanceCounter(&now); while (now.QuadPart - start.QuadPart < delay);
@@ -125,8 +121,7 @@ TEST(IniFileProcesses, AProcessKilledWhileSavingLeavesEachFileWithItsOldOrItsNew
     EXPECT_EQ(0u, leftovers()) << "a save removes what killed saves left";
 }
 
-// A values file holding n = 1 and a probe that holds its lock: a load waits
-// for a writer that rewrites the file in place, a save for a reader.
+// A load waits for a writer that rewrites the file in place, a save for a reader.
 TEST(IniFileProcesses, LoadsAndSavesWaitForTheLocksOfOtherProcesses) {
     TempFolder folder;
     const VUnicodeString keyFolder = folder / L"Key", valuesFile = VIniFileKey::ValuesFilePath(keyFolder);
@@ -142,7 +137,6 @@ TEST(IniFileProcesses, LoadsAndSavesWaitForTheLocksOfOtherProcesses) {
         ASSERT_TRUE(locked.WaitSet(GenerousWait, holder.get()));
         uint32_t value = 0;
         if (exclusive) {
-            // The holder has the file cut and rewrites it: the load must wait and see what it wrote.
             VIniFileKey key(keyFolder, VUnicodeString(), true, nullptr);
             EXPECT_TRUE(key.GetDword(VUnicodeString(L"n"), value));
             EXPECT_EQ(2u, value);

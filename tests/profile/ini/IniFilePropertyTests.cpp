@@ -1,6 +1,5 @@
-// Property tests of the INI-file store with seeded random data: random value
-// tables survive a save and a load exactly, and a file cut short or with a
-// broken entry yields exactly the entries before the damage.
+// Seeded random value tables survive a save and a load exactly, and a file
+// cut short or with a broken entry yields exactly the entries before the damage.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -8,7 +7,7 @@
 #include <string>
 
 #include "IniFileFormat.h"
-#include "IniTestValues.h"
+#include "TestValues.h"
 #include "PrivateValueNames.h"
 #include "TempFolder.h"
 #include "TestSeed.h"
@@ -16,9 +15,7 @@
 
 namespace {
 
-// Characters that random text is made of: plain ones and the awkward ones
-// (quotes, equals signs, blanks, tabs, non-ASCII, halves of a surrogate pair
-// that are always put in whole).
+// The characters of random text, the awkward ones included; a pair is put in whole.
 const std::wstring Plain = L"abcXYZ019 =:\"'\t\\#;[]{}-_.,\u00e9\u00df\u4e2d\u0416";
 const std::wstring NonBmp = L"\U0001F600";
 
@@ -55,18 +52,18 @@ public:
 
     TestValue Value() {
         switch (Below(4)) {
-        case 0: return TestValue::Dword(static_cast<uint32_t>(random_()));
-        case 1: return TestValue::String(Text(OneIn(3) ? 0 : 60));
+        case 0: return D(static_cast<uint32_t>(random_()));
+        case 1: return S(Text(OneIn(3) ? 0 : 60));
         case 2: {
             static const size_t lengths[] = {0, 1, 31, 32, 33, 63, 64, 65, 100};
             std::vector<uint8_t> bytes(OneIn(2) ? lengths[Below(std::size(lengths))] : Below(300));
             for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random_());
-            return TestValue::Binary(std::move(bytes));
+            return B(std::move(bytes));
         }
         default: {
             std::vector<std::wstring> strings(Below(5));
             for (std::wstring& string : strings) string = OneIn(3) ? std::wstring() : Text(30);
-            return TestValue::MultiString(std::move(strings));
+            return Z(std::move(strings));
         }
         }
     }
@@ -82,8 +79,6 @@ private:
     std::mt19937_64 random_;
 };
 
-VUnicodeString V(const std::wstring& text) { return VUnicodeString(text.c_str(), text.size()); }
-
 TEST(IniFileProperties, RandomTablesSurviveSaveAndLoadExactly) {
     RandomValues random(TestSeed("random tables"));
     TempFolder folder;
@@ -96,7 +91,7 @@ TEST(IniFileProperties, RandomTablesSurviveSaveAndLoadExactly) {
         {
             VIniFileKey key(keyFolder, privateFolder, false, nullptr);
             // Start from what the previous round left, so deletions are saved too.
-            for (const auto& [name, value] : ReadAllValues(key)) ASSERT_TRUE(key.DeleteValue(V(name)));
+            for (const auto& [name, value] : ReadAllValues(key)) ASSERT_TRUE(key.DeleteValue(name.c_str()));
             for (const auto& [name, value] : values) ASSERT_TRUE(StoreValue(key, name, value));
             ASSERT_TRUE(key.Flush()) << key.GetLastErrorParams().GetMessageCode();
         }
@@ -110,7 +105,6 @@ struct BuiltFile {
     struct Line {
         size_t start;       // first byte
         size_t contentEnd;  // the CR of its CR LF
-        std::wstring text;
     };
     struct Entry {
         std::wstring name;
@@ -120,12 +114,6 @@ struct BuiltFile {
     std::string bytes;
     std::vector<Entry> entries;
 
-    // The entry that holds byte offset, or entries.size() past the last one.
-    size_t EntryAt(size_t offset) const {
-        for (size_t i = 0; i < entries.size(); ++i)
-            if (offset < entries[i].lines.back().contentEnd + 2) return i;
-        return entries.size();
-    }
     TestValues Before(size_t entry) const {
         TestValues values;
         for (size_t i = 0; i < entry; ++i) values[entries[i].name] = entries[i].value;
@@ -162,54 +150,13 @@ BuiltFile Build(const TestValues& values) {
             const std::wstring line = all.substr(start, end - start);
             const size_t byteStart = file.bytes.size();
             file.bytes += Utf8(line);
-            entry.lines.push_back({byteStart, file.bytes.size(), line});
+            entry.lines.push_back({byteStart, file.bytes.size()});
             file.bytes += "\r\n";
             start = end + 2;
         }
         file.entries.push_back(std::move(entry));
     }
     return file;
-}
-
-// The characters of line that lie wholly before byte cut (counted from the
-// line's start): a character cut in half cannot be translated and is lost.
-std::wstring WholeCharactersBefore(const std::wstring& line, size_t cut) {
-    size_t bytes = 0;
-    size_t characters = 0;
-    while (characters < line.size()) {
-        const bool pair = characters + 1 < line.size() && line[characters] >= 0xD800 && line[characters] <= 0xDBFF;
-        const size_t width = pair ? 2 : 1;
-        const size_t size = Utf8(line.substr(characters, width)).size();
-        if (bytes + size > cut) break;
-        bytes += size;
-        characters += width;
-    }
-    return line.substr(0, characters);
-}
-
-// What survives of file cut at byte offset cut.
-TestValues ExpectedAfterTruncation(const BuiltFile& file, size_t cut) {
-    const size_t index = file.EntryAt(cut);
-    TestValues expected = file.Before(index);
-    if (index == file.entries.size()) return expected;
-    const BuiltFile::Entry& entry = file.entries[index];
-    const BuiltFile::Line& last = entry.lines.back();
-    if (cut >= last.contentEnd) {
-        expected[entry.name] = entry.value;  // only the line end was lost
-    } else if (entry.value.kind == ProfileString) {
-        // The field starts after 'S:"', the name, '"='.
-        const size_t fieldStart = last.start + Utf8(L"S:\"" + entry.name + L"\"=").size();
-        if (cut >= fieldStart) {
-            const std::wstring field = last.text.substr(entry.name.size() + 5);
-            expected[entry.name] = TestValue::String(WholeCharactersBefore(field, cut - fieldStart));
-        }
-    } else if (entry.value.kind == ProfileMultiString && entry.lines.size() > 1 && cut > last.start) {
-        // The last string lost its end; the blank before it is there.
-        TestValue shortened = entry.value;
-        shortened.strings.back() = WholeCharactersBefore(last.text.substr(1), cut - last.start - 1);
-        expected[entry.name] = shortened;
-    }
-    return expected;
 }
 
 TestValues Load(const TempFolder& folder, const std::string& bytes) {
@@ -225,12 +172,20 @@ protected:
     TempFolder folder_;
 };
 
-TEST_F(DamagedFiles, ATruncatedFileYieldsTheEntriesBeforeTheCut) {
+// Cut before a line or before its line end: only an entry whose lines are all
+// there is read, the one cut short and what follows it are gone.
+TEST_F(DamagedFiles, AFileCutShortYieldsTheEntriesBeforeTheCut) {
     for (int round = 0; round < 150; ++round) {
         const BuiltFile file = Build(random_.Table(12));
-        const size_t cut = 3 + random_.Below(file.bytes.size() - 2);
+        if (file.entries.empty()) continue;
+        const size_t index = random_.Below(file.entries.size());
+        const std::vector<BuiltFile::Line>& lines = file.entries[index].lines;
+        const size_t line = random_.Below(lines.size());
+        const bool beforeLineEnd = random_.OneIn(2);
+        const size_t cut = beforeLineEnd ? lines[line].contentEnd : lines[line].start;
         SCOPED_TRACE("round " + std::to_string(round) + ", cut at " + std::to_string(cut));
-        ASSERT_EQ(ExpectedAfterTruncation(file, cut), Load(folder_, file.bytes.substr(0, cut)));
+        const bool whole = beforeLineEnd && line + 1 == lines.size();
+        ASSERT_EQ(file.Before(index + whole), Load(folder_, file.bytes.substr(0, cut)));
     }
 }
 

@@ -1,7 +1,5 @@
-// The family's fixed registry places, read with HKEY_LOCAL_MACHINE and
-// HKEY_CURRENT_USER redirected into a sandbox, so that the tests can fill
-// both hives freely: the base lookup order, policy precedence, application
-// settings with their older location, and the process-wide factory slots.
+// The family's fixed registry places, with HKEY_LOCAL_MACHINE and
+// HKEY_CURRENT_USER redirected into a sandbox that the tests fill freely.
 #include <gtest/gtest.h>
 
 #include "RegistrySandbox.h"
@@ -14,18 +12,15 @@ namespace {
 
 class RegistrySettingsTest : public ::testing::Test {
 protected:
-    // Creates hive\path (already redirected into the sandbox), with a value when name is given.
-    static void Create(HKEY hive, const wchar_t* path, const wchar_t* name = nullptr, uint32_t value = 0) {
+    // Creates hive\path, with a number or a text under name when name is given.
+    static void Create(HKEY hive, const wchar_t* path, const wchar_t* name = nullptr, uint32_t value = 0,
+                       const wchar_t* text = nullptr) {
         VRegistryKey key;
         ASSERT_TRUE(key.Create(hive, path, KEY_ALL_ACCESS, nullptr));
-        if (name) {
-            ASSERT_TRUE(key.SetDword(name, value));
-        }
+        ASSERT_TRUE(!name || (text ? key.SetString(name, text) : key.SetDword(name, value)));
     }
     static void SetString(HKEY hive, const wchar_t* path, const wchar_t* name, const wchar_t* text) {
-        VRegistryKey key;
-        ASSERT_TRUE(key.Create(hive, path, KEY_ALL_ACCESS, nullptr));
-        ASSERT_TRUE(key.SetString(name, text));
+        Create(hive, path, name, 0, text);
     }
 
     RegistrySandbox sandbox_;
@@ -46,7 +41,7 @@ void ExpectBase(HKEY hive, const wchar_t* path) {
 
 TEST_F(RegistrySettingsTest, TheFirstOfTheFourBasePlacesThatExistsWins) {
     ExpectBase(HKEY_CURRENT_USER, Family);  // none exists
-    EXPECT_FALSE(RawKeyExists(HKEY_CURRENT_USER, Family));  // and looking created nothing
+    EXPECT_FALSE(RawKeyExists(HKEY_CURRENT_USER, Family)) << "looking created it";
     // Created from the last place to the first, each new one takes over.
     const RegistryPlace places[] = {{HKEY_LOCAL_MACHINE, OlderFamily},
                                     {HKEY_CURRENT_USER, OlderFamily},
@@ -103,8 +98,7 @@ TEST_F(RegistrySettingsTest, OnlyTheTerminalClientLooksInTheOlderLocation) {
     EXPECT_EQ(GetApplicationSettingString(L"Folder", L"TERMWRIGHT Pro", L"Paths", L"default"), L"own");
 }
 
-// Start-up's use: the factory for the family's hive is the current one until
-// an INI-file factory is set, and stores made without a factory use it.
+// At start-up, stores made without a factory use the registry's until an INI-file one is set.
 TEST_F(RegistrySettingsTest, StoresUseTheRegistryUntilAnIniFileFactoryIsSet) {
     Create(HKEY_LOCAL_MACHINE, Family);  // a machine-wide installation only
     VRegistryStoreFactory registry(nullptr, Family);

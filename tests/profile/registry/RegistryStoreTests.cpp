@@ -1,7 +1,5 @@
-// What only the registry back end does, on Wine's real registry: the registry
-// types and bytes it writes and accepts, the write-else-read opening, names
-// longer than the first buffer, and key security. What every back end shares
-// is in the store behaviour suite.
+// What only the registry back end does, on Wine's real registry; what every
+// back end shares is in the store behaviour suite.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -23,12 +21,6 @@ protected:
 
     RegistrySandbox sandbox_;
 };
-
-template <size_t N>
-std::vector<BYTE> BytesOf(const wchar_t (&text)[N]) {
-    const auto* bytes = reinterpret_cast<const BYTE*>(text);
-    return std::vector<BYTE>(bytes, bytes + sizeof text);
-}
 
 VArray<VUnicodeString> EntriesOf(const VSecurityDescriptor& descriptor) {
     VArray<VUnicodeString> entries;
@@ -56,9 +48,9 @@ TEST_F(RegistryStoreTest, EachKindIsStoredWithItsRegistryTypeAndBytes) {
         std::vector<BYTE> data;
     } cases[] = {
         {L"number", REG_DWORD, {0xEF, 0xBE, 0xAD, 0xDE}},
-        {L"text", REG_SZ, BytesOf(L"caf\u00e9")},  // with its terminator
+        {L"text", REG_SZ, {'c', 0, 'a', 0, 'f', 0, 0xE9, 0, 0, 0}},  // with its terminator
         {L"bytes", REG_BINARY, std::vector<BYTE>(bytes, bytes + sizeof bytes)},
-        {L"list", REG_MULTI_SZ, BytesOf(L"a\0bc\0")},  // the array's terminator is the final zero
+        {L"list", REG_MULTI_SZ, {'a', 0, 0, 0, 'b', 0, 'c', 0, 0, 0, 0, 0}},  // ends with an empty string
     };
     for (const auto& c : cases) {
         std::vector<BYTE> data;
@@ -68,8 +60,7 @@ TEST_F(RegistryStoreTest, EachKindIsStoredWithItsRegistryTypeAndBytes) {
 }
 
 TEST_F(RegistryStoreTest, ValuesWrittenByOtherToolsAreReadAsTheyMeantThem) {
-    // Strings without terminators, a list without its final empty string, and
-    // a type the store does not use.
+    // No terminators, no final empty string, and a type the store does not use.
     const wchar_t unterminated[] = {L'a', L'b'};
     RawSetValue(sandbox_.Get(), L"text", REG_SZ, unterminated, sizeof unterminated);
     const wchar_t list[] = {L'x', L'\0', L'y', L'z'};

@@ -1,8 +1,5 @@
-// The cross-process lock, the memory-mapped buffer and the shared-memory
-// cache: the lock's ownership, the fill level's limits, the refusal of a
-// block smaller than asked for, the block's layout and names, and the cache
-// shared with profile_probe processes that count as holders and serialise a
-// counter under its lock. Every wait is bounded.
+// The cross-process lock, the memory-mapped buffer and the shared-memory cache,
+// also shared with profile_probe processes. Every wait is bounded.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -29,11 +26,11 @@ VRefPtr<VMemoryMappedBuffer> MakeBuffer(const VUnicodeString& name, size_t size,
     return VRefPtr<VMemoryMappedBuffer>::Adopt(new VMemoryMappedBuffer(name.c_str(), lock, size, nullptr));
 }
 
-// The cache, and the thread's last error right after its creation.
-VRefPtr<VSharedMemoryCache> OpenCache(const VUnicodeString& name, size_t size, DWORD& outcome) {
+// The cache, checking the last error that its creation leaves.
+VRefPtr<VSharedMemoryCache> OpenCache(const VUnicodeString& name, size_t size, DWORD expected = 0) {
     SetLastError(0xDEAD);
     auto cache = VRefPtr<VSharedMemoryCache>::Adopt(new VSharedMemoryCache(name, size));
-    outcome = GetLastError();
+    EXPECT_EQ(GetLastError(), expected) << "creating " << size << " bytes";
     return cache;
 }
 
@@ -118,10 +115,8 @@ TEST(SharedMemory, AnExistingBlockIsSharedUpToItsSizeAndRefusedBeyond) {
     EXPECT_EQ(any->GetCapacity(), capacity);
 
     const VUnicodeString cacheName = UniqueObjectName(L"cache");
-    DWORD outcome = 0;
-    auto cache = OpenCache(cacheName, 64, outcome);
-    auto refused = OpenCache(cacheName, 256 * 1024, outcome);
-    EXPECT_EQ(outcome, static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
+    auto cache = OpenCache(cacheName, 64);
+    auto refused = OpenCache(cacheName, 256 * 1024, ERROR_INSUFFICIENT_BUFFER);
     EXPECT_EQ(refused->GetData(), nullptr);
     EXPECT_FALSE(refused->Lock());
     EXPECT_EQ(Probe(L"open " + cacheName + L" 262144")->Wait(ProcessWait), static_cast<long>(ERROR_INSUFFICIENT_BUFFER));
@@ -132,9 +127,7 @@ TEST(SharedMemory, TheCacheBlockHoldsTheHolderCountThenTheDataUnderTheUsersNames
     VUnicodeString user;
     ASSERT_TRUE(GetCurrentUserSidString(user));
     const VUnicodeString name = UniqueObjectName(L"cache");
-    DWORD outcome = 0;
-    auto cache = OpenCache(name, 32, outcome);
-    ASSERT_EQ(outcome, 0u);
+    auto cache = OpenCache(name, 32);
     std::memset(cache->GetData(), 0x42, 32);
     auto block = MakeBuffer(name + user, VMemoryMappedBuffer::AnySize);
     ASSERT_TRUE(block->IsMapped());
@@ -149,8 +142,7 @@ TEST(SharedMemory, TheCacheBlockHoldsTheHolderCountThenTheDataUnderTheUsersNames
     // Once nobody holds it, a block starts again from zeros, at any size.
     cache = nullptr;
     block = nullptr;
-    auto again = OpenCache(name, 128, outcome);
-    ASSERT_EQ(outcome, 0u);
+    auto again = OpenCache(name, 128);
     EXPECT_EQ(again->GetHolderCount(), 1u);
     const auto* data = static_cast<const BYTE*>(again->GetData());
     EXPECT_TRUE(std::all_of(data, data + 128, [](BYTE b) { return b == 0; }));
@@ -158,9 +150,7 @@ TEST(SharedMemory, TheCacheBlockHoldsTheHolderCountThenTheDataUnderTheUsersNames
 
 TEST(SharedMemory, ProcessesShareTheCacheWithoutClearingItAndCountAsHoldersWhileTheyHoldIt) {
     const VUnicodeString name = UniqueObjectName(L"cache");
-    DWORD outcome = 0;
-    auto cache = OpenCache(name, 256, outcome);
-    ASSERT_EQ(outcome, 0u);
+    auto cache = OpenCache(name, 256);
     ASSERT_TRUE(cache->Lock());
     std::memset(cache->GetData(), 0xA5, 64);
     cache->Unlock();
@@ -184,9 +174,7 @@ TEST(SharedMemory, ProcessesShareTheCacheWithoutClearingItAndCountAsHoldersWhile
 TEST(SharedMemory, TheLockSerialisesACounterAcrossProcesses) {
     constexpr uint32_t Processes = 4, Times = 2000;
     const VUnicodeString name = UniqueObjectName(L"cache");
-    DWORD outcome = 0;
-    auto cache = OpenCache(name, sizeof(uint32_t), outcome);  // holds the block for all of them
-    ASSERT_EQ(outcome, 0u);
+    auto cache = OpenCache(name, sizeof(uint32_t));  // holds the block for all of them
     NamedEvent go;
     std::vector<std::unique_ptr<ChildProcess>> probes;
     for (uint32_t i = 0; i < Processes; ++i) probes.push_back(Probe(L"count " + name + L" 4 " + go.Name() + L" 2000"));

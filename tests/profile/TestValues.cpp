@@ -1,8 +1,8 @@
-#include "IniTestValues.h"
+#include "TestValues.h"
 
 #include <gtest/gtest.h>
 
-#include "VIniFileKeyIterator.h"
+#include "VProfilePrivate.h"
 
 void PrintTo(const TestValue& value, std::ostream* out) {
     switch (value.kind) {

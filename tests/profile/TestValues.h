@@ -1,5 +1,5 @@
-// Test-side picture of the values of an INI-file key: plain std types that
-// GoogleTest can compare and print, filled through the key's own interface.
+// Test-side picture of a key's values: plain std types that GoogleTest can
+// compare and print, filled through the key's own interface.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "VIniFileKey.h"
+#include "VProfilePrivate.h"
 
 struct TestValue {
     uint32_t kind = ProfileDword;
@@ -17,16 +17,14 @@ struct TestValue {
     std::vector<uint8_t> bytes;
     std::vector<std::wstring> strings;
 
-    static TestValue Dword(uint32_t value) { return {ProfileDword, value, {}, {}, {}}; }
-    static TestValue String(std::wstring text) { return {ProfileString, 0, std::move(text), {}, {}}; }
-    static TestValue Binary(std::vector<uint8_t> bytes) { return {ProfileBinary, 0, {}, std::move(bytes), {}}; }
-    static TestValue MultiString(std::vector<std::wstring> strings) {
-        return {ProfileMultiString, 0, {}, {}, std::move(strings)};
-    }
-
     bool operator==(const TestValue& other) const = default;
 };
 void PrintTo(const TestValue& value, std::ostream* out);
+
+inline TestValue D(uint32_t value) { return {ProfileDword, value, {}, {}, {}}; }
+inline TestValue S(std::wstring text) { return {ProfileString, 0, std::move(text), {}, {}}; }
+inline TestValue B(std::vector<uint8_t> bytes) { return {ProfileBinary, 0, {}, std::move(bytes), {}}; }
+inline TestValue Z(std::vector<std::wstring> strings) { return {ProfileMultiString, 0, {}, {}, std::move(strings)}; }
 
 using TestValues = std::map<std::wstring, TestValue>;
 
