@@ -1,14 +1,6 @@
 #include "ChildProcess.h"
 
 #include <atomic>
-#include <cwchar>
-
-VUnicodeString BesideThisProgram(const wchar_t* name) {
-    wchar_t path[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    const wchar_t* slash = std::wcsrchr(path, L'\\');
-    return VUnicodeString(path, slash ? static_cast<size_t>(slash - path + 1) : 0) + name;
-}
 
 ChildProcess::ChildProcess(const VUnicodeString& program, const VUnicodeString& arguments) {
     VUnicodeString commandLine = L"\"" + program + L"\" " + arguments;

@@ -9,10 +9,6 @@
 #include "VString.h"
 #include "Win32Handle.h"
 
-// The path of the program name in the folder of the running test program,
-// where the build puts the helper programs.
-VUnicodeString BesideThisProgram(const wchar_t* name);
-
 // How long a test waits for what another process does: long enough for a
 // machine busy with other builds.
 inline constexpr DWORD WaitLimit = 15000;

@@ -7,6 +7,7 @@
 #include "ChildProcess.h"
 #include "FileSystem.h"
 #include "ProfileProbe.h"
+#include "ProgramFolder.h"
 #include "TempFolder.h"
 #include "VFile.h"
 #include "Win32Handle.h"
@@ -51,7 +52,7 @@ long ProbeLock(const VUnicodeString& file, uint64_t offset, uint64_t length, boo
     VUnicodeString arguments;
     arguments.FormatPrintf(MAX_PATH + 64, L"lock \"%ls\" %llu %llu %ls", file.c_str(), offset, length,
                            exclusive ? L"exclusive" : L"shared");
-    return ChildProcess(BesideThisProgram(L"profile_probe.exe"), arguments).Wait(30000);
+    return ChildProcess(GetPathBesideProgram(L"profile_probe.exe"), arguments).Wait(30000);
 }
 
 class FileTest : public ::testing::Test {

@@ -12,6 +12,7 @@
 
 #include "ChildProcess.h"
 #include "GenerationValues.h"
+#include "ProgramFolder.h"
 #include "TempFolder.h"
 #include "TestSeed.h"
 #include "VIniFileKey.h"
@@ -21,7 +22,7 @@ namespace {
 constexpr DWORD GenerousWait = 60000;  // for a process that should end soon
 
 std::unique_ptr<ChildProcess> Probe(const VUnicodeString& arguments) {
-    auto probe = std::make_unique<ChildProcess>(BesideThisProgram(L"profile_probe.exe"), arguments);
+    auto probe = std::make_unique<ChildProcess>(GetPathBesideProgram(L"profile_probe.exe"), arguments);
     EXPECT_TRUE(probe->IsRunning()) << "error " << probe->StartError();
     return probe;
 }

@@ -10,6 +10,7 @@
 
 #include "ChildProcess.h"
 #include "ProfileProbe.h"
+#include "ProgramFolder.h"
 #include "VIpcLock.h"
 #include "VMemoryMappedBuffer.h"
 #include "VSecurityDescriptor.h"
@@ -43,7 +44,7 @@ uint32_t ReadLocked(VSharedMemoryCache& cache, size_t offset) {
 }
 
 std::unique_ptr<ChildProcess> Probe(const VUnicodeString& arguments) {
-    auto probe = std::make_unique<ChildProcess>(BesideThisProgram(L"profile_probe.exe"), L"cache " + arguments);
+    auto probe = std::make_unique<ChildProcess>(GetPathBesideProgram(L"profile_probe.exe"), L"cache " + arguments);
     EXPECT_TRUE(probe->IsRunning()) << "error " << probe->StartError();
     return probe;
 }
