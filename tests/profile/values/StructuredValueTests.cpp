@@ -1,6 +1,4 @@
-// The structured values: their binary blocks laid out as the system's
-// structures and their state texts, round trips through real INI-file keys,
-// and the damaged blocks and texts that reading refuses.
+// The structured values: their stored layouts, round trips and damaged blocks and texts.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -40,15 +38,10 @@ protected:
         EXPECT_TRUE(VListViewState::Parse(L"1,0;200,80,120;0,2,1", listView_));
     }
 
-    // Saves value (forced), then loads it into a fresh value of the same kind
-    // that starts from its default.
     template <class Value>
     void ExpectRoundTrip(const Value& value) {
         SCOPED_TRACE(VString(value.GetName()).c_str());
-        {
-            Value copy(value);
-            EXPECT_TRUE(copy.Save(*store_.OpenKey(), true));
-        }
+        EXPECT_TRUE(Value(value).Save(*store_.OpenKey(), true));
         Value loaded(value.GetName());
         EXPECT_TRUE(loaded.Load(*store_.OpenKey()));
         EXPECT_EQ(loaded.Get(), value.Get());
@@ -60,8 +53,6 @@ protected:
         return block;
     }
 
-    // Stores the value's own block changed by damage and expects the load to
-    // refuse it, leaving the value as it was.
     template <class Value, class Damage>
     void ExpectRefused(Value value, Damage damage) {
         SCOPED_TRACE(VString(value.GetName()).c_str());
@@ -70,12 +61,9 @@ protected:
         damage(block);
         const typename Value::Value before = value.Get();
         auto key = store_.OpenKey();
-        ASSERT_TRUE(
-            key->SetBinary(value.GetName(), block.data(), static_cast<uint32_t>(block.size())));
-        EXPECT_FALSE(value.Load(*key));
-        EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(),
-                  static_cast<DWORD>(CONFIG_VALUE_NOT_CONVERTIBLE));
-        EXPECT_TRUE(value.Get() == before);
+        ASSERT_TRUE(key->SetBinary(value.GetName(), block.data(), uint32_t(block.size())));
+        EXPECT_FALSE(value.Load(*key) || !(value.Get() == before));
+        EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(), DWORD{CONFIG_VALUE_NOT_CONVERTIBLE});
     }
 
     static uint32_t Dword(const VBinaryBlock& block, size_t offset) {
@@ -126,10 +114,9 @@ TEST_F(StructuredValueTest, EveryKindRoundTripsAndIsStoredAsTheSystemsLayout) {
     const VBinaryBlock font = StoredBlock(L"Normal Font v2");
     EXPECT_EQ(font[20], TRUE);
     EXPECT_EQ(std::memcmp(font.data() + 28, L"Lucida Console", 15 * sizeof(wchar_t)), 0);
-    EXPECT_EQ(store_.StoredText(L"Remote ExplorerFrame State"), VUnicodeString(L"1,1000,200"));
-    EXPECT_EQ(store_.StoredText(L"Termwright Tab State V2"), VUnicodeString(L"1,1,0;0,-1,300;"));
-    EXPECT_EQ(store_.StoredText(L"Traywell Agent Keys ListView State"),
-              VUnicodeString(L"1,0;200,80,120;0,2,1"));
+    EXPECT_TRUE(store_.StoredText(L"Remote ExplorerFrame State") == L"1,1000,200" &&
+                store_.StoredText(L"Termwright Tab State V2") == L"1,1,0;0,-1,300;" &&
+                store_.StoredText(L"Traywell Agent Keys ListView State") == L"1,0;200,80,120;0,2,1");
 }
 
 TEST_F(StructuredValueTest, DamagedBlocksAreRefused) {
@@ -181,40 +168,38 @@ TEST_F(StructuredValueTest, StateTextsParseAsWrittenAndMalformedOnesAreRefused) 
         EXPECT_EQ(tabs.Format(), text);
     }
     VArray<int> numbers;
-    EXPECT_TRUE(StateText::ParseIntegers(L"2147483647,-2147483648", numbers));
-    EXPECT_EQ(numbers, (VArray<int>{INT_MAX, INT_MIN}));
+    EXPECT_TRUE(StateText::ParseIntegers(L"2147483647,-2147483648", numbers) &&
+                numbers == VArray<int>({INT_MAX, INT_MIN}));
     EXPECT_FALSE(StateText::ParseIntegers(L"2147483648", numbers)) << "beyond an int, not wrapped round";
     VListViewState empty;
-    ASSERT_TRUE(VListViewState::Parse(L"", empty));
-    EXPECT_TRUE(empty.IsEmpty());
+    EXPECT_TRUE(VListViewState::Parse(L"", empty) && empty.IsEmpty());
 
     const VPaneState before{false, 7, 8};
     for (const wchar_t* text : {L"", L"1,2", L"1,2,3,4", L"2,0,0", L"1,-2,0", L"1,0,-2", L"1, 0,0",
                                 L"1,0,x", L"1,,0", L"1,0,99999999999", L"1;0;0"}) {
         VPaneState state = before;
-        EXPECT_FALSE(VPaneState::Parse(text, state)) << VString(VUnicodeString(text)).c_str();
-        EXPECT_EQ(state, before);
+        EXPECT_FALSE(VPaneState::Parse(text, state) || !(state == before))
+            << VString(VUnicodeString(text)).c_str();
     }
     for (const wchar_t* text : {L"1,1,0;1,1,0", L";", L"1,1,0;;", L"1,1;", L"1,1,0,"}) {
         VTabStateList tabs;
         tabs.groups.Add(before);
-        EXPECT_FALSE(VTabStateList::Parse(text, tabs)) << VString(VUnicodeString(text)).c_str();
-        EXPECT_EQ(tabs.groups.GetCount(), 1u);
+        EXPECT_FALSE(VTabStateList::Parse(text, tabs) || tabs.groups.GetCount() != 1u)
+            << VString(VUnicodeString(text)).c_str();
     }
     for (const wchar_t* text :
          {L"1,0;200,80;0,0", L"1,0;200,80;0,2", L"1,0;200,80;0", L"2,1;200,80;0,1",
           L"-2,1;200,80;0,1", L"0,2;200,80;0,1", L"0,1;-5,80;0,1", L"0,1;;", L"0,1;200;0;",
           L"0;200;0", L"0,1,2;200;0"}) {
         VListViewState refused;
-        EXPECT_FALSE(VListViewState::Parse(text, refused)) << VString(VUnicodeString(text)).c_str();
-        EXPECT_TRUE(refused.IsEmpty());
+        EXPECT_FALSE(VListViewState::Parse(text, refused) || !refused.IsEmpty())
+            << VString(VUnicodeString(text)).c_str();
     }
 
     auto key = store_.OpenKey();
     ASSERT_TRUE(key->SetString(L"Remote ExplorerFrame State", L"garbage"));
     VProfileExplorerFrameState damaged(L"Remote ExplorerFrame State", VPaneState{true, 5, 6});
-    EXPECT_FALSE(damaged.Load(*key));
-    EXPECT_EQ(damaged.Get(), (VPaneState{true, 5, 6}));
+    EXPECT_FALSE(damaged.Load(*key) || !(damaged.Get() == VPaneState{true, 5, 6}));
 }
 
 }  // namespace

@@ -1,6 +1,4 @@
-// The life of a typed value against real INI-file keys: unchanged, edited,
-// accepted, stored; what Save writes and when; copies and assignment; reads
-// of absent and narrowed values; SetFromText.
+// The life of a typed value against real INI-file keys.
 #include <gtest/gtest.h>
 
 #include <typeinfo>
@@ -38,12 +36,9 @@ TEST_F(TypedValueStateTest, OnlyEditedOrAcceptedValuesAreWrittenAndOnlyOnce) {
     EXPECT_EQ(store_.ValuesFile(), "");
 
     timeout.Set(240);  // edited
-    EXPECT_TRUE(timeout.IsChanged());
-    EXPECT_FALSE(timeout.IsModified());
+    EXPECT_TRUE(timeout.IsChanged() && !timeout.IsModified());
     timeout.Commit();  // accepted
-    EXPECT_FALSE(timeout.IsChanged());
-    EXPECT_TRUE(timeout.IsModified());
-    EXPECT_EQ(timeout.GetSaved(), 240u);
+    EXPECT_TRUE(!timeout.IsChanged() && timeout.IsModified() && timeout.GetSaved() == 240u);
     title.Set(L"A");  // edited only; texts compare with case
 
     auto key = store_.OpenKey();
@@ -70,8 +65,7 @@ TEST_F(TypedValueStateTest, AFailedWriteLosesNothing) {
     auto readOnly = store_.OpenKey(true);
     ASSERT_TRUE(readOnly->IsOpen());
     EXPECT_FALSE(rows.Save(*readOnly, false));
-    EXPECT_EQ(readOnly->GetLastErrorParams().GetMessageCode(),
-              static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(readOnly->GetLastErrorParams().GetMessageCode(), DWORD{ERROR_ACCESS_DENIED});
     EXPECT_TRUE(rows.IsModified());
 
     EXPECT_TRUE(rows.Save(*store_.OpenKey(), false)) << "a later save still writes it";
@@ -85,13 +79,11 @@ TEST_F(TypedValueStateTest, CopiesKeepEveryFlagAssignmentKeepsItsOwnModifiedFlag
     source.SetUserFlag(false);
 
     const VProfileString copy(source);
-    EXPECT_TRUE(copy.IsModified());
-    EXPECT_FALSE(copy.GetUserFlag());
+    EXPECT_TRUE(copy.IsModified() && !copy.GetUserFlag());
 
     VProfileString target(L"Other", L"x");
     target = source;
-    EXPECT_EQ(target.GetName(), L"Answerback");
-    EXPECT_FALSE(target.GetUserFlag());
+    EXPECT_TRUE(target.GetName() == L"Answerback" && !target.GetUserFlag());
     EXPECT_FALSE(target.IsModified()) << "assignment keeps the target's pending-save state";
 
     VProfile<int> modifiedTarget(L"Rows", 1);
@@ -106,8 +98,7 @@ TEST_F(TypedValueStateTest, CopyFromTakesTheCurrentValueOfTheSameKindOnly) {
     VProfile<unsigned short> other(L"Other Port", 2222);
     other.Set(8022);
     port.CopyFrom(other);
-    EXPECT_EQ(port.Get(), 8022);
-    EXPECT_EQ(port.GetSaved(), 22) << "only the current value is copied";
+    EXPECT_TRUE(port.Get() == 8022 && port.GetSaved() == 22) << "only the current value is copied";
 
     VProfile<short> differentType(L"Port", 1);
     EXPECT_THROW(port.CopyFrom(differentType), std::bad_cast);
@@ -126,9 +117,7 @@ TEST_F(TypedValueStateTest, LoadingMakesTheValueUnchangedAndAbsentValuesKeepTheD
     timeout.Set(5);
     timeout.Commit();
     ASSERT_TRUE(timeout.Load(*key));
-    EXPECT_EQ(timeout.Get(), 30u);
-    EXPECT_EQ(timeout.GetSaved(), 30u);
-    EXPECT_FALSE(timeout.IsModified());
+    EXPECT_TRUE(timeout.Get() == 30u && timeout.GetSaved() == 30u && !timeout.IsModified());
 
     VProfileString logFile(L"Log File", L"log.txt");
     EXPECT_FALSE(logFile.Load(*key));
@@ -138,9 +127,7 @@ TEST_F(TypedValueStateTest, LoadingMakesTheValueUnchangedAndAbsentValuesKeepTheD
     VProfile<unsigned long> retries(L"Retries", 1);
     retries.Set(2);
     EXPECT_FALSE(retries.Load(*key, 300));
-    EXPECT_EQ(retries.Get(), 300u);
-    EXPECT_EQ(retries.GetSaved(), 300u);
-    EXPECT_FALSE(retries.IsModified());
+    EXPECT_TRUE(retries.Get() == 300u && retries.GetSaved() == 300u && !retries.IsModified());
 }
 
 TEST_F(TypedValueStateTest, ScalarsAreWidenedOnWritingAndNarrowedOnReading) {
@@ -154,10 +141,9 @@ TEST_F(TypedValueStateTest, ScalarsAreWidenedOnWritingAndNarrowedOnReading) {
              std::initializer_list<VProfileData*>{&offset, &position, &alpha, &blink})
             EXPECT_TRUE(value->Save(*key, true));
     }
-    EXPECT_EQ(store_.StoredNumber(L"Offset"), 0xFFFFFFFEu);
-    EXPECT_EQ(store_.StoredNumber(L"Position"), static_cast<uint32_t>(-100));
-    EXPECT_EQ(store_.StoredNumber(L"Alpha"), 200u);
-    EXPECT_EQ(store_.StoredNumber(L"Blink"), 1u);
+    EXPECT_TRUE(store_.StoredNumber(L"Offset") == 0xFFFFFFFEu &&
+                store_.StoredNumber(L"Position") == static_cast<uint32_t>(-100) &&
+                store_.StoredNumber(L"Alpha") == 200u && store_.StoredNumber(L"Blink") == 1u);
 
     auto key = store_.OpenKey();
     key->SetDword(L"Alpha", 0x1FF);
@@ -168,9 +154,7 @@ TEST_F(TypedValueStateTest, ScalarsAreWidenedOnWritingAndNarrowedOnReading) {
     VProfile<bool> blinkRead(L"Blink", false);
     ASSERT_TRUE(offsetRead.Load(*key) && positionRead.Load(*key) && alphaRead.Load(*key) &&
                 blinkRead.Load(*key));
-    EXPECT_EQ(offsetRead.Get(), -2);
-    EXPECT_EQ(positionRead.Get(), -100);
-    EXPECT_EQ(alphaRead.Get(), 0xFF);
+    EXPECT_TRUE(offsetRead.Get() == -2 && positionRead.Get() == -100 && alphaRead.Get() == 0xFF);
     EXPECT_TRUE(blinkRead.Get()) << "a switch stored as 2 is true";
 }
 
@@ -184,22 +168,17 @@ TEST_F(TypedValueStateTest, SetFromTextParsesNumbersAndReadsSwitchesAndTextsFrom
     color.Set(1);
     color.Commit();
     EXPECT_TRUE(color.SetFromText(source, "ff8000"));
-    EXPECT_EQ(color.Get(), 0xFF8000u);
-    EXPECT_EQ(color.GetSaved(), 0xFF8000u);
-    EXPECT_FALSE(color.IsModified());
+    EXPECT_TRUE(color.Get() == 0xFF8000u && color.GetSaved() == 0xFF8000u && !color.IsModified());
 
     VProfile<bool> blink(L"Blink", false);
-    EXPECT_TRUE(blink.SetFromText(source, "0")) << "a switch ignores the text";
-    EXPECT_TRUE(blink.Get());
+    EXPECT_TRUE(blink.SetFromText(source, "0") && blink.Get()) << "a switch ignores the text";
     VProfile<bool> absentSwitch(L"Absent Switch", true);
     EXPECT_FALSE(absentSwitch.SetFromText(source, "0"));
 
     VProfileString title(L"Title", L"x");
-    EXPECT_TRUE(title.SetFromText(source, "default"));
-    EXPECT_EQ(title.Get(), L"stored");
+    EXPECT_TRUE(title.SetFromText(source, "default") && title.Get() == L"stored");
     VProfileString absent(L"Absent", L"x");
-    EXPECT_TRUE(absent.SetFromText(source, "default"));
-    EXPECT_EQ(absent.GetSaved(), L"default");
+    EXPECT_TRUE(absent.SetFromText(source, "default") && absent.GetSaved() == L"default");
     VProfileKey missingKey(*key, L"No Such Key", false);
     VProfileKeySource failing(missingKey);
     VProfileString unreadable(L"Title", L"x");
