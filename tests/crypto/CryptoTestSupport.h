@@ -1,5 +1,4 @@
-// Byte strings as hexadecimal digits, and random sources whose bytes tests
-// know or that always fail.
+// Hexadecimal byte strings, and random sources that count or fail.
 #pragma once
 
 #include <windows.h>
@@ -27,7 +26,6 @@ inline std::string EncodeHex(const uint8_t* bytes, size_t count) {
 }
 inline std::string EncodeHex(const Bytes& bytes) { return EncodeHex(bytes.data(), bytes.size()); }
 
-// Gives 0x00, 0x01, 0x02, ... continuing across calls.
 class CountingRandomSource : public VUnknown<IRandomSource> {
 public:
     bool Fill(void* buffer, size_t count) override {
@@ -40,7 +38,6 @@ private:
     uint8_t next_ = 0;
 };
 
-// Fails as a provider that could not be acquired does.
 class FailingRandomSource : public VUnknown<IRandomSource> {
 public:
     static constexpr DWORD Error = NTE_BAD_KEYSET;
