@@ -1,6 +1,4 @@
-// Sessions against both back ends of the store: a whole session saved and
-// read back, the defaults, "Is Session", older generations of secrets and
-// names, protocol names and the command line; then clones and their secrets.
+// Sessions against both back ends of the store, then clones and their secrets.
 #include <gtest/gtest.h>
 
 #include <map>
