@@ -130,7 +130,8 @@ TEST(ProtectedForms, EncodingFailsCleanly) {
         VUnicodeString text(L"unchanged");
         VReportMessageParams report;
         EXPECT_FALSE(PassphraseForm::Encode(VUnicodeString(c.plain), c.passphrase, text, Name, report, c.random));
-        EXPECT_TRUE(report.GetMessageCode() == c.code && text == L"unchanged") << Printable(c.plain);
+        EXPECT_TRUE(report.GetMessageCode() == c.code && text == L"unchanged")
+            << Printable(c.plain);
     }
 }
 

@@ -140,8 +140,7 @@ TEST(TextVariantTest, TextsGoOutAsBstrAndAnyTypeConvertsOnTheWay) {
     VUnicodeString text;
     EXPECT_TRUE(title.SetVariantAs(NumberVariant(VT_I4, 7).Get(), text, VT_I4, report) &&
                 text == L"7");
-    EXPECT_FALSE(title.SetVariantAs(TextVariant(L"abc").Get(), text, VT_I4, report) ||
-                 text != L"7")
+    EXPECT_FALSE(title.SetVariantAs(TextVariant(L"abc").Get(), text, VT_I4, report) || text != L"7")
         << "must pass through vt";
     EXPECT_TRUE(title.SetVariant(NumberVariant(VT_I2, -3).Get(), report) && title.Get() == L"-3");
 
