@@ -63,8 +63,8 @@ TEST_P(SessionConfigStore, ASavedSessionLoadsEqualInAFreshOneAndOpensWithItsComm
     ASSERT_TRUE(session.Save(Key(WebPath), false));
 
     const SessionConfig loaded = Loaded(WebPath);
-    EXPECT_TRUE(loaded.Equals(session) && loaded.IsMarkedAsSession());
-    EXPECT_EQ(loaded.GetProtocolName(), L"SSH2");
+    EXPECT_TRUE(loaded.Equals(session) && loaded.IsMarkedAsSession() &&
+                loaded.GetProtocolName() == L"SSH2");
     EXPECT_EQ(PlainText(loaded.LoginScript), L"login:\r\nalice");
     VTimeZone zone;
     EXPECT_TRUE(loaded.GetTimeZone(zone, report)) << "a zone of the computer's database";

@@ -1,4 +1,4 @@
-// Hexadecimal byte strings, and random sources that count or fail.
+// Hexadecimal byte strings, and a random source that fails.
 #pragma once
 
 #include <windows.h>
@@ -25,18 +25,6 @@ inline std::string EncodeHex(const uint8_t* bytes, size_t count) {
     return text;
 }
 inline std::string EncodeHex(const Bytes& bytes) { return EncodeHex(bytes.data(), bytes.size()); }
-
-class CountingRandomSource : public VUnknown<IRandomSource> {
-public:
-    bool Fill(void* buffer, size_t count) override {
-        for (size_t i = 0; i < count; ++i) static_cast<uint8_t*>(buffer)[i] = next_++;
-        return true;
-    }
-    bool FillDirect(void* buffer, uint32_t count) override { return Fill(buffer, count); }
-
-private:
-    uint8_t next_ = 0;
-};
 
 class FailingRandomSource : public VUnknown<IRandomSource> {
 public:

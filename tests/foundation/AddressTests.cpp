@@ -83,8 +83,8 @@ TEST(Addresses, SystemRecordsAndBytesSetOnlyTheirOwnFamily) {
     VAddressIPv4 v4;
     VAddressIPv6 v6;
     EXPECT_TRUE(!v6.SetFromAddressInfo(*found) && v4.SetFromAddressInfo(*found));
-    EXPECT_EQ(v4.ToString(true), "127.0.0.2:8080");
-    EXPECT_TRUE(v4.GetSocketType() == SOCK_DGRAM && v4.GetProtocol() == IPPROTO_UDP);
+    EXPECT_TRUE(v4.ToString(true) == "127.0.0.2:8080" && v4.GetSocketType() == SOCK_DGRAM &&
+                v4.GetProtocol() == IPPROTO_UDP);
     EXPECT_FALSE(v4.SetFromSocketAddress(found->ai_addr, static_cast<int>(found->ai_addrlen) - 1) ||
                  v4.IsValid() || v4.SetFromBytes("\1\2\3\4", 5) || v6.SetFromBytes("\1\2\3\4", 4));
     freeaddrinfo(found);

@@ -64,12 +64,11 @@ TEST_F(StringBlocks, CopiesShareOneBlockUntilAWrite) {
     VUnicodeString copy = original;
     VUnicodeString third;
     third = copy;
-    EXPECT_TRUE(copy.c_str() == original.c_str() && third.c_str() == original.c_str());
-    EXPECT_EQ(HeaderOf(original.c_str())->references, 3);
+    EXPECT_TRUE(copy.c_str() == original.c_str() && third.c_str() == original.c_str() &&
+                HeaderOf(original.c_str())->references == 3);
     copy.Append(L"!");
-    EXPECT_TRUE(original == L"shared" && copy == L"shared!");
-    EXPECT_EQ(HeaderOf(original.c_str())->references, 2);
-    EXPECT_EQ(allocations.size(), 2u);
+    EXPECT_TRUE(original == L"shared" && copy == L"shared!" &&
+                HeaderOf(original.c_str())->references == 2 && allocations.size() == 2u);
 }
 
 TEST_F(StringBlocks, SensitivityIsStickyAndSpreadsToWhatSensitiveTextIsAppendedTo) {

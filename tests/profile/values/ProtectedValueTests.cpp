@@ -48,8 +48,8 @@ TEST_F(ProtectedValueTest, ASealedValueIsSavedOnceAndLoadsBack) {
         EXPECT_TRUE(value.Save(*key, false));
         EXPECT_FALSE(key->WasWritten()) << "an unchanged value writes nothing";
     }
-    EXPECT_TRUE(Stored(ValueName).StartsWith(L"02:"));
-    EXPECT_EQ(store_.ValuesFile().find("hunter2"), std::string::npos);
+    EXPECT_TRUE(Stored(ValueName).StartsWith(L"02:") &&
+                store_.ValuesFile().find("hunter2") == std::string::npos);
 
     VProfileEncryptedString loaded(ValueName, phrase_.Get());
     auto key = store_.OpenKey();

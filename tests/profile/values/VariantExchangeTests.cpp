@@ -41,8 +41,7 @@ void ExpectRefusal(VReportMessageParams& report, DWORD code, const wchar_t* name
 LONGLONG NumberOut(const VProfileData& value, VARTYPE type) {
     VReportMessageParams report;
     VVariant variant, asNumber;
-    EXPECT_TRUE(value.GetVariant(variant.Get(), report));
-    EXPECT_EQ(variant.GetType(), type);
+    EXPECT_TRUE(value.GetVariant(variant.Get(), report) && variant.GetType() == type);
     EXPECT_TRUE(asNumber.ChangeTypeFrom(variant.Get(), VT_I8));
     return V_I8(&asNumber.Get());
 }
