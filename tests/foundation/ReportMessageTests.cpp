@@ -55,9 +55,7 @@ TEST_F(ReportMessages, TextsComeFromTheModulesInOrderWithTheirInserts) {
         std::vector<std::wstring> arguments;
         const wchar_t* text;
     } cases[] = {
-        {TEST_OWN_MODULE_TEXT,
-         {L"wide", L"narrow"},
-         L"Text of the test module with wide and narrow.\r\n"},
+        {TEST_OWN_MODULE_TEXT, {L"w", L"n"}, L"Text of the test module with w and n.\r\n"},
         {TEST_OWN_MODULE_TEXT, {}, L"Text of the test module with %1 and %2.\r\n"},
         {TEST_OWN_MODULE_TEXT, {L"one"}, L"Text of the test module with one and %2.\r\n"},
         {CONFIG_OPTION_NOT_A_NUMBER,
