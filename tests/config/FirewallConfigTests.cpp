@@ -1,7 +1,4 @@
-// Firewall definitions: the older password moving to its newer name when a
-// definition is read (both back ends), and the user name a firewall asks its
-// caller for, with what it keeps and saves. (Typed answers through the real
-// prompt windows, and a password kept, are Confkit's prompt tests.)
+// Firewall definitions: the older password's move, and the user name a firewall asks for.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -45,7 +42,6 @@ TEST_P(FirewallStore, AnOlderPasswordMovesToItsNewerNameWhenTheDefinitionIsRead)
 INSTANTIATE_TEST_SUITE_P(BackEnds, FirewallStore,
                          ::testing::Values(RegistryBackEnd(), IniFileBackEnd()), BackEndName);
 
-// Answers every prompt for a user name as told and records what it was asked.
 class ScriptedUI final : public VUnknown<IFirewallUI> {
 public:
     ScriptedUI(bool confirm, bool keep, bool saves)
@@ -71,42 +67,22 @@ private:
 };
 
 TEST(FirewallPrompts, OnlyATypeThatNeedsCredentialsAndHasNoneAsks) {
-    const std::tuple<const wchar_t*, const wchar_t*, bool, bool, bool, std::vector<const char*>,
-                     bool, const wchar_t*, const wchar_t*>
-        cases[] = {
-            // type, stored user, the prompt confirms, keeps, the save succeeds; what is asked
-            // over two calls; whether a name is handed, which (both times), and what is stored
-            {L"SOCKSv5", L"", true, true, true, {}, true, L"", L""},
-            {L"Unknown Type", L"", true, true, true, {}, true, L"", L""},
-            {L"SOCKSv5_USERPASS", L"bob", true, true, true, {}, true, L"bob", L"bob"},
-            {L"SOCKSv5_USERPASS", L"", true, false, true, {"user"}, true, L"carol", L""},
-            {L"SOCKSv5_USERPASS",
-             L"",
-             true,
-             true,
-             true,
-             {"user", "save"},
-             true,
-             L"carol",
-             L"carol"},
-            {L"USER user@host login",
-             L"",
-             true,
-             true,
-             false,
-             {"user", "save"},
-             true,
-             L"carol",
-             L""},
-            {L"HTTP_BASICAUTH",
-             L"",
-             false,
-             true,
-             true,
-             {"user", "user"},
-             false,
-             L"(untouched)",
-             L""}};
+    const struct {
+        const wchar_t* type;
+        const wchar_t* storedUser;
+        bool confirm, keep, saves;       // what the prompt and the save answer
+        std::vector<const char*> asked;  // over two calls
+        bool handed;
+        const wchar_t* user;  // handed both times
+        const wchar_t* storedAfter;
+    } cases[] = {
+        {L"SOCKSv5", L"", true, true, true, {}, true, L"", L""},
+        {L"Unknown Type", L"", true, true, true, {}, true, L"", L""},
+        {L"SOCKSv5_USERPASS", L"bob", true, true, true, {}, true, L"bob", L"bob"},
+        {L"SOCKSv5_USERPASS", L"", true, false, true, {"user"}, true, L"carol", L""},
+        {L"SOCKSv5_USERPASS", L"", true, true, true, {"user", "save"}, true, L"carol", L"carol"},
+        {L"USER user@host login", L"", true, true, false, {"user", "save"}, true, L"carol", L""},
+        {L"HTTP_BASICAUTH", L"", false, true, true, {"user", "user"}, false, L"(untouched)", L""}};
     for (const auto& [type, storedUser, confirm, keep, saves, asked, handed, user, storedAfter] :
          cases) {
         FirewallConfig firewall(L"corp", nullptr);
@@ -118,7 +94,6 @@ TEST(FirewallPrompts, OnlyATypeThatNeedsCredentialsAndHasNoneAsks) {
             VUnicodeString given(L"(untouched)");
             VReportMessageParams report;
             EXPECT_TRUE(firewall.GetUsername(given, report) == handed && given == user);
-            // A save that failed is told once; the name is remembered instead.
             EXPECT_EQ(report.GetMessageCode(), !saves && call == 0 ? ERROR_ACCESS_DENIED : 0u);
         }
         EXPECT_EQ(ui->asked, asked) << type;

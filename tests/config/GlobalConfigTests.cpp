@@ -1,5 +1,4 @@
-// The global options: the table against the clients' list of value names
-// (GlobalOptionNames.txt), then loading and saving against both back ends.
+// The global options: the table against GlobalOptionNames.txt, then both back ends.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -22,10 +21,7 @@ std::wstring Upper(VUnicodeString name) {
     return name.c_str();
 }
 
-// Every name any product reads (present or former; upper-cased, as the store
-// compares them) belongs to one option, is found by the lookup, and is listed
-// or a start-up option's; and the names the products keep apart are listed
-// in pairs, which the table does not keep as two options.
+// Every name read (present or former) belongs to one option and is listed.
 TEST(GlobalOptionTable, ReadsEveryListedNameOnceAndTheProductsPairsAsOneOption) {
     std::map<std::wstring, std::set<size_t>> readBy;
     for (const GlobalProduct product : {GlobalProduct::Terminal, GlobalProduct::Transfer}) {
@@ -81,9 +77,6 @@ TEST(GlobalOptionTable, ReadSwitchTakesAPolicyForTheStartUpOptionsOnly) {
     EXPECT_FALSE(value) << "the user's own, its default";
 }
 
-// Whether every option of actual holds what the same option of expected
-// holds, as its kind compares: expected's value copied over actual's current
-// one must not differ from actual's saved one.
 void ExpectSameValues(const GlobalConfig& expected, const GlobalConfig& actual) {
     GlobalConfig probe = actual;
     for (size_t i = 0; i < GlobalConfig::OptionCount; ++i) {

@@ -1,6 +1,4 @@
-// The fixture of the configuration tests: both back ends of the store, with
-// every step through a key opened afresh in a new store, so that what a step
-// wrote has reached the registry or the files.
+// Both back ends, every step through a key opened afresh in a new store.
 #pragma once
 
 #include <memory>
@@ -10,8 +8,6 @@
 
 class SessionStore : public StoreBehaviour {
 protected:
-    // The key at path below the store's root (created unless readOnly). The
-    // key opened before goes first, so what it wrote is stored.
     VProfileKey& Key(const wchar_t* path, bool readOnly = false) {
         key_.reset();
         store_ = Open(readOnly);
@@ -19,7 +15,6 @@ protected:
         return *key_;
     }
 
-    // What a fresh key at path holds under name: "(none)" or 0xDEAD when nothing.
     VUnicodeString StoredText(const wchar_t* path, const wchar_t* name) {
         VUnicodeString text(L"(none)");
         Key(path, true).GetString(name, text);
@@ -31,7 +26,6 @@ protected:
         return number;
     }
 
-    // The file back end reads "Is Session" as set whenever a key has a values file.
     bool IsIniFile() const { return GetParam().name == "IniFile"; }
 
     void TearDown() override {

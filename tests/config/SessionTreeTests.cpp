@@ -1,5 +1,4 @@
-// A tree of folders and sessions below "Sessions", with its folder data,
-// written and read back against both back ends, then damaged.
+// A tree of folders and sessions below "Sessions", written, read back and damaged.
 #include <gtest/gtest.h>
 
 #include "ProfileFolderData.h"
@@ -20,9 +19,7 @@ protected:
     }
 };
 
-// Sessions\Linux\web, \db and \Old\legacy; Sessions\router and \Default; the
-// folders Windows (empty) and Linux\Old. A damaged folder record loses its
-// order but no folder or session, and the next save mends it.
+// A damaged folder record loses its order but no folder or session.
 TEST_P(SessionTree, FoldersReadBackInTheirOrderAndADamagedRecordLosesOnlyItsOrder) {
     for (const wchar_t* path :
          {L"Linux\\web", L"Linux\\db", L"Linux\\Old\\legacy", L"router", L"Default"}) {
@@ -44,8 +41,8 @@ TEST_P(SessionTree, FoldersReadBackInTheirOrderAndADamagedRecordLosesOnlyItsOrde
     ExpectFolder(L"Sessions\\Linux\\Old", true, {}, {L"legacy"});
     ExpectFolder(L"Sessions\\Windows", true, {}, {});
     const SessionConfig legacy(&Key(L"Sessions\\Linux\\Old\\legacy", true), L"Linux\\Old\\legacy");
-    EXPECT_TRUE(legacy.IsMarkedAsSession());
-    EXPECT_EQ(legacy.GetRemoteHostConfig().GetHostname(), L"Linux\\Old\\legacy");
+    EXPECT_TRUE(legacy.IsMarkedAsSession() &&
+                legacy.GetRemoteHostConfig().GetHostname() == L"Linux\\Old\\legacy");
 
     VProfileKey& data = Key(L"Sessions\\__FolderData__");
     data.SetString(L"Session List", L"router");  // a text where a list belongs

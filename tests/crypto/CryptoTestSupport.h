@@ -1,5 +1,4 @@
-// Byte strings as hexadecimal digits, and random sources whose bytes tests
-// know or that always fail.
+// Hexadecimal byte strings, and a random source that fails.
 #pragma once
 
 #include <windows.h>
@@ -27,20 +26,6 @@ inline std::string EncodeHex(const uint8_t* bytes, size_t count) {
 }
 inline std::string EncodeHex(const Bytes& bytes) { return EncodeHex(bytes.data(), bytes.size()); }
 
-// Gives 0x00, 0x01, 0x02, ... continuing across calls.
-class CountingRandomSource : public VUnknown<IRandomSource> {
-public:
-    bool Fill(void* buffer, size_t count) override {
-        for (size_t i = 0; i < count; ++i) static_cast<uint8_t*>(buffer)[i] = next_++;
-        return true;
-    }
-    bool FillDirect(void* buffer, uint32_t count) override { return Fill(buffer, count); }
-
-private:
-    uint8_t next_ = 0;
-};
-
-// Fails as a provider that could not be acquired does.
 class FailingRandomSource : public VUnknown<IRandomSource> {
 public:
     static constexpr DWORD Error = NTE_BAD_KEYSET;

@@ -1,8 +1,4 @@
-// The protected forms of a text: "02:" under the pass phrase, "CAPI:" under
-// the system's data protection (Wine's DPAPI here) and the older fixed-key
-// form; which one VEncryptedString seals in; one table of malformed texts of
-// every form; and many randomly mutated "02:" texts. The "02:" record itself
-// is checked against OpenSSL by openssl-interop.sh.
+// The "02:", "CAPI:" and older forms of a protected text (OpenSSL: openssl-interop.sh).
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -34,7 +30,6 @@ VUnicodeString Encoded(const VUnicodeString& plain, IRandomSource* random = null
     return text;
 }
 
-// Decodes text with the pass phrase and checks that a failure left plain as it was.
 bool Decodes(const VUnicodeString& text, VUnicodeString& plain, VReportMessageParams& report) {
     const VUnicodeString before = plain;
     const bool decoded = PassphraseForm::Decode(text, Passphrase, plain, Name, report);
@@ -70,36 +65,29 @@ TEST(ProtectedForms, EachFormRoundTripsIntoSensitiveStrings) {
         const VUnicodeString sealed = Encoded(plain);
         EXPECT_NE(sealed, Encoded(plain)) << "the padding is random, so texts differ";
         VUnicodeString opened(L"before");
-        ASSERT_TRUE(Decodes(sealed, opened, report));
-        EXPECT_EQ(opened, plain);
-        EXPECT_TRUE(opened.IsSensitive());
+        EXPECT_TRUE(Decodes(sealed, opened, report) && opened == plain && opened.IsSensitive());
 
         VUnicodeString capi;
         ASSERT_TRUE(CapiForm::Encode(plain, capi, Name, report));
         ASSERT_TRUE(capi.StartsWith(L"CAPI:"));
         EXPECT_TRUE(IsHex(capi.Mid(5), L"0123456789ABCDEF")) << "upper-case digits";
-        // Without the prefix, and in lower-case digits, the text reads the same.
         std::wstring lower(capi.c_str() + 5);
         for (wchar_t& digit : lower) digit = towlower(digit);
         for (const VUnicodeString& text : {capi, VUnicodeString(lower.c_str())}) {
             VUnicodeString fromCapi;
-            ASSERT_TRUE(CapiForm::Decode(text, fromCapi, Name, report));
-            EXPECT_EQ(fromCapi, plain);
-            EXPECT_TRUE(fromCapi.IsSensitive());
+            EXPECT_TRUE(CapiForm::Decode(text, fromCapi, Name, report) && fromCapi == plain &&
+                        fromCapi.IsSensitive());
         }
 
         const VUnicodeString older = VBlowfishString::Encode(plain);
-        // UTF-16 units padded to whole 8-byte blocks, two lower-case digits a byte.
-        EXPECT_EQ(older.GetLength(), (plain.GetLength() * 2 + 7) / 8 * 16);
-        EXPECT_TRUE(IsHex(older, L"0123456789abcdef"));
+        EXPECT_TRUE(older.GetLength() == (plain.GetLength() * 2 + 7) / 8 * 16 &&
+                    IsHex(older, L"0123456789abcdef"));
         VUnicodeString fromOlder;
-        ASSERT_TRUE(VBlowfishString::Decode(older, fromOlder, Name, report));
-        EXPECT_EQ(fromOlder, plain);
-        EXPECT_TRUE(fromOlder.IsSensitive());
+        EXPECT_TRUE(VBlowfishString::Decode(older, fromOlder, Name, report) && fromOlder == plain &&
+                    fromOlder.IsSensitive());
     }
 }
 
-// The blob holds the text with its terminator, as other readers of the form expect.
 TEST(ProtectedForms, TheCapiBlobHoldsTheTerminatedTextAndItsDescription) {
     const VUnicodeString plain(L"p\x00E4ss");
     VUnicodeString text;
@@ -117,14 +105,12 @@ TEST(ProtectedForms, TheCapiBlobHoldsTheTerminatedTextAndItsDescription) {
     ASSERT_TRUE(CapiForm::Encode(VUnicodeString(), text, Name, report));
     EXPECT_TRUE(text.IsEmpty()) << "an empty text is stored as an empty string";
     VUnicodeString opened(L"old");
-    ASSERT_TRUE(CapiForm::Decode(text, opened, Name, report));
-    EXPECT_TRUE(opened.IsEmpty());
-    // A damaged text reads as empty, as the stored value's readers expect.
+    EXPECT_TRUE(CapiForm::Decode(text, opened, Name, report) && opened.IsEmpty());
     opened = L"old";
-    EXPECT_FALSE(CapiForm::Decode(L"CAPI:00112233445566778899", opened, Name, report));
-    EXPECT_TRUE(opened.IsEmpty());
-    ASSERT_EQ(report.GetArguments().GetCount(), 1u);
-    EXPECT_EQ(report.GetArguments()[0], Name);
+    EXPECT_FALSE(CapiForm::Decode(L"CAPI:00112233445566778899", opened, Name, report) ||
+                 !opened.IsEmpty())
+        << "a damaged text reads as empty";
+    EXPECT_EQ(report.GetArguments(), VArray<VUnicodeString>{Name});
 }
 
 TEST(ProtectedForms, EncodingFailsCleanly) {
@@ -144,13 +130,11 @@ TEST(ProtectedForms, EncodingFailsCleanly) {
         VUnicodeString text(L"unchanged");
         VReportMessageParams report;
         EXPECT_FALSE(PassphraseForm::Encode(VUnicodeString(c.plain), c.passphrase, text, Name, report, c.random));
-        EXPECT_EQ(report.GetMessageCode(), c.code) << Printable(c.plain);
-        EXPECT_EQ(text, L"unchanged");
+        EXPECT_TRUE(report.GetMessageCode() == c.code && text == L"unchanged")
+            << Printable(c.plain);
     }
 }
 
-// With a pass phrase the "02:" form, else the system's protection; the older
-// form and the empty text open whatever the provider says.
 TEST(ProtectedForms, AnEncryptedStringSealsWithThePassphraseWhenThereIsOne) {
     VRefPtr<IPassphraseProvider> phrase = Provider(L"phrase"), none = Provider(L"");
     const struct {
@@ -164,32 +148,28 @@ TEST(ProtectedForms, AnEncryptedStringSealsWithThePassphraseWhenThereIsOne) {
         VEncryptedString value(VUnicodeString(), c.provider);
         VReportMessageParams report;
         ASSERT_TRUE(value.SetPlainText(L"secret", Name, report));
-        EXPECT_TRUE(value.StartsWith(c.prefix));
-        EXPECT_EQ(value.GetForm(), c.form);
+        EXPECT_TRUE(value.StartsWith(c.prefix) && value.GetForm() == c.form);
         VUnicodeString plain;
-        ASSERT_TRUE(value.GetPlainText(plain, Name, report));
-        EXPECT_EQ(plain, L"secret");
+        EXPECT_TRUE(value.GetPlainText(plain, Name, report) && plain == L"secret");
     }
     VEncryptedString value(VUnicodeString(), phrase.Get());
     VReportMessageParams report;
     ASSERT_TRUE(value.SetPlainText(L"kept", Name, report));
     const VUnicodeString before = value.GetProtectedText();
-    EXPECT_FALSE(value.SetPlainText(VUnicodeString(L"lone \xDFFF"), Name, report));
+    EXPECT_FALSE(value.SetPlainText(VUnicodeString(L"lone \xDFFF"), Name, report) ||
+                 value.GetProtectedText() != before);
     EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_TEXT_NOT_UNICODE));
-    EXPECT_EQ(value.GetProtectedText(), before);
     for (const VUnicodeString& stored : {VBlowfishString::Encode(L"old form"), VUnicodeString()}) {
         VUnicodeString plain(L"x");
         VReportMessageParams report;
-        ASSERT_TRUE(VEncryptedString(stored, phrase.Get()).GetPlainText(plain, Name, report));
-        EXPECT_EQ(plain, stored.IsEmpty() ? L"" : L"old form");
+        EXPECT_TRUE(VEncryptedString(stored, phrase.Get()).GetPlainText(plain, Name, report) &&
+                    plain == (stored.IsEmpty() ? L"" : L"old form"));
     }
 }
 
 namespace {
 
-// A "02:" text of an arbitrary record for utf8 (at most 20 bytes), with its
-// own SHA-256 digest (taken with Crypto++ directly) and zero padding to 64
-// bytes, enciphered with our cipher.
+// A "02:" text of a record with its own SHA-256 digest, zero-padded to 64 bytes.
 VUnicodeString Crafted(const std::string& utf8, uint32_t lengthField, size_t changedByte = 0) {
     Bytes record(64);
     for (int i = 0; i < 4; ++i) record[i] = static_cast<uint8_t>(lengthField >> (8 * i));
@@ -256,14 +236,13 @@ TEST(ProtectedForms, EveryKindOfMalformedTextIsRefusedAndChangesNothing) {
         VUnicodeString plain(L"unchanged");
         VReportMessageParams report;
         EXPECT_FALSE(value.GetPlainText(plain, Name, report));
-        EXPECT_EQ(report.GetMessageCode(), c.code);
-        EXPECT_EQ(plain, L"unchanged");
-        EXPECT_EQ(value.GetProtectedText(), c.text);
+        EXPECT_TRUE(report.GetMessageCode() == c.code && plain == L"unchanged" &&
+                    value.GetProtectedText() == c.text);
     }
     VUnicodeString plain;
     VReportMessageParams report;
-    EXPECT_TRUE(Decodes(Crafted("secret", 6), plain, report)) << "crafted records are well-formed but for their defect";
-    EXPECT_EQ(plain, L"secret");
+    EXPECT_TRUE(Decodes(Crafted("secret", 6), plain, report) && plain == L"secret")
+        << "crafted records are well-formed but for their defect";
 }
 
 TEST(ProtectedForms, ManyRandomlyMutatedPassphraseTextsFailCleanly) {
@@ -293,8 +272,7 @@ TEST(ProtectedForms, ManyRandomlyMutatedPassphraseTextsFailCleanly) {
         VUnicodeString plain(L"unchanged");
         VReportMessageParams report;
         if (Decodes(text, plain, report)) {
-            // Only a change of digit case, or a cut that drops whole blocks of
-            // padding, leaves a text that opens; it must then give the original.
+            // Only a change of digit case or a cut of whole padding blocks still opens.
             ASSERT_EQ(plain, plains[which]) << Printable(text);
             ++accepted;
         } else {

@@ -1,9 +1,5 @@
-// A command-line face of the "02:" form, so that a script can check it
-// against OpenSSL's command line. It reads requests on
-// standard input, one a line, and answers each with one line. Every text goes
-// in and out as hexadecimal digits (texts as their UTF-8 bytes), which
-// survives the trip through Wine's pipes unchanged. One process answers all
-// requests, since starting a process under Wine is slow.
+// The "02:" form for openssl-interop.sh: one request a line on standard input,
+// one answer a line, texts as the hexadecimal digits of their UTF-8 bytes.
 //
 //   seal PASSPHRASE TEXT                 -> the "02:" text
 //   open PASSPHRASE PROTECTED            -> TEXT, or "refused 0x<code>"
@@ -12,6 +8,7 @@
 // answered with "error <reason>".
 
 #include <cstdio>
+#include <iostream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -28,7 +25,6 @@ using Words = std::vector<VUnicodeString>;
 
 VUnicodeString Error(const wchar_t* reason) { return VUnicodeString(L"error ") + reason; }
 
-// A text given as the hexadecimal digits of its UTF-8 bytes.
 bool Text(const VUnicodeString& digits, VUnicodeString& text) {
     VBasicBuffer utf8;
     return DecodeHexDigits(digits.c_str(), digits.GetLength(), utf8) &&
@@ -75,20 +71,13 @@ VUnicodeString Answer(const Words& words) {
 }  // namespace
 
 int main() {
-    std::string line;
-    int character;
-    while ((character = std::getchar()) != EOF) {
-        if (character != '\n') {
-            if (character != '\r') line += static_cast<char>(character);
-            continue;
-        }
+    for (std::string line; std::getline(std::cin, line);) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
         Words words;
         std::istringstream split(line);
-        std::string word;
-        while (split >> word)
+        for (std::string word; split >> word;)
             words.push_back(word == "-" ? VUnicodeString() : VUnicodeString(VString(word.c_str())));
         std::printf("%s\n", VString(Answer(words)).c_str());
-        line.clear();
     }
     return 0;
 }

@@ -1,7 +1,4 @@
-// Addresses: formatting, comparison and the setters, then two seeded checks:
-// random addresses read back from their text (TestSeed), and fixed and
-// generated texts read as Python's ipaddress expects (address_oracle.py, its
-// seed fixed at build time by TRAYWELL_ADDRESS_SEED).
+// Addresses, with random round trips and Python's ipaddress (address_oracle.py) as oracle.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -18,7 +15,6 @@
 
 namespace {
 
-// The address text reads as: IPv4 if it can, else IPv6 (perhaps invalid).
 template <class Char>
 VRefPtr<IInternetAddress> Parse(const Char* text) {
     auto v4 = VRefPtr<IInternetAddress>::Adopt(new VAddressIPv4());
@@ -36,8 +32,6 @@ std::string Reading(const Char* text) {
            (address->IsLoopback() ? " loopback" : "");
 }
 
-// Which texts are addresses is the oracle's part (below); here, how they
-// are written back.
 TEST(Addresses, TextsReadAndFormatAsTheRulesSay) {
     const char* cases[][2] = {{"10.0.0.1:22", "10.0.0.1:22"},
                               {"0.0.0.0", "0.0.0.0:0 any"},
@@ -89,15 +83,13 @@ TEST(Addresses, SystemRecordsAndBytesSetOnlyTheirOwnFamily) {
     VAddressIPv4 v4;
     VAddressIPv6 v6;
     EXPECT_TRUE(!v6.SetFromAddressInfo(*found) && v4.SetFromAddressInfo(*found));
-    EXPECT_EQ(v4.ToString(true), "127.0.0.2:8080");
-    EXPECT_TRUE(v4.GetSocketType() == SOCK_DGRAM && v4.GetProtocol() == IPPROTO_UDP);
+    EXPECT_TRUE(v4.ToString(true) == "127.0.0.2:8080" && v4.GetSocketType() == SOCK_DGRAM &&
+                v4.GetProtocol() == IPPROTO_UDP);
     EXPECT_FALSE(v4.SetFromSocketAddress(found->ai_addr, static_cast<int>(found->ai_addrlen) - 1) ||
                  v4.IsValid() || v4.SetFromBytes("\1\2\3\4", 5) || v6.SetFromBytes("\1\2\3\4", 4));
     freeaddrinfo(found);
 }
 
-// The address joined with its port for display reads back, narrow and
-// wide, as an equal address with the same port that formats the same.
 template <class Address>
 void ExpectRoundTrip(const Address& address) {
     const VString text =
@@ -131,7 +123,6 @@ TEST(Addresses, FormattedRandomAddressesReadBackTheSame) {
     }
 }
 
-// A reading in the oracle's line format.
 std::string Line(const char* kind, const uint8_t* bytes, size_t length, uint16_t port,
                  ULONG scope) {
     std::string line = std::string(kind) + "\t";

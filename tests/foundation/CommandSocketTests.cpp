@@ -1,6 +1,4 @@
-// The command socket with real processes (cmd.exe, and a program that does
-// not exist) and a real listener on the loopback address: what is reported,
-// on which thread and in which order, and that no handle is left behind.
+// The command socket with real processes and a real listener on the loopback address.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -17,8 +15,6 @@ namespace {
 
 class IRecorder : public ISocketEvents, public ISocketCommandStatus {};
 
-// Writes every call of the sinks as a line to its own log or another
-// recorder's, marking the calls made on another thread than the test's.
 class Recorder final : public VUnknown<IRecorder> {
 public:
     explicit Recorder(const char* name, Recorder* log = nullptr)
@@ -33,7 +29,6 @@ public:
         Add(std::to_string(report.GetLevel()) + ": " + VString(report.GetTextAsString()).c_str());
     }
 
-    // Waits until count lines are there (10 s at most).
     std::vector<std::string> Lines(size_t count) {
         std::unique_lock<std::mutex> lock(mutex_);
         changed_.wait_for(lock, std::chrono::seconds(10), [&] { return lines_.size() >= count; });
@@ -64,7 +59,6 @@ protected:
                     VReportMessageParams::LoadFallbackModule(ConfigMessagesModule));
     }
 
-    // Makes socket listen on a port of the loopback address, and gives the port.
     static std::string Listen(const SocketHandle& socket) {
         sockaddr_in address{AF_INET, 0, {{{127, 0, 0, 1}}}, {}};
         int length = sizeof address;
@@ -74,7 +68,6 @@ protected:
         return std::to_string(ntohs(address.sin_port));
     }
 
-    // A command socket over a new TCP socket, reporting events and status to events_.
     VRefPtr<VCommandSocket> NewSocket(const wchar_t* commandLine) {
         const auto inner = VRefPtr<VTcpSocket>::Adopt(new VTcpSocket());
         return VRefPtr<VCommandSocket>::Adopt(new VCommandSocket(
@@ -113,7 +106,6 @@ TEST_F(CommandSocket, ConnectsRunTheCommandThenReachTheListenerOnTheCommandsThre
     EXPECT_TRUE(codes[0] == 3 && codes[1] == ERROR_FILE_NOT_FOUND &&
                 !exits3->IsWaitingForCommand());
 
-    // Connected for real: data and the end of the stream pass both ways.
     SocketHandle peer(accept(listener_.Get(), nullptr, nullptr));
     ASSERT_TRUE(exits3->IsConnected() && exits3->Send("ping", 4, report) &&
                 exits3->Shutdown(report));
@@ -128,8 +120,7 @@ TEST_F(CommandSocket, ConnectsRunTheCommandThenReachTheListenerOnTheCommandsThre
               (std::vector<std::string>{"events receive pong", "events shutdown 0"}));
 }
 
-// The process's open handles. Wine's GetProcessHandleCount answers 0, so
-// every handle value of the table's first part is asked after instead.
+// Wine's GetProcessHandleCount answers 0, so every handle value is asked after.
 DWORD CountHandles() {
     DWORD count = 0, flags = 0;
     for (ULONG_PTR handle = 4; handle < 0x10000; handle += 4)
@@ -166,8 +157,7 @@ TEST_F(CommandSocket, EveryOutcomeReachesTheCompletionAndLeavesNoHandleBehind) {
             if (c.error == 0) SocketHandle(accept(listener_.Get(), nullptr, nullptr));
         }
     }
-    // Wine may open a handle of its own on the way; a leak would be one a run.
-    // Threads end after their completion: they are given a moment.
+    // Wine may open a handle of its own; a leak would be one a run.
     constexpr DWORD slack = 2;
     DWORD after = CountHandles();
     for (int wait = 0; wait < 20 && after > before + slack; ++wait) {

@@ -1,6 +1,4 @@
-// Reports: formatting, caching, trimming and the whole lookup order, against
-// real message tables (the system's, NTDLL.DLL's, this test's own module and
-// the configuration library's module as the fallback).
+// Reports against real message tables: the system's, NTDLL.DLL's, ours and the fallback.
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -27,8 +25,6 @@ protected:
     HMODULE fallback_ = VReportMessageParams::GetFallbackModule();
 };
 
-// What the formatter itself answers for one code from one place: the oracle
-// for the steps that hand a code to the system.
 std::wstring FormatDirectly(DWORD flags, HMODULE module, DWORD code) {
     wchar_t* buffer = nullptr;
     const DWORD length =
@@ -39,8 +35,7 @@ std::wstring FormatDirectly(DWORD flags, HMODULE module, DWORD code) {
     return text;
 }
 
-// A status code is NTDLL.DLL's; Wine's has no message table (error 1813),
-// which must count as "not found" so that the lookup goes on to the end.
+// Wine's NTDLL.DLL has no message table (error 1813): that must count as not found.
 TEST_F(ReportMessages, SystemAndStatusCodesComeFromTheSystemsTables) {
     const std::wstring system = FormatDirectly(FORMAT_MESSAGE_FROM_SYSTEM, {}, ERROR_ACCESS_DENIED);
     ASSERT_FALSE(system.empty());
@@ -53,17 +48,14 @@ TEST_F(ReportMessages, SystemAndStatusCodesComeFromTheSystemsTables) {
               ntdll.empty() ? std::wstring(Unknown) + L"c0000005.\r\n" : ntdll);
 }
 
-// Inserts nobody gave stay as written: the formatter must not read past the
-// arguments there are. Every second argument is given narrow.
+// Missing inserts stay as written; every second argument is given narrow.
 TEST_F(ReportMessages, TextsComeFromTheModulesInOrderWithTheirInserts) {
     const struct {
         DWORD code;
         std::vector<std::wstring> arguments;
         const wchar_t* text;
     } cases[] = {
-        {TEST_OWN_MODULE_TEXT,
-         {L"wide", L"narrow"},
-         L"Text of the test module with wide and narrow.\r\n"},
+        {TEST_OWN_MODULE_TEXT, {L"w", L"n"}, L"Text of the test module with w and n.\r\n"},
         {TEST_OWN_MODULE_TEXT, {}, L"Text of the test module with %1 and %2.\r\n"},
         {TEST_OWN_MODULE_TEXT, {L"one"}, L"Text of the test module with one and %2.\r\n"},
         {CONFIG_OPTION_NOT_A_NUMBER,
@@ -106,12 +98,10 @@ TEST_F(ReportMessages, TextIsCachedUntilTheCodeOrArgumentsChangeAndCopiesShareAr
 
 TEST_F(ReportMessages, TextAsStringRemovesExactlyOneLineEnd) {
     EXPECT_EQ(VReportMessageParams(TEST_TWO_LINES).GetTextAsString(), L"First line\r\nsecond line");
-    // With a line width the formatter ends lines with a blank, and one is removed.
     VReportMessageParams wrapped(TEST_TWO_LINES);
     const VUnicodeString text = wrapped.GetTextAsString(FORMAT_MESSAGE_MAX_WIDTH_MASK);
     EXPECT_FALSE(text.EndsWith(L" "));
     EXPECT_EQ(VUnicodeString(wrapped.GetText(FORMAT_MESSAGE_MAX_WIDTH_MASK)), text + L" ");
-    // A text that does not end in a line break is left as it stands.
     VReportMessageParams unknown(0x0000BEEF);
     unknown.GetText();
     EXPECT_EQ(unknown.GetTextAsString(), VUnicodeString(Unknown) + L"0000beef.");

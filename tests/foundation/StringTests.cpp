@@ -64,12 +64,11 @@ TEST_F(StringBlocks, CopiesShareOneBlockUntilAWrite) {
     VUnicodeString copy = original;
     VUnicodeString third;
     third = copy;
-    EXPECT_TRUE(copy.c_str() == original.c_str() && third.c_str() == original.c_str());
-    EXPECT_EQ(HeaderOf(original.c_str())->references, 3);
+    EXPECT_TRUE(copy.c_str() == original.c_str() && third.c_str() == original.c_str() &&
+                HeaderOf(original.c_str())->references == 3);
     copy.Append(L"!");
-    EXPECT_TRUE(original == L"shared" && copy == L"shared!");
-    EXPECT_EQ(HeaderOf(original.c_str())->references, 2);
-    EXPECT_EQ(allocations.size(), 2u);
+    EXPECT_TRUE(original == L"shared" && copy == L"shared!" &&
+                HeaderOf(original.c_str())->references == 2 && allocations.size() == 2u);
 }
 
 TEST_F(StringBlocks, SensitivityIsStickyAndSpreadsToWhatSensitiveTextIsAppendedTo) {
@@ -80,7 +79,6 @@ TEST_F(StringBlocks, SensitivityIsStickyAndSpreadsToWhatSensitiveTextIsAppendedT
     EXPECT_FALSE(plain.IsSensitive());
     secret = VUnicodeString(L"moved in");
     EXPECT_TRUE(secret.IsSensitive() && secret == L"moved in");
-    // Moved away or emptied, a sensitive variable stays sensitive: it may be filled again.
     VUnicodeString target;
     target = std::move(secret);
     EXPECT_TRUE(target.IsSensitive() && secret.IsSensitive() && secret.IsEmpty());
@@ -100,8 +98,6 @@ TEST_F(StringBlocks, SensitivityIsStickyAndSpreadsToWhatSensitiveTextIsAppendedT
     EXPECT_FALSE(plain.IsSensitive()) << "a failed insert marks nothing";
 }
 
-// Text appended across widths passes through copies of its own; none may
-// keep it once freed. The interface also sets and copies text and state.
 TEST_F(StringBlocks, TheInterfaceConvertsWidthsAndLeavesNoCopyOfTheTextBehind) {
     {
         VUnicodeStringI password(Str::Sensitive);
@@ -144,8 +140,6 @@ TEST(Strings, InsertsWithinTheLengthFromAnyTextAndThrowsBeyond) {
     EXPECT_EQ(text.GetAt(8), L'\0');
 }
 
-// The rest of the rules (signs, blanks, stray characters) are a port's, which
-// the address oracle checks; here, the range and both widths.
 TEST(Strings, ParsesUnsignedDecimalNumbersUpToTheirRange) {
     uint64_t value = 0;
     EXPECT_TRUE(VUnicodeString::ParseUnsigned(L"18446744073709551615 ", value) &&

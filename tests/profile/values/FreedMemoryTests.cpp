@@ -1,9 +1,4 @@
-// Freed memory holds no secret. A password and a pass phrase go through a
-// save, a load, a second save and the end of every object of the INI-file
-// store and of a protected value; every C++ block and string block freed
-// meanwhile is searched for them as it is given back, and the free blocks of
-// every heap of the process after. The program replaces operator new and
-// delete for that, hence a program of its own.
+// Freed memory holds no secret; operator new and delete are replaced, hence its own program.
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -24,8 +19,6 @@ constexpr wchar_t Password[] = L"Kx9q-Zw7v-password";
 constexpr wchar_t Passphrase[] = L"Pp3u-Vw8x-phrase";
 constexpr size_t SizeField = 16;  // in front of every C++ block; keeps it aligned
 
-// Each secret as UTF-16 and as UTF-8 (the files' encoding), built before the
-// search starts.
 std::string g_patterns[4];
 std::atomic<bool> g_searching{false};
 std::atomic<size_t> g_found{0};

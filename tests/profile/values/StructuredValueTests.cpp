@@ -1,6 +1,4 @@
-// The structured values: their binary blocks laid out as the system's
-// structures and their state texts, round trips through real INI-file keys,
-// and the damaged blocks and texts that reading refuses.
+// The structured values and time stamps: stored layouts and texts, round trips, damage.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -16,10 +14,24 @@
 #include "VLogFont.h"
 #include "VMarginData.h"
 #include "VPaneState.h"
+#include "VProfile2.h"
+#include "VProfileTimeSz.h"
 #include "VTabStateList.h"
 #include "VWindowPlacement.h"
 
 namespace {
+
+using VProfileTime = VProfile2<FILETIME, VProfileTimeSz>;
+
+FILETIME TimeOf(WORD year, WORD month, WORD day, WORD hour, WORD minute, WORD second,
+                WORD milliseconds) {
+    const SYSTEMTIME parts{year, month, 0, day, hour, minute, second, milliseconds};
+    FILETIME time{};
+    EXPECT_TRUE(SystemTimeToFileTime(&parts, &time));
+    return time;
+}
+
+bool SameTime(const FILETIME& a, const FILETIME& b) { return CompareFileTime(&a, &b) == 0; }
 
 class StructuredValueTest : public ::testing::Test {
 protected:
@@ -40,15 +52,10 @@ protected:
         EXPECT_TRUE(VListViewState::Parse(L"1,0;200,80,120;0,2,1", listView_));
     }
 
-    // Saves value (forced), then loads it into a fresh value of the same kind
-    // that starts from its default.
     template <class Value>
     void ExpectRoundTrip(const Value& value) {
         SCOPED_TRACE(VString(value.GetName()).c_str());
-        {
-            Value copy(value);
-            EXPECT_TRUE(copy.Save(*store_.OpenKey(), true));
-        }
+        EXPECT_TRUE(Value(value).Save(*store_.OpenKey(), true));
         Value loaded(value.GetName());
         EXPECT_TRUE(loaded.Load(*store_.OpenKey()));
         EXPECT_EQ(loaded.Get(), value.Get());
@@ -60,8 +67,6 @@ protected:
         return block;
     }
 
-    // Stores the value's own block changed by damage and expects the load to
-    // refuse it, leaving the value as it was.
     template <class Value, class Damage>
     void ExpectRefused(Value value, Damage damage) {
         SCOPED_TRACE(VString(value.GetName()).c_str());
@@ -70,12 +75,9 @@ protected:
         damage(block);
         const typename Value::Value before = value.Get();
         auto key = store_.OpenKey();
-        ASSERT_TRUE(
-            key->SetBinary(value.GetName(), block.data(), static_cast<uint32_t>(block.size())));
-        EXPECT_FALSE(value.Load(*key));
-        EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(),
-                  static_cast<DWORD>(CONFIG_VALUE_NOT_CONVERTIBLE));
-        EXPECT_TRUE(value.Get() == before);
+        ASSERT_TRUE(key->SetBinary(value.GetName(), block.data(), uint32_t(block.size())));
+        EXPECT_FALSE(value.Load(*key) || !(value.Get() == before));
+        EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(), DWORD{CONFIG_VALUE_NOT_CONVERTIBLE});
     }
 
     static uint32_t Dword(const VBinaryBlock& block, size_t offset) {
@@ -126,10 +128,10 @@ TEST_F(StructuredValueTest, EveryKindRoundTripsAndIsStoredAsTheSystemsLayout) {
     const VBinaryBlock font = StoredBlock(L"Normal Font v2");
     EXPECT_EQ(font[20], TRUE);
     EXPECT_EQ(std::memcmp(font.data() + 28, L"Lucida Console", 15 * sizeof(wchar_t)), 0);
-    EXPECT_EQ(store_.StoredText(L"Remote ExplorerFrame State"), VUnicodeString(L"1,1000,200"));
-    EXPECT_EQ(store_.StoredText(L"Termwright Tab State V2"), VUnicodeString(L"1,1,0;0,-1,300;"));
-    EXPECT_EQ(store_.StoredText(L"Traywell Agent Keys ListView State"),
-              VUnicodeString(L"1,0;200,80,120;0,2,1"));
+    EXPECT_TRUE(store_.StoredText(L"Remote ExplorerFrame State") == L"1,1000,200" &&
+                store_.StoredText(L"Termwright Tab State V2") == L"1,1,0;0,-1,300;" &&
+                store_.StoredText(L"Traywell Agent Keys ListView State") ==
+                    L"1,0;200,80,120;0,2,1");
 }
 
 TEST_F(StructuredValueTest, DamagedBlocksAreRefused) {
@@ -181,40 +183,111 @@ TEST_F(StructuredValueTest, StateTextsParseAsWrittenAndMalformedOnesAreRefused) 
         EXPECT_EQ(tabs.Format(), text);
     }
     VArray<int> numbers;
-    EXPECT_TRUE(StateText::ParseIntegers(L"2147483647,-2147483648", numbers));
-    EXPECT_EQ(numbers, (VArray<int>{INT_MAX, INT_MIN}));
+    EXPECT_TRUE(StateText::ParseIntegers(L"2147483647,-2147483648", numbers) &&
+                numbers == VArray<int>({INT_MAX, INT_MIN}));
     EXPECT_FALSE(StateText::ParseIntegers(L"2147483648", numbers)) << "beyond an int, not wrapped round";
     VListViewState empty;
-    ASSERT_TRUE(VListViewState::Parse(L"", empty));
-    EXPECT_TRUE(empty.IsEmpty());
+    EXPECT_TRUE(VListViewState::Parse(L"", empty) && empty.IsEmpty());
 
     const VPaneState before{false, 7, 8};
     for (const wchar_t* text : {L"", L"1,2", L"1,2,3,4", L"2,0,0", L"1,-2,0", L"1,0,-2", L"1, 0,0",
                                 L"1,0,x", L"1,,0", L"1,0,99999999999", L"1;0;0"}) {
         VPaneState state = before;
-        EXPECT_FALSE(VPaneState::Parse(text, state)) << VString(VUnicodeString(text)).c_str();
-        EXPECT_EQ(state, before);
+        EXPECT_FALSE(VPaneState::Parse(text, state) || !(state == before))
+            << VString(VUnicodeString(text)).c_str();
     }
     for (const wchar_t* text : {L"1,1,0;1,1,0", L";", L"1,1,0;;", L"1,1;", L"1,1,0,"}) {
         VTabStateList tabs;
         tabs.groups.Add(before);
-        EXPECT_FALSE(VTabStateList::Parse(text, tabs)) << VString(VUnicodeString(text)).c_str();
-        EXPECT_EQ(tabs.groups.GetCount(), 1u);
+        EXPECT_FALSE(VTabStateList::Parse(text, tabs) || tabs.groups.GetCount() != 1u)
+            << VString(VUnicodeString(text)).c_str();
     }
     for (const wchar_t* text :
          {L"1,0;200,80;0,0", L"1,0;200,80;0,2", L"1,0;200,80;0", L"2,1;200,80;0,1",
           L"-2,1;200,80;0,1", L"0,2;200,80;0,1", L"0,1;-5,80;0,1", L"0,1;;", L"0,1;200;0;",
           L"0;200;0", L"0,1,2;200;0"}) {
         VListViewState refused;
-        EXPECT_FALSE(VListViewState::Parse(text, refused)) << VString(VUnicodeString(text)).c_str();
-        EXPECT_TRUE(refused.IsEmpty());
+        EXPECT_FALSE(VListViewState::Parse(text, refused) || !refused.IsEmpty())
+            << VString(VUnicodeString(text)).c_str();
     }
 
     auto key = store_.OpenKey();
     ASSERT_TRUE(key->SetString(L"Remote ExplorerFrame State", L"garbage"));
     VProfileExplorerFrameState damaged(L"Remote ExplorerFrame State", VPaneState{true, 5, 6});
-    EXPECT_FALSE(damaged.Load(*key));
-    EXPECT_EQ(damaged.Get(), (VPaneState{true, 5, 6}));
+    EXPECT_FALSE(damaged.Load(*key) || !(damaged.Get() == VPaneState{true, 5, 6}));
+}
+
+TEST(TimeTextTest, TimesAreWrittenWithFixedWidthFieldsAndReadWithLooserOnes) {
+    const struct {
+        FILETIME time;
+        const wchar_t* written;
+        const wchar_t* alsoRead;
+    } cases[] = {
+        {TimeOf(2018, 2, 28, 13, 5, 9, 42), L"2018:02:28:13:05:09:042",
+         L"2018:02 :28:13:05:09:042 "},  // trailing blanks
+        {TimeOf(2018, 2, 3, 4, 5, 6, 7), L"2018:02:03:04:05:06:007", L"2018:2:3:4:5:6:7"},
+        {TimeOf(1601, 1, 1, 0, 0, 0, 0), L"1601:01:01:00:00:00:000", L"1601:1:1:0:0:0:0"},
+        {TimeOf(30827, 12, 31, 23, 59, 59, 999), L"30827:12:31:23:59:59:999",
+         L"30827:12:31:23:59:59:999"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(VString(VUnicodeString(c.written)).c_str());
+        VUnicodeString text;
+        ASSERT_TRUE(VProfileTimeSz::FormatTime(c.time, text));
+        EXPECT_EQ(text, c.written);
+        for (const wchar_t* read : {c.written, c.alsoRead}) {
+            FILETIME time{};
+            EXPECT_TRUE(VProfileTimeSz::ParseTime(read, time) && SameTime(time, c.time));
+        }
+    }
+
+    VUnicodeString text = L"kept";
+    EXPECT_FALSE(VProfileTimeSz::FormatTime(FILETIME{0xFFFFFFFF, 0x80000000}, text) ||
+                 text != L"kept");
+}
+
+TEST(TimeTextTest, InvalidTextsLeaveTheTimeAsItWas) {
+    const FILETIME before = TimeOf(2000, 1, 1, 0, 0, 0, 0);
+    const wchar_t* const invalid[] = {
+        L"2018:02:30:00:00:00:000",  // within the field bounds, but no such day
+        // each field one past its bounds
+        L"1600:12:31:23:59:59:999", L"30828:01:01:00:00:00:000", L"2018:00:01:00:00:00:000",
+        L"2018:13:01:00:00:00:000", L"2018:01:00:00:00:00:000", L"2018:01:32:00:00:00:000",
+        L"2018:01:01:24:00:00:000", L"2018:01:01:00:60:00:000", L"2018:01:01:00:00:60:000",
+        L"2018:01:01:00:00:00:1000",
+        // fields: six, eight, empty, signed, "-" inside, trailing, overflow; nothing
+        L"2018:01:01:00:00:00", L"2018:01:01:00:00:00:000:0", L"2018:01::00:00:00:000",
+        L"2018:-1:01:00:00:00:000", L"2018:1-:01:00:00:00:000", L"2018:01:01:00:00:00:000x",
+        L"2018:01:01:00:00:00:99999999999999999999", L""};
+    for (const wchar_t* text : invalid) {
+        FILETIME time = before;
+        EXPECT_FALSE(VProfileTimeSz::ParseTime(text, time) || !SameTime(time, before))
+            << VString(VUnicodeString(text)).c_str();
+    }
+}
+
+TEST(TimeTextTest, ATimeValueRoundTripsThroughItsTextAndRefusesWhatHasNone) {
+    IniTestStore store;
+    const FILETIME stamp = TimeOf(2024, 7, 14, 9, 30, 0, 500);
+    EXPECT_TRUE(VProfileTime(L"FWX Update Prompt Date", stamp).Save(*store.OpenKey(), true));
+    EXPECT_EQ(store.StoredText(L"FWX Update Prompt Date"),
+              VUnicodeString(L"2024:07:14:09:30:00:500"));
+
+    const FILETIME other = TimeOf(1999, 12, 31, 0, 0, 0, 0);
+    VProfileTime loaded(L"FWX Update Prompt Date", other);
+    auto key = store.OpenKey();
+    EXPECT_TRUE(loaded.Load(*key) && SameTime(loaded.Get(), stamp));
+
+    ASSERT_TRUE(key->SetString(L"FWX Update Prompt Date", L"2018:02:30:00:00:00:000"));
+    VProfileTime refused(L"FWX Update Prompt Date", other);
+    EXPECT_FALSE(refused.Load(*key) || !SameTime(refused.Get(), other));
+    EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(), DWORD{CONFIG_VALUE_NOT_CONVERTIBLE});
+
+    key->ClearWritten();
+    VProfileTime unwritable(L"Unwritable Date", FILETIME{0xFFFFFFFF, 0x80000000});
+    EXPECT_FALSE(unwritable.Save(*key, true));
+    EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(), DWORD{CONFIG_VALUE_NOT_CONVERTIBLE});
+    EXPECT_FALSE(key->WasWritten());
 }
 
 }  // namespace

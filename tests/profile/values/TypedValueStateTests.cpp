@@ -1,6 +1,4 @@
-// The life of a typed value against real INI-file keys: unchanged, edited,
-// accepted, stored; what Save writes and when; copies and assignment; reads
-// of absent and narrowed values; SetFromText.
+// The life of a typed value against real INI-file keys, former names included.
 #include <gtest/gtest.h>
 
 #include <typeinfo>
@@ -38,19 +36,14 @@ TEST_F(TypedValueStateTest, OnlyEditedOrAcceptedValuesAreWrittenAndOnlyOnce) {
     EXPECT_EQ(store_.ValuesFile(), "");
 
     timeout.Set(240);  // edited
-    EXPECT_TRUE(timeout.IsChanged());
-    EXPECT_FALSE(timeout.IsModified());
+    EXPECT_TRUE(timeout.IsChanged() && !timeout.IsModified());
     timeout.Commit();  // accepted
-    EXPECT_FALSE(timeout.IsChanged());
-    EXPECT_TRUE(timeout.IsModified());
-    EXPECT_EQ(timeout.GetSaved(), 240u);
+    EXPECT_TRUE(!timeout.IsChanged() && timeout.IsModified() && timeout.GetSaved() == 240u);
     title.Set(L"A");  // edited only; texts compare with case
 
     auto key = store_.OpenKey();
     EXPECT_TRUE(timeout.Save(*key, false));  // stored
-    EXPECT_TRUE(title.Save(*key, false));
-    EXPECT_TRUE(key->WasWritten());
-    EXPECT_FALSE(timeout.IsModified());
+    EXPECT_TRUE(title.Save(*key, false) && key->WasWritten() && !timeout.IsModified());
     key->ClearWritten();
     EXPECT_TRUE(timeout.Save(*key, false));
     EXPECT_FALSE(key->WasWritten()) << "a stored value is written once";
@@ -70,8 +63,7 @@ TEST_F(TypedValueStateTest, AFailedWriteLosesNothing) {
     auto readOnly = store_.OpenKey(true);
     ASSERT_TRUE(readOnly->IsOpen());
     EXPECT_FALSE(rows.Save(*readOnly, false));
-    EXPECT_EQ(readOnly->GetLastErrorParams().GetMessageCode(),
-              static_cast<DWORD>(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(readOnly->GetLastErrorParams().GetMessageCode(), DWORD{ERROR_ACCESS_DENIED});
     EXPECT_TRUE(rows.IsModified());
 
     EXPECT_TRUE(rows.Save(*store_.OpenKey(), false)) << "a later save still writes it";
@@ -85,13 +77,11 @@ TEST_F(TypedValueStateTest, CopiesKeepEveryFlagAssignmentKeepsItsOwnModifiedFlag
     source.SetUserFlag(false);
 
     const VProfileString copy(source);
-    EXPECT_TRUE(copy.IsModified());
-    EXPECT_FALSE(copy.GetUserFlag());
+    EXPECT_TRUE(copy.IsModified() && !copy.GetUserFlag());
 
     VProfileString target(L"Other", L"x");
     target = source;
-    EXPECT_EQ(target.GetName(), L"Answerback");
-    EXPECT_FALSE(target.GetUserFlag());
+    EXPECT_TRUE(target.GetName() == L"Answerback" && !target.GetUserFlag());
     EXPECT_FALSE(target.IsModified()) << "assignment keeps the target's pending-save state";
 
     VProfile<int> modifiedTarget(L"Rows", 1);
@@ -106,8 +96,7 @@ TEST_F(TypedValueStateTest, CopyFromTakesTheCurrentValueOfTheSameKindOnly) {
     VProfile<unsigned short> other(L"Other Port", 2222);
     other.Set(8022);
     port.CopyFrom(other);
-    EXPECT_EQ(port.Get(), 8022);
-    EXPECT_EQ(port.GetSaved(), 22) << "only the current value is copied";
+    EXPECT_TRUE(port.Get() == 8022 && port.GetSaved() == 22) << "only the current value is copied";
 
     VProfile<short> differentType(L"Port", 1);
     EXPECT_THROW(port.CopyFrom(differentType), std::bad_cast);
@@ -126,21 +115,16 @@ TEST_F(TypedValueStateTest, LoadingMakesTheValueUnchangedAndAbsentValuesKeepTheD
     timeout.Set(5);
     timeout.Commit();
     ASSERT_TRUE(timeout.Load(*key));
-    EXPECT_EQ(timeout.Get(), 30u);
-    EXPECT_EQ(timeout.GetSaved(), 30u);
-    EXPECT_FALSE(timeout.IsModified());
+    EXPECT_TRUE(timeout.Get() == 30u && timeout.GetSaved() == 30u && !timeout.IsModified());
 
     VProfileString logFile(L"Log File", L"log.txt");
-    EXPECT_FALSE(logFile.Load(*key));
+    EXPECT_FALSE(logFile.Load(*key) || logFile.Get() != L"log.txt");
     EXPECT_EQ(key->GetLastErrorParams().GetMessageCode(), static_cast<DWORD>(CONFIG_VALUE_ABSENT));
-    EXPECT_EQ(logFile.Get(), L"log.txt");
 
     VProfile<unsigned long> retries(L"Retries", 1);
     retries.Set(2);
     EXPECT_FALSE(retries.Load(*key, 300));
-    EXPECT_EQ(retries.Get(), 300u);
-    EXPECT_EQ(retries.GetSaved(), 300u);
-    EXPECT_FALSE(retries.IsModified());
+    EXPECT_TRUE(retries.Get() == 300u && retries.GetSaved() == 300u && !retries.IsModified());
 }
 
 TEST_F(TypedValueStateTest, ScalarsAreWidenedOnWritingAndNarrowedOnReading) {
@@ -154,10 +138,9 @@ TEST_F(TypedValueStateTest, ScalarsAreWidenedOnWritingAndNarrowedOnReading) {
              std::initializer_list<VProfileData*>{&offset, &position, &alpha, &blink})
             EXPECT_TRUE(value->Save(*key, true));
     }
-    EXPECT_EQ(store_.StoredNumber(L"Offset"), 0xFFFFFFFEu);
-    EXPECT_EQ(store_.StoredNumber(L"Position"), static_cast<uint32_t>(-100));
-    EXPECT_EQ(store_.StoredNumber(L"Alpha"), 200u);
-    EXPECT_EQ(store_.StoredNumber(L"Blink"), 1u);
+    EXPECT_TRUE(store_.StoredNumber(L"Offset") == 0xFFFFFFFEu &&
+                store_.StoredNumber(L"Position") == static_cast<uint32_t>(-100) &&
+                store_.StoredNumber(L"Alpha") == 200u && store_.StoredNumber(L"Blink") == 1u);
 
     auto key = store_.OpenKey();
     key->SetDword(L"Alpha", 0x1FF);
@@ -168,9 +151,7 @@ TEST_F(TypedValueStateTest, ScalarsAreWidenedOnWritingAndNarrowedOnReading) {
     VProfile<bool> blinkRead(L"Blink", false);
     ASSERT_TRUE(offsetRead.Load(*key) && positionRead.Load(*key) && alphaRead.Load(*key) &&
                 blinkRead.Load(*key));
-    EXPECT_EQ(offsetRead.Get(), -2);
-    EXPECT_EQ(positionRead.Get(), -100);
-    EXPECT_EQ(alphaRead.Get(), 0xFF);
+    EXPECT_TRUE(offsetRead.Get() == -2 && positionRead.Get() == -100 && alphaRead.Get() == 0xFF);
     EXPECT_TRUE(blinkRead.Get()) << "a switch stored as 2 is true";
 }
 
@@ -184,22 +165,17 @@ TEST_F(TypedValueStateTest, SetFromTextParsesNumbersAndReadsSwitchesAndTextsFrom
     color.Set(1);
     color.Commit();
     EXPECT_TRUE(color.SetFromText(source, "ff8000"));
-    EXPECT_EQ(color.Get(), 0xFF8000u);
-    EXPECT_EQ(color.GetSaved(), 0xFF8000u);
-    EXPECT_FALSE(color.IsModified());
+    EXPECT_TRUE(color.Get() == 0xFF8000u && color.GetSaved() == 0xFF8000u && !color.IsModified());
 
     VProfile<bool> blink(L"Blink", false);
-    EXPECT_TRUE(blink.SetFromText(source, "0")) << "a switch ignores the text";
-    EXPECT_TRUE(blink.Get());
+    EXPECT_TRUE(blink.SetFromText(source, "0") && blink.Get()) << "a switch ignores the text";
     VProfile<bool> absentSwitch(L"Absent Switch", true);
     EXPECT_FALSE(absentSwitch.SetFromText(source, "0"));
 
     VProfileString title(L"Title", L"x");
-    EXPECT_TRUE(title.SetFromText(source, "default"));
-    EXPECT_EQ(title.Get(), L"stored");
+    EXPECT_TRUE(title.SetFromText(source, "default") && title.Get() == L"stored");
     VProfileString absent(L"Absent", L"x");
-    EXPECT_TRUE(absent.SetFromText(source, "default"));
-    EXPECT_EQ(absent.GetSaved(), L"default");
+    EXPECT_TRUE(absent.SetFromText(source, "default") && absent.GetSaved() == L"default");
     VProfileKey missingKey(*key, L"No Such Key", false);
     VProfileKeySource failing(missingKey);
     VProfileString unreadable(L"Title", L"x");
@@ -208,6 +184,97 @@ TEST_F(TypedValueStateTest, SetFromTextParsesNumbersAndReadsSwitchesAndTextsFrom
     EXPECT_EQ(failing.GetLastErrorParams().GetMessageCode(),
               static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(unreadable.Get(), L"x");
+}
+
+TEST_F(TypedValueStateTest, ANumberFoundUnderItsFormerNameMovesAtTheNextSaveThatSucceeds) {
+    store_.OpenKey()->SetDword(L"Enable 80/132 Column Switching", 1);
+    VProfile<bool> switching(L"Enable 80-132 Column Switching", false);
+    ASSERT_TRUE(
+        switching.LoadWithFormerName(*store_.OpenKey(), L"Enable 80/132 Column Switching", false));
+    EXPECT_TRUE(switching.Get() && switching.IsModified()) << "to be saved under its new name";
+
+    EXPECT_FALSE(switching.Save(*store_.OpenKey(true), false));
+    EXPECT_TRUE(switching.IsModified()) << "a failed move is tried again";
+    EXPECT_TRUE(switching.Save(*store_.OpenKey(), false) && !switching.IsModified());
+    EXPECT_TRUE(store_.StoredNumber(L"Enable 80-132 Column Switching") == 1u &&
+                !store_.StoredNumber(L"Enable 80/132 Column Switching"));
+}
+
+TEST_F(TypedValueStateTest, ThePresentNameWinsAndNeitherGivesTheDefault) {
+    {
+        auto key = store_.OpenKey();
+        key->SetDword(L"Keep Alive", 30);
+        key->SetDword(L"Old Keep Alive", 60);
+    }
+    auto key = store_.OpenKey();
+    VProfile<unsigned long> keepAlive(L"Keep Alive", 0);
+    EXPECT_TRUE(keepAlive.LoadWithFormerName(*key, L"Old Keep Alive", 5) &&
+                keepAlive.Get() == 30u && !keepAlive.IsModified());
+    key->ClearWritten();
+    EXPECT_TRUE(keepAlive.Save(*key, false));
+    EXPECT_FALSE(key->WasWritten()) << "nothing to move";
+
+    VProfile<unsigned long> retries(L"Retry Attempts", 1);
+    retries.Set(3);
+    EXPECT_FALSE(retries.LoadWithFormerName(*key, L"Old Retry Attempts", 20));
+    EXPECT_TRUE(retries.Get() == 20u && retries.GetSaved() == 20u && !retries.IsModified());
+}
+
+TEST_F(TypedValueStateTest, ATextFoundUnderItsFormerNameIsBlankedThereAtTheNextSave) {
+    store_.OpenKey()->SetString(L"Local Shell Command Pre-connect", L"net use x:");
+
+    VProfileString command(L"Local Shell Command Pre-connect V2");
+    {
+        auto key = store_.OpenKey();
+        ASSERT_TRUE(command.LoadWithFormerName(*key, L"Local Shell Command Pre-connect", L"") &&
+                    command.Get() == L"net use x:");
+        EXPECT_TRUE(command.Save(*key, false));
+    }
+    EXPECT_TRUE(store_.StoredText(L"Local Shell Command Pre-connect V2") == L"net use x:" &&
+                store_.StoredText(L"Local Shell Command Pre-connect") == VUnicodeString())
+        << "moved, and blanked as older versions expect";
+
+    auto key = store_.OpenKey();
+    EXPECT_TRUE(key->DeleteValue(L"Local Shell Command Pre-connect V2"));
+    VProfileString again(L"Local Shell Command Pre-connect V2");
+    EXPECT_FALSE(again.LoadWithFormerName(*key, L"Local Shell Command Pre-connect", L"default"));
+    EXPECT_TRUE(again.Get() == L"default" && !again.IsModified()) << "a blank is no value";
+}
+
+// A copy, or the value saved into another key, must not touch the former name there.
+TEST_F(TypedValueStateTest, OnlyAKeyThatHoldsTheFormerNameLosesIt) {
+    VProfile<unsigned long> number(L"New Number", 0);
+    VProfileString text(L"New Text");
+    {
+        auto key = store_.OpenKey();
+        key->SetDword(L"Old Number", 7);
+        key->SetString(L"Old Text", L"seven");
+        ASSERT_TRUE(number.LoadWithFormerName(*key, L"Old Number", 0) &&
+                    text.LoadWithFormerName(*key, L"Old Text", L""));
+    }
+    VProfile<unsigned long> numberCopy(number);
+    VProfileString textCopy(text);
+    for (const wchar_t* subkey : {L"Copy", L"Original"}) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(subkey)));
+        const bool copy = subkey[0] == L'C';
+        {
+            auto key = store_.OpenKey();
+            VProfileKey other(*key, subkey, true);
+            EXPECT_TRUE((copy ? numberCopy : number).Save(other, false))
+                << other.GetLastErrorParams().GetMessageCode();
+            EXPECT_TRUE((copy ? textCopy : text).Save(other, false));
+        }
+        auto key = store_.OpenKey();
+        VProfileKey other(*key, subkey, false);
+        uint32_t stored = 0;
+        VUnicodeString storedText;
+        EXPECT_TRUE(other.GetDword(L"New Number", stored) && stored == 7u);
+        EXPECT_TRUE(other.GetString(L"New Text", storedText) && storedText == L"seven");
+        VProfileKeyIterator values(other, true);
+        size_t count = 0;
+        while (values.Next(storedText)) ++count;
+        EXPECT_EQ(count, 2u) << "nothing under the former names";
+    }
 }
 
 }  // namespace
