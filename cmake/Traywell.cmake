@@ -2,13 +2,17 @@
 # message tables compiled with windmc into executables or resource-only DLLs.
 
 # traywell_add_test(NAME <name> SOURCES <src>... [LIBS <lib>...]
-#                   [TIMEOUT <seconds>] [ARGS <arg>...] [LABELS <label>...])
+#                   [TIMEOUT <seconds>] [ARGS <arg>...] [LABELS <label>...]
+#                   [LOCKS <resource>...])
 #
 # Builds a GoogleTest (and GoogleMock) executable and registers it as one ctest
 # test, run through the emulator. ctest kills it after TIMEOUT seconds (300 by
-# default), so a test that hangs fails instead of stalling the run.
+# default), so a test that hangs fails instead of stalling the run. Tests that
+# name the same lock never run at once: "desktop" for those that show windows,
+# take the focus or type (they share one display), "session_agent" for those
+# that use the session's agent pipe and key store.
 function(traywell_add_test)
-    cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME;TIMEOUT" "SOURCES;LIBS;ARGS;LABELS")
+    cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME;TIMEOUT" "SOURCES;LIBS;ARGS;LABELS;LOCKS")
     if(NOT arg_NAME OR NOT arg_SOURCES)
         message(FATAL_ERROR "traywell_add_test needs NAME and SOURCES")
     endif()
@@ -25,6 +29,9 @@ function(traywell_add_test)
     set_tests_properties(${arg_NAME} PROPERTIES TIMEOUT ${arg_TIMEOUT})
     if(arg_LABELS)
         set_tests_properties(${arg_NAME} PROPERTIES LABELS "${arg_LABELS}")
+    endif()
+    if(arg_LOCKS)
+        set_tests_properties(${arg_NAME} PROPERTIES RESOURCE_LOCK "${arg_LOCKS}")
     endif()
 endfunction()
 
