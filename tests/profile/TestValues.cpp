@@ -46,7 +46,6 @@ TestValues ReadAllValues(VProfilePrivateKey& key) {
         }
         default: break;
         }
-        // A listed value that cannot be read back shows up as a kind of its own.
         if (!read) {
             value = TestValue();
             value.kind = 0xDEAD;

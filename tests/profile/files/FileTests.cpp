@@ -20,8 +20,7 @@ namespace {
 constexpr DWORD ReadWrite = GENERIC_READ | GENERIC_WRITE;
 constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-// The rights that path's access list allows the user: Wine keeps a descriptor
-// as the file's Unix mode, so rights, not the exact entries, are compared.
+// Wine keeps a descriptor as the file's Unix mode: rights, not exact entries, are compared.
 ACCESS_MASK UserRights(const VUnicodeString& path, const VUnicodeString& user) {
     PACL dacl = nullptr;
     PSECURITY_DESCRIPTOR descriptor = nullptr;
@@ -47,7 +46,6 @@ ACCESS_MASK UserRights(const VUnicodeString& path, const VUnicodeString& user) {
     return rights;
 }
 
-// The answer of a profile_probe asked for a lock: 0 granted, else ProbeRefused.
 long ProbeLock(const VUnicodeString& file, uint64_t offset, uint64_t length, bool exclusive) {
     VUnicodeString arguments;
     arguments.FormatPrintf(MAX_PATH + 64, L"lock \"%ls\" %llu %llu %ls", file.c_str(), offset, length,
@@ -113,7 +111,6 @@ TEST_F(FileTest, TemporaryNamesCountInUpperCaseHexadecimal) {
     for (size_t i = 0; i < 12; ++i)
         EXPECT_EQ(prefix + std::wstring(1, L"0123456789AB"[i]).c_str() + L".tmp", files[i].GetFileName());
 
-    // A name freed again is taken again: the counter starts at 0 each time.
     files[3].Close();
     ASSERT_TRUE(DeleteFileW((prefix + L"3.tmp").c_str()));
     VFile again;
@@ -121,7 +118,6 @@ TEST_F(FileTest, TemporaryNamesCountInUpperCaseHexadecimal) {
     EXPECT_EQ(prefix + L"3.tmp", again.GetFileName());
     EXPECT_TRUE(again.WriteBytes("x", 1)) << "opened for writing";
 
-    // Any error but an existing name ends the attempt at once.
     EXPECT_FALSE(again.OpenUniqueTemporary(folder_ / L"absent\\ini"));
     EXPECT_EQ(static_cast<DWORD>(ERROR_PATH_NOT_FOUND), GetLastError());
     EXPECT_FALSE(again.IsOpen());
@@ -141,8 +137,6 @@ TEST_F(FileTest, FolderChainCreatesEveryMissingParentAndRefusesAFileInTheWay) {
     EXPECT_EQ("x", ReadWholeFile(folder_ / L"plain")) << "the file is left as it was";
 }
 
-// What a chain or Open creates gets the descriptor, what existed or is made
-// without one keeps the default. Below a read-only folder no chain could go on.
 TEST_F(FileTest, CreationAppliesTheHeldDescriptor) {
     VUnicodeString user;
     ASSERT_TRUE(GetCurrentUserSidString(user));

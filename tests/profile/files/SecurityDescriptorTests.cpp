@@ -18,7 +18,6 @@ namespace {
 
 using Texts = VArray<VUnicodeString>;
 
-// A descriptor from the system's own descriptor language, as an independent source.
 VSecurityDescriptor FromSddl(const wchar_t* sddl) {
     PSECURITY_DESCRIPTOR raw = nullptr;
     EXPECT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(sddl, SDDL_REVISION_1, &raw, nullptr)) << sddl;
@@ -28,7 +27,6 @@ VSecurityDescriptor FromSddl(const wchar_t* sddl) {
     return descriptor;
 }
 
-// A descriptor whose access list is dacl (null: a null access list).
 VSecurityDescriptor WithDacl(void* dacl) {
     SECURITY_DESCRIPTOR absolute;
     InitializeSecurityDescriptor(&absolute, SECURITY_DESCRIPTOR_REVISION);
@@ -38,8 +36,6 @@ VSecurityDescriptor WithDacl(void* dacl) {
     return descriptor;
 }
 
-// An access list with one allowed-callback entry for Everyone, an entry kind
-// that the text form has no word for.
 std::vector<DWORD> CallbackEntryList() {
     std::vector<DWORD> acl(64);
     InitializeAcl(reinterpret_cast<PACL>(acl.data()), static_cast<DWORD>(acl.size() * 4), ACL_REVISION);
@@ -65,8 +61,6 @@ std::wstring ToSddl(const VSecurityDescriptor& descriptor, SECURITY_INFORMATION 
     return text ? text : L"";
 }
 
-// The text form read and written back: the entries in list order, the
-// reading lenient about case, blanks and aliases, the writing canonical.
 TEST(SecurityDescriptorTest, TextFormRoundTripsInListOrder) {
     const wchar_t* domainSid = L"S-1-5-21-1004336348-1177238915-682003330-512";
     const VUnicodeString domainEntry = VUnicodeString(L"allow,0x80000000,") + domainSid;
@@ -80,8 +74,7 @@ TEST(SecurityDescriptorTest, TextFormRoundTripsInListOrder) {
          Texts{L"allow,0x001f01ff,S-1-5-32-544", L"deny,0x00000001,S-1-1-0", domainEntry}},
         {Texts{L"ALLOW,0X1F01FF,BA", L" Deny , 0xa ,\tS-1-1-0 "}, nullptr,
          Texts{L"allow,0x001f01ff,S-1-5-32-544", L"deny,0x0000000a,S-1-1-0"}},
-        // No entries: an access list that denies everyone, not a missing one.
-        {Texts(), L"D:", Texts()},
+        {Texts(), L"D:", Texts()},  // denies everyone; not a missing list
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.canonical.GetCount() ? c.canonical[0].c_str() : L"no entries");
@@ -142,8 +135,6 @@ TEST(SecurityDescriptorTest, WhatTheTextCannotHoldIsRefusedNotDropped) {
         EXPECT_EQ(static_cast<DWORD>(ERROR_NOT_SUPPORTED), GetLastError()) << refused.why;
         EXPECT_EQ(Texts{L"untouched"}, entries) << refused.why;
     }
-    // The mark of an inherited entry alone is no behaviour, and the owner is
-    // not part of the text form: both are read.
     ASSERT_TRUE(FromSddl(L"D:(A;ID;FA;;;BA)").ToText(entries));
     EXPECT_EQ(Texts{L"allow,0x001f01ff,S-1-5-32-544"}, entries);
     ASSERT_TRUE(FromSddl(L"O:BAD:(D;;FA;;;WD)").ToText(entries));
@@ -167,13 +158,11 @@ TEST(SecurityDescriptorTest, BytesFromOutsideAreCheckedAgainstTheirLength) {
         EXPECT_FALSE(descriptor.AssignBytes(copy.data(), cut)) << "cut to " << cut;
         EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_SECURITY_DESCR), GetLastError());
     }
-    // An access list that claims more entries than it holds.
     SECURITY_DESCRIPTOR_RELATIVE header;
     std::memcpy(&header, copy.data(), sizeof header);
     std::vector<BYTE> lying = copy;
     lying[header.Dacl + 4] = 40;  // AceCount
     EXPECT_FALSE(descriptor.AssignBytes(lying.data(), lying.size()));
-    // An owner offset beyond the end.
     lying = copy;
     const DWORD distant = static_cast<DWORD>(copy.size() + 100);
     std::memcpy(lying.data() + offsetof(SECURITY_DESCRIPTOR_RELATIVE, Owner), &distant, sizeof distant);
@@ -181,27 +170,12 @@ TEST(SecurityDescriptorTest, BytesFromOutsideAreCheckedAgainstTheirLength) {
     EXPECT_FALSE(descriptor.AssignBytes("not a descriptor at all", 23));
     EXPECT_FALSE(descriptor.AssignBytes(nullptr, 0));
 
-    // Still the first one: failures changed nothing.
     EXPECT_EQ(ToSddl(source, DACL_SECURITY_INFORMATION), ToSddl(descriptor, DACL_SECURITY_INFORMATION));
 }
 
 TEST(SecurityDescriptorTest, PerUserAccessGrantsTheTokenUserEverything) {
     VUnicodeString sid;
     ASSERT_TRUE(GetCurrentUserSidString(sid));
-    // The same account, found by name through the system's own lookup.
-    wchar_t user[256];
-    DWORD userLength = 256;
-    ASSERT_TRUE(GetUserNameW(user, &userLength));
-    BYTE account[SECURITY_MAX_SID_SIZE];
-    DWORD accountSize = sizeof account;
-    wchar_t domain[256];
-    DWORD domainLength = 256;
-    SID_NAME_USE use;
-    ASSERT_TRUE(LookupAccountNameW(nullptr, user, account, &accountSize, domain, &domainLength, &use));
-    wchar_t* text = nullptr;
-    ASSERT_TRUE(ConvertSidToStringSidW(account, &text));
-    const LocalMemory textOwner(text);
-    EXPECT_EQ(VUnicodeString(text), sid);
 
     VSecurityDescriptor descriptor;
     ASSERT_TRUE(descriptor.AssignCurrentUserAccess());

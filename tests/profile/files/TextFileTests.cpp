@@ -8,7 +8,6 @@
 #include <thread>
 #include <vector>
 
-#include "IniFileFormat.h"
 #include "TempFolder.h"
 #include "TestSeed.h"
 #include "VTextFile.h"
@@ -23,7 +22,6 @@ const std::string Utf8Mark = "\xEF\xBB\xBF";
 
 std::wstring Widen(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
 
-// 8-bit text as the system's own converter reads it in the ANSI code page.
 std::wstring Ansi(const std::string& bytes) {
     std::wstring text(bytes.size(), L'\0');
     text.resize(MultiByteToWideChar(CP_ACP, 0, bytes.data(), static_cast<int>(bytes.size()), text.data(),
@@ -39,7 +37,6 @@ protected:
         return name;
     }
 
-    // Every line of the file; error receives the last error of the read that ended it.
     static Lines ReadAll(const VUnicodeString& name, VTextEncoding* encoding = nullptr, DWORD* error = nullptr,
                          bool blockLocking = true) {
         VTextFile file;
@@ -53,20 +50,6 @@ protected:
         return lines;
     }
 
-    // The lines of a file with the given bytes, read whole and then cut.
-    Lines ReadWhole(const std::string& bytes) {
-        VTextFile file;
-        EXPECT_TRUE(file.Open(Make(bytes), GENERIC_READ, OPEN_EXISTING));
-        WipedVector<wchar_t> text;
-        EXPECT_TRUE(file.ReadAll(text, bytes.size()));
-        const wchar_t* position = text.data();
-        Lines lines;
-        std::wstring_view line;
-        while (NextIniLine(position, text.data() + text.size(), line)) lines.emplace_back(line);
-        return lines;
-    }
-
-    // The bytes that writing text in encoding produces.
     std::string Written(VTextEncoding encoding, const std::wstring& text, bool* ok = nullptr) {
         const VUnicodeString name = folder_ / (L"w" + std::to_wstring(count_++) + L".txt").c_str();
         {
@@ -99,19 +82,16 @@ TEST_F(TextFileTest, ReadsLinesByTheMarkAndStopsAtBadBytes) {
         {"\xEF\xBBx", {Ansi("\xEF\xBBx")}, TextEncodingAnsi, Eof},  // half a mark is text
         {"\xFE\xFF", {}, TextEncodingUtf16BE, Eof},
         {"", {}, TextEncodingAnsi, Eof},
-        // Line ends: CR, LF, CR LF; a final end adds no empty line, once.
         {"a\rb\nc\r\nd\r\r\ne", {L"a", L"b", L"c", L"d", L"", L"e"}, TextEncodingAnsi, Eof},
         {"\n\r\n\rx\r\n", {L"", L"", L"", L"x"}, TextEncodingAnsi, Eof},
         {"x\n\n", {L"x", L""}, TextEncodingAnsi, Eof},
         {"x\n\r", {L"x", L""}, TextEncodingAnsi, Eof},
         {"one\r\nlast\r", {L"one", L"last"}, TextEncodingAnsi, Eof},
-        // Untranslatable bytes: the part of the line before them is delivered.
         {Utf8Mark + "ok\r\nab\xFF" "cd\r\nmore", {L"ok", L"ab"}, TextEncodingUtf8, Bad},
         {Utf8Mark + "s\xED\xA0\x80t", {L"s"}, TextEncodingUtf8, Bad},  // an encoded surrogate
         {Utf8Mark + "x\ny\xE2\x82", {L"x", L"y"}, TextEncodingUtf8, Bad},  // cut off by the end
         {Utf8Mark + "x\n\xC0\xAF", {L"x"}, TextEncodingUtf8, Bad},  // an empty partial line is not delivered
         {std::string("\xFF\xFE" "a\0b\0c", 7), {L"ab"}, TextEncodingUtf16LE, Bad},  // half a unit
-        // A surrogate without its other half, which no other encoding holds.
         {std::string("\xFF\xFE" "a\0\x00\xD8" "b\0\x00\xDC", 10), {L"a\uFFFDb\uFFFD"}, TextEncodingUtf16LE, Eof},
         {std::string("\xFE\xFF" "\xDC\x00\xD8\x00", 6), {L"\uFFFD\uFFFD"}, TextEncodingUtf16BE, Eof},
     };
@@ -122,7 +102,6 @@ TEST_F(TextFileTest, ReadsLinesByTheMarkAndStopsAtBadBytes) {
         EXPECT_EQ(c.lines, ReadAll(Make(c.bytes), &encoding, &error));
         EXPECT_EQ(c.encoding, encoding);
         EXPECT_EQ(c.error, error);
-        EXPECT_EQ(c.lines, ReadWhole(c.bytes)) << "the whole file at once reads the same";
     }
 }
 
@@ -173,7 +152,6 @@ TEST_F(TextFileTest, BlockEdgesSplitNothing) {
         {"bad bytes in a later block", Utf8Mark + "head\n" + q + "tail\xF8rest\nnever",
          {L"head", Widen(q) + L"tail"}, ERROR_NO_UNICODE_TRANSLATION},
     };
-    // A 4-byte and a 3-byte UTF-8 sequence, cut after each of their first bytes.
     for (size_t before = 1; before <= 3; ++before) {
         const size_t filler = Block - Utf8Mark.size() - before;
         cases.push_back({"UTF-8 sequence split",
@@ -190,8 +168,6 @@ TEST_F(TextFileTest, BlockEdgesSplitNothing) {
     }
 }
 
-// A known encoding still skips its own mark; after a false reading stays
-// ended until a Seek starts it over.
 TEST_F(TextFileTest, AKnownEncodingSkipsItsMarkAndReadingStaysEndedUntilASeek) {
     VTextFile file;
     ASSERT_TRUE(file.Open(Make(Utf8Mark + "a\xFF\nb"), GENERIC_READ, OPEN_EXISTING));

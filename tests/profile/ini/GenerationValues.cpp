@@ -7,7 +7,6 @@
 
 namespace {
 
-// The name of main value index, and of private value index (counted from 0).
 VUnicodeString NameOf(unsigned index, bool isPrivate) {
     if (isPrivate) return GetPrivateValueNames()[index];
     VUnicodeString name;
@@ -15,7 +14,6 @@ VUnicodeString NameOf(unsigned index, bool isPrivate) {
     return name;
 }
 
-// What generation stores under a name, with a tail whose length changes with it.
 VUnicodeString Text(Generation generation, unsigned index) {
     VUnicodeString text;
     text.FormatPositional(L"writer %1!u! generation %2!u! value %3!u! ", generation.writer, generation.number, index);
@@ -23,7 +21,6 @@ VUnicodeString Text(Generation generation, unsigned index) {
     return text;
 }
 
-// The generation that value 0 names, when the count values all hold it.
 bool ReadGroup(VProfilePrivateKey& key, unsigned count, bool isPrivate, Generation& generation) {
     VUnicodeString text;
     if (key.GetString(NameOf(0, isPrivate), text))

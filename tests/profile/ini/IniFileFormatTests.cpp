@@ -19,15 +19,12 @@ protected:
     VUnicodeString ValuesFile() const { return VIniFileKey::ValuesFilePath(keyFolder_); }
     VUnicodeString PrivateValuesFile() const { return VIniFileKey::ValuesFilePath(privateFolder_); }
 
-    // The values that a key reads from a values file holding bytes.
     TestValues Load(const std::string& bytes) {
         EXPECT_TRUE(WriteWholeFile(ValuesFile(), bytes));
         VIniFileKey key(keyFolder_, VUnicodeString(), true, nullptr);
         return ReadAllValues(key);
     }
 
-    // Stores values in this order through a fresh key and saves them; the
-    // bytes of the values file.
     std::string Save(const std::vector<std::pair<std::wstring, TestValue>>& values) {
         VIniFileKey key(keyFolder_, VUnicodeString(), false, nullptr);
         for (const auto& [name, value] : values) EXPECT_TRUE(StoreValue(key, name, value));
@@ -40,8 +37,6 @@ protected:
     const VUnicodeString privateFolder_ = folder_ / L"Private\\Key";
 };
 
-// One entry between a "before" and an "after" entry: a broken one ends the
-// file after "before", an accepted one yields what it holds.
 TEST_F(IniFileFormat, ReadingTakesWellFormedEntriesAndStopsAtTheFirstBrokenOne) {
     std::vector<uint8_t> thirtyThree;
     for (uint8_t byte = 0; byte < 33; ++byte) thirtyThree.push_back(byte);
@@ -80,8 +75,7 @@ TEST_F(IniFileFormat, ReadingTakesWellFormedEntriesAndStopsAtTheFirstBrokenOne) 
         {"empty names of every kind are dropped, data lines included",
          "S:\"\"=text\r\nD:\"\"=00000005\r\nB:\"\"=00000002\r\n 01 02\r\nZ:\"\"=00000001\r\n x", true, {}},
         {"a non-digit counts as 255, weighed by its place", "D:\"x\"=000000g0", true, {{L"x", D(255 * 16)}}},
-        // 255 * (16^8 - 1) / 15 = 17 * (2^32 - 1), whose low 32 bits are 2^32 - 17.
-        {"only the low 32 bits are kept", "D:\"x\"=gggggggg", true, {{L"x", D(0xFFFFFFEF)}}},
+        {"only the low 32 bits are kept", "D:\"x\"=gggggggg", true, {{L"x", D(0xFFFFFFEF)}}},  // 17 * (2^32 - 1)
         {"digits of either case", "D:\"x\"=ABcdEF01", true, {{L"x", D(0xABCDEF01)}}},
         {"33 bytes split anyhow, pairs of either case",
          "B:\"x\"=00000021\r\n000102\r\n\t03  04\t05\r\n06070809 0A0b0C0d0e0F\r\n"
@@ -109,7 +103,6 @@ TEST_F(IniFileFormat, ReadingTakesWellFormedEntriesAndStopsAtTheFirstBrokenOne) 
     }
 }
 
-// "Zoë 中 😀" in each encoding's bytes.
 const std::wstring Mixed = L"Zo\u00eb \u4e2d \U0001F600";
 const std::string Utf8Mixed = "Zo\xC3\xAB \xE4\xB8\xAD \xF0\x9F\x98\x80";
 
@@ -122,7 +115,6 @@ std::string Utf16(const std::wstring& text, bool bigEndian) {
     return bytes;
 }
 
-// 8-bit text as the system's own converter reads it in the ANSI code page.
 std::wstring Ansi(const std::string& text) {
     std::wstring wide(text.size(), L'\0');
     wide.resize(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), static_cast<int>(text.size()),
@@ -206,8 +198,6 @@ TEST_F(IniFileFormat, AReplacedOrRestoredValueKeepsItsPlaceAndNoValueLeavesOnlyT
 }
 
 
-// A lone surrogate, which a UTF-16 file can hold and UTF-8 cannot, reads as
-// U+FFFD; otherwise no later save could write the key, and none of its values.
 TEST_F(IniFileFormat, AUtf16FileIsRewrittenAsUtf8WithLoneSurrogatesReplaced) {
     const std::wstring text = L"S:\"" + Mixed + L"\"=" + Mixed + L"\r\nS:\"lone\"=a\xD800" L"b\xDC00\r\nD:\"n\"=00000007\r\n";
     for (const bool bigEndian : {false, true}) {
@@ -223,8 +213,6 @@ TEST_F(IniFileFormat, AUtf16FileIsRewrittenAsUtf8WithLoneSurrogatesReplaced) {
     }
 }
 
-// How a key with a private folder splits its values between the two files,
-// from the files it finds to the files its save leaves.
 TEST_F(IniFileFormat, PrivateValuesLiveInThePrivateFileWhichWinsOverTheMainOne) {
     const struct {
         const char* what;
@@ -234,17 +222,15 @@ TEST_F(IniFileFormat, PrivateValuesLiveInThePrivateFileWhichWinsOverTheMainOne) 
         const wchar_t* deleted;
         std::string mainAfter, personalAfter;
     } cases[] = {
-        // Names are compared exactly: "password" is not private.
         {"the private names go to the private file, in its list's order", "", "", {},
          {{L"Host", S(L"example.org")}, {L"Password V2", S(L"02:s")}, {L"Use Narrow Font", D(1)},
-          {L"Username", S(L"me")}, {L"password", S(L"plain")}}, nullptr,
+          {L"Username", S(L"me")}, {L"password", S(L"plain")}}, nullptr,  // names compare exactly
          "S:\"Host\"=example.org\r\nS:\"password\"=plain\r\n",
          "S:\"Username\"=me\r\nS:\"Password V2\"=02:s\r\nD:\"Use Narrow Font\"=00000001\r\n"},
         {"the private file overrides the main one, which loses its private values",
          "S:\"Password\"=old\r\nS:\"Account\"=acct\r\nD:\"Port\"=00000016\r\n", "S:\"Password\"=new\r\n",
          {{L"Password", S(L"new")}, {L"Account", S(L"acct")}, {L"Port", D(22)}}, {{L"Port", D(23)}}, nullptr,
          "D:\"Port\"=00000017\r\n", "S:\"Password\"=new\r\nS:\"Account\"=acct\r\n"},
-        // A value put there by hand or by an older version would win at every load.
         {"a private file that was read is rewritten with only the private values", "S:\"Host\"=main\r\n",
          "S:\"Host\"=stale\r\n", {{L"Host", S(L"stale")}}, {{L"Host", S(L"new")}}, nullptr, "S:\"Host\"=new\r\n", ""},
         {"a deleted private value does not come back from the private file", "", "S:\"Password\"=secret\r\n",

@@ -39,8 +39,6 @@ protected:
     const VUnicodeString privateFolder_ = folder_ / L"Personal";
 };
 
-// Read on first use, not at creation, and a key that was only read leaves its
-// files alone: a rewrite would drop the damaged tail.
 TEST_F(IniFileKey, FilesAreReadOnFirstUseAndOnReloadAndAreNotRewrittenByReading) {
     const auto key = Key();
     const std::string bytes = Bom + "D:\"n\"=00000005\r\nthis is not an entry\r\nD:\"m\"=00000001\r\n";
@@ -99,8 +97,6 @@ TEST_F(IniFileKey, IsSessionIsOneWheneverTheValuesFileExists) {
     EXPECT_FALSE(Key(true)->GetDword(L"Is Session", value)) << "a folder is no values file";
 }
 
-// Through a save and a new key: as text when the text form holds it, else as
-// binary (the per-user descriptor has inheritance flags).
 TEST_F(IniFileKey, ASecurityDescriptorIsKeptExactlyAsTextOrAsBinary) {
     VSecurityDescriptor plain;
     ASSERT_TRUE(plain.FromText({L"allow,0x001f01ff,S-1-5-32-544", L"deny,0x00000002,S-1-1-0"}));
@@ -133,8 +129,6 @@ TEST_F(IniFileKey, ASecurityDescriptorIsKeptExactlyAsTextOrAsBinary) {
     }
 }
 
-// The file a save puts in place keeps the old one's access list (the private
-// file's protection) and attributes, and leaves nothing behind.
 TEST_F(IniFileKey, ASaveKeepsTheFilesAccessListsAndAttributes) {
     VSecurityDescriptor perUser;
     ASSERT_TRUE(perUser.AssignCurrentUserAccess());
@@ -161,7 +155,6 @@ TEST_F(IniFileKey, ASaveKeepsTheFilesAccessListsAndAttributes) {
                 continue;
             }
             EXPECT_EQ(before[i], accessList(files[i]));
-            // A file that changed is marked for backup, as any write marks it.
             EXPECT_EQ(FILE_ATTRIBUTE_HIDDEN, GetFileAttributesW(files[i].c_str()) & ~FILE_ATTRIBUTE_ARCHIVE);
         }
     }
@@ -180,7 +173,6 @@ TEST_F(IniFileKey, IsWritableFollowsTheKeyAndItsFile) {
     ASSERT_TRUE(SetFileAttributesW(ValuesFile().c_str(), FILE_ATTRIBUTE_NORMAL));
 }
 
-// Every file under folder with its size and, unless it is huge, its bytes.
 using Tree = std::map<std::wstring, std::pair<int64_t, std::string>>;
 
 Tree Snapshot(const std::wstring& folder, Tree tree = {}) {
@@ -201,8 +193,6 @@ Tree Snapshot(const std::wstring& folder, Tree tree = {}) {
     return tree;
 }
 
-// A save that cannot be done fails with a reason and changes no file; once
-// what stood in the way is gone, the key saves after a Reload.
 TEST_F(IniFileKey, ASaveThatCannotBeDoneFailsAndDamagesNothing) {
     const std::string bytes = Bom + "D:\"n\"=00000001\r\n";
     const VUnicodeString privateFile = VIniFileKey::ValuesFilePath(privateFolder_);
@@ -223,15 +213,13 @@ TEST_F(IniFileKey, ASaveThatCannotBeDoneFailsAndDamagesNothing) {
         {"folder where the values file should be", folder_ / L"Other",
          [&] { return CreateDirectoryW((folder_ / L"Other.ini").c_str(), nullptr) != FALSE; },
          [&] { RemoveDirectoryW((folder_ / L"Other.ini").c_str()); }, ERROR_ACCESS_DENIED},
-        // The secrets must not go to the main file, where the private file would win over them.
-        {"read-only private file", keyFolder_,
+        {"read-only private file", keyFolder_,  // the main file must not take the secrets
          [&] {
              return WriteWholeFile(ValuesFile(), bytes) && WriteWholeFile(privateFile, Bom + "S:\"Password\"=old\r\n") &&
                     SetFileAttributesW(privateFile.c_str(), FILE_ATTRIBUTE_READONLY);
          },
          [&] { SetFileAttributesW(privateFile.c_str(), FILE_ATTRIBUTE_NORMAL); }, ERROR_ACCESS_DENIED},
-        // Read as an empty key, the next save would wipe it.
-        {"values file that another process had to itself at the load", keyFolder_,
+        {"values file that another process had to itself at the load", keyFolder_,  // else a save wipes it
          [&] {
              held.Reset(CreateFileW(ValuesFile().c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0,
                                     nullptr));
@@ -239,8 +227,7 @@ TEST_F(IniFileKey, ASaveThatCannotBeDoneFailsAndDamagesNothing) {
              return held && WriteFile(held.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
          },
          [] {}, ERROR_SHARING_VIOLATION, true, [&] { held.Reset(); }},
-        // Sparse, far beyond the limit: its size must size nothing, and no getter may throw.
-        {"values file too large to read", keyFolder_,
+        {"values file too large to read", keyFolder_,  // sparse: its size must size nothing
          [&] {
              const FileHandle file(CreateFileW(ValuesFile().c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
              LARGE_INTEGER end;
@@ -326,7 +313,6 @@ TEST_F(IniFileKey, SubkeyNamesThatAreNoPlainPathAreRefused) {
     for (const wchar_t* name : goodNames) EXPECT_TRUE(VIniFileKey::IsValidSubkeyName(VUnicodeString(name))) << name;
 }
 
-// A subkey is a values file, a folder, or both; never a values file that is a folder.
 TEST_F(IniFileKey, SubkeysAreFoldersAndValuesFiles) {
     const auto key = Key();
     ASSERT_TRUE(key->SetDword(L"a value", 1));
@@ -361,8 +347,6 @@ TEST_F(IniFileKey, AFolderThatCannotBeListedListsNothingAndSaysWhy) {
     EXPECT_NE(0u, LastCode(*sub));
 }
 
-// Through a store of the process-wide factory; a subkey holding a read-only
-// file is not forced away.
 TEST_F(IniFileKey, ASubkeyKeepsItsPrivateValuesUnderThePrivateFolderAndLosesThemWithIt) {
     VIniFileStoreFactory factory(keyFolder_, privateFolder_);
     SetIniFileStoreFactory(&factory);

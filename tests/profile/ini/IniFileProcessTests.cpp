@@ -29,8 +29,6 @@ std::unique_ptr<ChildProcess> Probe(const VUnicodeString& arguments) {
 
 VUnicodeString Quoted(const VUnicodeString& text) { return L"\"" + text + L"\""; }
 
-// Eight writers that also read: no load sees a mix of generations or a cut
-// file, and the file keeps the last save of one of them, whole.
 TEST(IniFileProcesses, ProcessesSavingAndLoadingOneKeyNeverSeeAHalfWrittenFileAndTheLastSaveWins) {
     TempFolder folder;
     const VUnicodeString keyFolder = folder / L"Shared";
@@ -53,9 +51,7 @@ TEST(IniFileProcesses, ProcessesSavingAndLoadingOneKeyNeverSeeAHalfWrittenFileAn
     EXPECT_EQ(lastSaves[kept.writer], kept.number) << "the file holds an earlier save of writer " << kept.writer;
 }
 
-// A process saving one generation after the other is killed at random moments:
-// each file must hold exactly what one save wrote, never older than before. The
-// private file is replaced first, so it may be one generation ahead.
+// The private file is replaced first, so it may be one generation ahead.
 TEST(IniFileProcesses, AProcessKilledWhileSavingLeavesEachFileWithItsOldOrItsNewContent) {
     std::mt19937 random(static_cast<unsigned>(TestSeed("kill times")));
     const char* count = std::getenv("TRAYWELL_KILL_COUNT");
@@ -96,7 +92,6 @@ TEST(IniFileProcesses, AProcessKilledWhileSavingLeavesEachFileWithItsOldOrItsNew
         const NamedEvent ready;
         const auto helper = Probe(L"save-generations " + Quoted(keyFolder) + L" " + Quoted(privateFolder) + L" " + ready.Name());
         ASSERT_TRUE(ready.WaitSet(GenerousWait, helper.get())) << "exit code " << helper->Wait(0);
-        // Up to about two saves' time, so that the kill falls in the first or the second.
         const LONGLONG delay = static_cast<LONGLONG>(random() % 5000) * frequency.QuadPart / 1000000;
         QueryPerformanceCounter(&start);
         do QueryPerformanceCounter(&now); while (now.QuadPart - start.QuadPart < delay);
@@ -122,7 +117,6 @@ TEST(IniFileProcesses, AProcessKilledWhileSavingLeavesEachFileWithItsOldOrItsNew
     EXPECT_EQ(0u, leftovers()) << "a save removes what killed saves left";
 }
 
-// A load waits for a writer that rewrites the file in place, a save for a reader.
 TEST(IniFileProcesses, LoadsAndSavesWaitForTheLocksOfOtherProcesses) {
     TempFolder folder;
     const VUnicodeString keyFolder = folder / L"Key", valuesFile = VIniFileKey::ValuesFilePath(keyFolder);

@@ -15,7 +15,6 @@
 
 namespace {
 
-// The characters of random text, the awkward ones included; a pair is put in whole.
 const std::wstring Plain = L"abcXYZ019 =:\"'\t\\#;[]{}-_.,\u00e9\u00df\u4e2d\u0416";
 const std::wstring NonBmp = L"\U0001F600";
 
@@ -85,12 +84,10 @@ TEST(IniFileProperties, RandomTablesSurviveSaveAndLoadExactly) {
     for (int round = 0; round < 60; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
         const VUnicodeString keyFolder = folder / L"Key";
-        // Half the rounds keep private values apart, half keep them with the rest.
         const VUnicodeString privateFolder = round % 2 ? folder / L"Private" : VUnicodeString();
         const TestValues values = random.Table(40);
         {
             VIniFileKey key(keyFolder, privateFolder, false, nullptr);
-            // Start from what the previous round left, so deletions are saved too.
             for (const auto& [name, value] : ReadAllValues(key)) ASSERT_TRUE(key.DeleteValue(name.c_str()));
             for (const auto& [name, value] : values) ASSERT_TRUE(StoreValue(key, name, value));
             ASSERT_TRUE(key.Flush()) << key.GetLastErrorParams().GetMessageCode();
@@ -100,7 +97,6 @@ TEST(IniFileProperties, RandomTablesSurviveSaveAndLoadExactly) {
     }
 }
 
-// A file built entry by entry, with the place of every line in its bytes.
 struct BuiltFile {
     struct Line {
         size_t start;       // first byte
@@ -129,7 +125,6 @@ std::string Utf8(const std::wstring& text) {
     return bytes;
 }
 
-// The file that the writer makes of values (in map order), its lines mapped.
 BuiltFile Build(const TestValues& values) {
     BuiltFile file;
     file.bytes = "\xEF\xBB\xBF";
@@ -172,27 +167,6 @@ protected:
     TempFolder folder_;
 };
 
-// Cut before a line or before its line end: only an entry whose lines are all
-// there is read, the one cut short and what follows it are gone.
-TEST_F(DamagedFiles, AFileCutShortYieldsTheEntriesBeforeTheCut) {
-    for (int round = 0; round < 150; ++round) {
-        const BuiltFile file = Build(random_.Table(12));
-        if (file.entries.empty()) continue;
-        const size_t index = random_.Below(file.entries.size());
-        const std::vector<BuiltFile::Line>& lines = file.entries[index].lines;
-        const size_t line = random_.Below(lines.size());
-        const bool beforeLineEnd = random_.OneIn(2);
-        const size_t cut = beforeLineEnd ? lines[line].contentEnd : lines[line].start;
-        SCOPED_TRACE("round " + std::to_string(round) + ", cut at " + std::to_string(cut));
-        const bool whole = beforeLineEnd && line + 1 == lines.size();
-        ASSERT_EQ(file.Before(index + whole), Load(folder_, file.bytes.substr(0, cut)));
-    }
-}
-
-// Bytes whose change breaks the entry for certain: the kind letter, the
-// colon, the opening quote, the equals sign; a digit of a count or dword
-// turned into a line end; a data digit turned into a non-digit; the blank
-// before a string of a multi-string.
 struct Flip {
     size_t offset;
     char replacement;
@@ -211,14 +185,22 @@ std::vector<Flip> BreakingFlips(const BuiltFile::Entry& entry) {
     return flips;
 }
 
-TEST_F(DamagedFiles, ABrokenEntryEndsTheFile) {
+TEST_F(DamagedFiles, AFileCutShortOrWithABrokenEntryYieldsTheEntriesBeforeTheDamage) {
     for (int round = 0; round < 150; ++round) {
         const BuiltFile file = Build(random_.Table(12));
         if (file.entries.empty()) continue;
         const size_t index = random_.Below(file.entries.size());
+        const std::vector<BuiltFile::Line>& lines = file.entries[index].lines;
+        const size_t line = random_.Below(lines.size());
+        const bool beforeLineEnd = random_.OneIn(2);
+        const size_t cut = beforeLineEnd ? lines[line].contentEnd : lines[line].start;
+        SCOPED_TRACE("round " + std::to_string(round) + ", cut at " + std::to_string(cut));
+        const bool whole = beforeLineEnd && line + 1 == lines.size();
+        ASSERT_EQ(file.Before(index + whole), Load(folder_, file.bytes.substr(0, cut)));
+
         const std::vector<Flip> flips = BreakingFlips(file.entries[index]);
         const Flip flip = flips[random_.Below(flips.size())];
-        SCOPED_TRACE("round " + std::to_string(round) + ", byte " + std::to_string(flip.offset));
+        SCOPED_TRACE("byte " + std::to_string(flip.offset) + " broken");
         std::string damaged = file.bytes;
         damaged[flip.offset] = flip.replacement;
         ASSERT_EQ(file.Before(index), Load(folder_, damaged));

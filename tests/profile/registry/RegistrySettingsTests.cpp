@@ -12,15 +12,11 @@ namespace {
 
 class RegistrySettingsTest : public ::testing::Test {
 protected:
-    // Creates hive\path, with a number or a text under name when name is given.
     static void Create(HKEY hive, const wchar_t* path, const wchar_t* name = nullptr, uint32_t value = 0,
                        const wchar_t* text = nullptr) {
         VRegistryKey key;
         ASSERT_TRUE(key.Create(hive, path, KEY_ALL_ACCESS, nullptr));
         ASSERT_TRUE(!name || (text ? key.SetString(name, text) : key.SetDword(name, value)));
-    }
-    static void SetString(HKEY hive, const wchar_t* path, const wchar_t* name, const wchar_t* text) {
-        Create(hive, path, name, 0, text);
     }
 
     RegistrySandbox sandbox_;
@@ -42,7 +38,6 @@ void ExpectBase(HKEY hive, const wchar_t* path) {
 TEST_F(RegistrySettingsTest, TheFirstOfTheFourBasePlacesThatExistsWins) {
     ExpectBase(HKEY_CURRENT_USER, Family);  // none exists
     EXPECT_FALSE(RawKeyExists(HKEY_CURRENT_USER, Family)) << "looking created it";
-    // Created from the last place to the first, each new one takes over.
     const RegistryPlace places[] = {{HKEY_LOCAL_MACHINE, OlderFamily},
                                     {HKEY_CURRENT_USER, OlderFamily},
                                     {HKEY_LOCAL_MACHINE, Family},
@@ -58,7 +53,6 @@ TEST_F(RegistrySettingsTest, APolicyIsTakenFromTheFirstPlaceThatHasIt) {
     EXPECT_FALSE(GetPolicyDword(L"Limit", value));
     EXPECT_EQ(value, 99u);
 
-    // Set from the last place to the first, each new one takes over.
     const RegistryPlace places[] = {
         {HKEY_LOCAL_MACHINE, Global}, {HKEY_CURRENT_USER, Policies}, {HKEY_LOCAL_MACHINE, Policies}};
     uint32_t set = 0;
@@ -67,8 +61,7 @@ TEST_F(RegistrySettingsTest, APolicyIsTakenFromTheFirstPlaceThatHasIt) {
         ASSERT_TRUE(GetPolicyDword(L"Limit", value));
         EXPECT_EQ(value, set);
     }
-    // A value of another type does not hide the next place.
-    SetString(HKEY_LOCAL_MACHINE, Policies, L"Limit", L"text");
+    Create(HKEY_LOCAL_MACHINE, Policies, L"Limit", 0, L"text");
     ASSERT_TRUE(GetPolicyDword(L"Limit", value));
     EXPECT_EQ(value, 2u);
     VUnicodeString text;
@@ -83,22 +76,19 @@ TEST_F(RegistrySettingsTest, AnApplicationSettingFallsBackThroughItsPlacesToTheD
     EXPECT_EQ(GetApplicationSettingDword(L"Retries", L"Filewright", L"Transfer", 5), 7u);
     Create(HKEY_CURRENT_USER, Policies, L"Retries", 9);
     EXPECT_EQ(GetApplicationSettingDword(L"Retries", L"Filewright", L"Transfer", 5), 9u);
-    // The application's own key is under HKEY_LOCAL_MACHINE only.
-    SetString(HKEY_CURRENT_USER, own, L"Folder", L"user");
+    Create(HKEY_CURRENT_USER, own, L"Folder", 0, L"user");
     EXPECT_EQ(GetApplicationSettingString(L"Folder", L"Filewright", L"Transfer", L"default"), L"default");
 }
 
 TEST_F(RegistrySettingsTest, OnlyTheTerminalClientLooksInTheOlderLocation) {
-    SetString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Quillon Works\\TERMWRIGHT Pro 3.0\\Paths", L"Folder", L"older");
-    SetString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Quillon Works\\Filewright 3.0\\Paths", L"Folder", L"older");
+    Create(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Quillon Works\\TERMWRIGHT Pro 3.0\\Paths", L"Folder", 0, L"older");
+    Create(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Quillon Works\\Filewright 3.0\\Paths", L"Folder", 0, L"older");
     EXPECT_EQ(GetApplicationSettingString(L"Folder", L"TERMWRIGHT Pro", L"Paths", L"default"), L"older");
     EXPECT_EQ(GetApplicationSettingString(L"Folder", L"Filewright", L"Paths", L"default"), L"default");
-    // The application's own key comes before the older location.
-    SetString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Quillon\\TERMWRIGHT Pro\\Paths", L"Folder", L"own");
+    Create(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Quillon\\TERMWRIGHT Pro\\Paths", L"Folder", 0, L"own");
     EXPECT_EQ(GetApplicationSettingString(L"Folder", L"TERMWRIGHT Pro", L"Paths", L"default"), L"own");
 }
 
-// At start-up, stores made without a factory use the registry's until an INI-file one is set.
 TEST_F(RegistrySettingsTest, StoresUseTheRegistryUntilAnIniFileFactoryIsSet) {
     Create(HKEY_LOCAL_MACHINE, Family);  // a machine-wide installation only
     VRegistryStoreFactory registry(nullptr, Family);

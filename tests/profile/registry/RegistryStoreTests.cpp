@@ -60,7 +60,6 @@ TEST_F(RegistryStoreTest, EachKindIsStoredWithItsRegistryTypeAndBytes) {
 }
 
 TEST_F(RegistryStoreTest, ValuesWrittenByOtherToolsAreReadAsTheyMeantThem) {
-    // No terminators, no final empty string, and a type the store does not use.
     const wchar_t unterminated[] = {L'a', L'b'};
     RawSetValue(sandbox_.Get(), L"text", REG_SZ, unterminated, sizeof unterminated);
     const wchar_t list[] = {L'x', L'\0', L'y', L'z'};
@@ -83,8 +82,7 @@ TEST_F(RegistryStoreTest, ValuesWrittenByOtherToolsAreReadAsTheyMeantThem) {
 
 TEST_F(RegistryStoreTest, RefusedWritesAndReadsSayWhy) {
     VRegistryProfileKey key = OpenSandbox();
-    // A list with an empty string cannot be stored: it would end the list early.
-    EXPECT_FALSE(key.SetMultiString(L"list", VArray<VUnicodeString>{L"a", L"", L"b"}));
+    EXPECT_FALSE(key.SetMultiString(L"list", VArray<VUnicodeString>{L"a", L"", L"b"}));  // "" ends a list
     EXPECT_EQ(key.GetLastErrorParams().GetMessageCode(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
     EXPECT_EQ(RawValueType(sandbox_.Get(), L"list"), static_cast<DWORD>(REG_NONE));
 
@@ -108,7 +106,6 @@ TEST_F(RegistryStoreTest, AKeyThatCannotBeWrittenIsOpenedForReading) {
               ERROR_SUCCESS);
     RegistryKeyHandle locked(raw);
     RawSetValue(locked.Get(), L"kept", REG_SZ, L"yes", 4 * sizeof(wchar_t));
-    // The user may read the key and change its access list, no more.
     VUnicodeString user;
     ASSERT_TRUE(GetCurrentUserSidString(user));
     ASSERT_EQ(RegSetKeySecurity(locked.Get(), DACL_SECURITY_INFORMATION,
@@ -124,7 +121,6 @@ TEST_F(RegistryStoreTest, AKeyThatCannotBeWrittenIsOpenedForReading) {
         EXPECT_FALSE(key.SetString(L"kept", L"no"));
         EXPECT_EQ(key.GetLastErrorParams().GetMessageCode(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
     }
-    // Full access again, so that the sandbox can go.
     ASSERT_TRUE(OpenSandbox().SetSecurity(L"locked", DescriptorOf({L"allow,0x000f003f," + user})));
     EXPECT_TRUE(VRegistryProfileKey(sandbox_.Get(), L"locked", false, false, nullptr).IsWritable());
 }
@@ -150,7 +146,6 @@ TEST_F(RegistryStoreTest, AReadOnlyStoreCreatesNothingAndChangesNoSecurity) {
 
 TEST_F(RegistryStoreTest, IteratorsTakeLongNamesAndMarkForeignTypesAndOutliveTheirKey) {
     std::unique_ptr<VProfilePrivateKeyIterator> values, subkeys;
-    // Names longer than the first 32-character buffer make it grow.
     const std::wstring longValue(100, L'v'), longSubkey(200, L'k');
     {
         VRegistryProfileKey key = OpenSandbox();

@@ -27,7 +27,6 @@ VRefPtr<VMemoryMappedBuffer> MakeBuffer(const VUnicodeString& name, size_t size,
     return VRefPtr<VMemoryMappedBuffer>::Adopt(new VMemoryMappedBuffer(name.c_str(), lock, size, nullptr));
 }
 
-// The cache, checking the last error that its creation leaves.
 VRefPtr<VSharedMemoryCache> OpenCache(const VUnicodeString& name, size_t size, DWORD expected = 0) {
     SetLastError(0xDEAD);
     auto cache = VRefPtr<VSharedMemoryCache>::Adopt(new VSharedMemoryCache(name, size));
@@ -83,7 +82,6 @@ TEST(SharedMemory, TheFillLevelStopsAtTheCapacityOfWholePages) {
     void* at = buffer->Append("head", 4);
     ASSERT_EQ(at, buffer->GetData());
     EXPECT_EQ(std::memcmp(at, "head", 4), 0);
-    // Without bytes, Append only reserves the room.
     ASSERT_EQ(buffer->Append(nullptr, capacity - 4), static_cast<BYTE*>(buffer->GetData()) + 4);
     EXPECT_EQ(buffer->GetDataLength(), capacity);
     SetLastError(0);
@@ -94,14 +92,12 @@ TEST(SharedMemory, TheFillLevelStopsAtTheCapacityOfWholePages) {
     buffer->SetDataLength(0);
     EXPECT_EQ(buffer->Append(nullptr, capacity), buffer->GetData());
 
-    // The lock lives as long as its interface, also after the buffer.
     VRefPtr<VMemoryMappedBuffer::Interface> lock(&buffer->GetInterface());
     buffer = nullptr;
     ASSERT_TRUE(lock->Lock());
     EXPECT_TRUE(lock->Unlock());
 }
 
-// Also across processes, and a refused opener never counts as a holder.
 TEST(SharedMemory, AnExistingBlockIsSharedUpToItsSizeAndRefusedBeyond) {
     const VUnicodeString name = UniqueObjectName(L"block");
     auto small = MakeBuffer(name, 100);
@@ -140,7 +136,6 @@ TEST(SharedMemory, TheCacheBlockHoldsTheHolderCountThenTheDataUnderTheUsersNames
     auto lock = MakeLock((VSharedMemoryCache::LockNamePrefix + user).c_str());
     EXPECT_EQ(lock->GetLastErrorParams().GetMessageCode(), static_cast<DWORD>(ERROR_ALREADY_EXISTS));
 
-    // Once nobody holds it, a block starts again from zeros, at any size.
     cache = nullptr;
     block = nullptr;
     auto again = OpenCache(name, 128);

@@ -56,7 +56,6 @@ size_t FreeHeapBlocksHoldingSecrets() {
 
 }  // namespace
 
-// The runtime's other forms of new and delete call these.
 void* operator new(size_t size) {
     auto* block = static_cast<unsigned char*>(std::malloc(size + SizeField));
     if (!block) throw std::bad_alloc();

@@ -3,7 +3,6 @@
 
 #include "ConfigMessages.h"
 #include "IniTestStore.h"
-#include "VBlowfishString.h"
 #include "VProfileCapiString.h"
 #include "VProfileEncryptedString.h"
 #include "VVariant.h"
@@ -35,7 +34,7 @@ protected:
 
 }  // namespace
 
-TEST_F(ProtectedValueTest, ASealedValueIsSavedOnceAndLoadsBack) {
+TEST_F(ProtectedValueTest, ASealedValueIsSavedOnceLoadsBackAndIsKeptAsItIsWithoutAPassphrase) {
     VProfileEncryptedString value(ValueName, phrase_.Get());
     VReportMessageParams report;
     ASSERT_TRUE(value.SetPlainText(L"hunter2", report));
@@ -48,35 +47,26 @@ TEST_F(ProtectedValueTest, ASealedValueIsSavedOnceAndLoadsBack) {
         EXPECT_TRUE(value.Save(*key, false));
         EXPECT_FALSE(key->WasWritten()) << "an unchanged value writes nothing";
     }
-    EXPECT_TRUE(Stored(ValueName).StartsWith(L"02:") &&
-                store_.ValuesFile().find("hunter2") == std::string::npos);
+    const VUnicodeString stored = Stored(ValueName);
+    EXPECT_TRUE(stored.StartsWith(L"02:") && store_.ValuesFile().find("hunter2") == std::string::npos);
 
     VProfileEncryptedString loaded(ValueName, phrase_.Get());
-    auto key = store_.OpenKey();
-    ASSERT_TRUE(loaded.LoadEncrypted(*key));
+    ASSERT_TRUE(loaded.LoadEncrypted(*store_.OpenKey()));
     EXPECT_TRUE(loaded.Get() == value.Get() && !loaded.IsChanged() && !loaded.IsModified());
     EXPECT_EQ(PlainOf(loaded), L"hunter2");
-}
 
-TEST_F(ProtectedValueTest, ATextThatCannotBeOpenedIsKeptAsItIs) {
-    VProfileEncryptedString sealer(ValueName, phrase_.Get());
-    VReportMessageParams report;
-    ASSERT_TRUE(sealer.SetPlainText(L"hunter2", report));
-    ASSERT_TRUE(sealer.Save(*store_.OpenKey(), false));
-    const VUnicodeString stored = Stored(ValueName);
-
-    VProfileEncryptedString value(ValueName);
+    VProfileEncryptedString unopened(ValueName);
     {
         auto key = store_.OpenKey();
-        ASSERT_TRUE(value.LoadOrDefault(*key, VUnicodeString()));
+        ASSERT_TRUE(unopened.LoadOrDefault(*key, VUnicodeString()));
         VUnicodeString plain(L"unchanged");
-        EXPECT_FALSE(value.GetPlainText(plain, report) || plain != L"unchanged");
+        EXPECT_FALSE(unopened.GetPlainText(plain, report) || plain != L"unchanged");
         EXPECT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_PASSPHRASE_UNUSABLE));
-        EXPECT_TRUE(value.Save(*key, true));
+        EXPECT_TRUE(unopened.Save(*key, true));
     }
     EXPECT_EQ(Stored(ValueName), stored);
-    value.SetPassphraseProvider(phrase_.Get());
-    EXPECT_EQ(PlainOf(value), L"hunter2");
+    unopened.SetPassphraseProvider(phrase_.Get());
+    EXPECT_EQ(PlainOf(unopened), L"hunter2");
 }
 
 TEST_F(ProtectedValueTest, ANewProviderServesTheSavedStateTooAndKeepsTheEdit) {
@@ -90,28 +80,12 @@ TEST_F(ProtectedValueTest, ANewProviderServesTheSavedStateTooAndKeepsTheEdit) {
         << "the saved state has the new provider too";
 }
 
-TEST_F(ProtectedValueTest, ADefaultOrAnOlderPasswordIsSavedNextTimeUnderTheNewName) {
-    {
-        VProfileEncryptedString value(ValueName, phrase_.Get()), plain(ValueName, phrase_.Get());
-        auto key = store_.OpenKey();
-        EXPECT_FALSE(value.LoadWithFormerName(*key, L"Firewall Password", VEncryptedString()));
-        EXPECT_FALSE(plain.LoadOrDefault(*key, VUnicodeString()));
-        EXPECT_TRUE(value.IsModified() && plain.IsModified());
-    }
-    store_.OpenKey()->SetString(L"Firewall Password", VBlowfishString::Encode(L"old secret"));
-    VProfileEncryptedString value(ValueName, phrase_.Get());
-    {
-        auto key = store_.OpenKey();
-        ASSERT_TRUE(value.LoadWithFormerName(*key, L"Firewall Password", VEncryptedString()));
-        VReportMessageParams report;
-        ASSERT_TRUE(value.IsModified() && value.SetPlainText(PlainOf(value), report));
-        ASSERT_TRUE(value.Save(*key, false));
-    }
-    EXPECT_TRUE(Stored(ValueName).StartsWith(L"02:") && Stored(L"Firewall Password").IsEmpty())
-        << "sealed anew, and the former name blanked";
-    VProfileEncryptedString reloaded(ValueName, phrase_.Get());
-    ASSERT_TRUE(reloaded.LoadEncrypted(*store_.OpenKey()));
-    EXPECT_EQ(PlainOf(reloaded), L"old secret");
+TEST_F(ProtectedValueTest, ADefaultIsSavedNextTime) {
+    VProfileEncryptedString value(ValueName, phrase_.Get()), plain(ValueName, phrase_.Get());
+    auto key = store_.OpenKey();
+    EXPECT_FALSE(value.LoadWithFormerName(*key, L"Firewall Password", VEncryptedString()));
+    EXPECT_FALSE(plain.LoadOrDefault(*key, VUnicodeString()));
+    EXPECT_TRUE(value.IsModified() && plain.IsModified());
 }
 
 class ChangingPassphraseProvider : public VUnknown<IPassphraseProvider> {
@@ -123,7 +97,6 @@ public:
     VUnicodeString phrase{Str::Sensitive};
 };
 
-// With no pass phrase after the change, the logon seals the values.
 TEST_F(ProtectedValueTest, AfterThePassphraseChangesASaveSealsTheValuesUnderTheNewOne) {
     const std::pair<const wchar_t*, const wchar_t*> changes[] = {
         {L"old phrase", L"new phrase"}, {L"", L"new phrase"}, {L"old phrase", L""}};

@@ -146,7 +146,6 @@ TEST_F(StructuredValueTest, DamagedBlocksAreRefused) {
     });
     ExpectRefused(font, [](VBinaryBlock& b) { b.resize(b.size() - 2); });
 
-    // A palette index, not an RGB value; the top byte of the foreground.
     ExpectRefused(VProfileCustomColors(L"Custom Colors", colors_),
                   [](VBinaryBlock& b) { b[63] = 0x01; });
     const VProfileColorScheme scheme(L"Color Scheme", scheme_);
@@ -217,7 +216,7 @@ TEST_F(StructuredValueTest, StateTextsParseAsWrittenAndMalformedOnesAreRefused) 
     EXPECT_FALSE(damaged.Load(*key) || !(damaged.Get() == VPaneState{true, 5, 6}));
 }
 
-TEST(TimeTextTest, TimesAreWrittenWithFixedWidthFieldsAndReadWithLooserOnes) {
+TEST(TimeTextTest, TimesAreWrittenWithFixedWidthsReadWithLooserOnesAndInvalidTextsChangeNothing) {
     const struct {
         FILETIME time;
         const wchar_t* written;
@@ -244,18 +243,14 @@ TEST(TimeTextTest, TimesAreWrittenWithFixedWidthFieldsAndReadWithLooserOnes) {
     VUnicodeString text = L"kept";
     EXPECT_FALSE(VProfileTimeSz::FormatTime(FILETIME{0xFFFFFFFF, 0x80000000}, text) ||
                  text != L"kept");
-}
 
-TEST(TimeTextTest, InvalidTextsLeaveTheTimeAsItWas) {
     const FILETIME before = TimeOf(2000, 1, 1, 0, 0, 0, 0);
     const wchar_t* const invalid[] = {
         L"2018:02:30:00:00:00:000",  // within the field bounds, but no such day
-        // each field one past its bounds
         L"1600:12:31:23:59:59:999", L"30828:01:01:00:00:00:000", L"2018:00:01:00:00:00:000",
         L"2018:13:01:00:00:00:000", L"2018:01:00:00:00:00:000", L"2018:01:32:00:00:00:000",
         L"2018:01:01:24:00:00:000", L"2018:01:01:00:60:00:000", L"2018:01:01:00:00:60:000",
         L"2018:01:01:00:00:00:1000",
-        // fields: six, eight, empty, signed, "-" inside, trailing, overflow; nothing
         L"2018:01:01:00:00:00", L"2018:01:01:00:00:00:000:0", L"2018:01::00:00:00:000",
         L"2018:-1:01:00:00:00:000", L"2018:1-:01:00:00:00:000", L"2018:01:01:00:00:00:000x",
         L"2018:01:01:00:00:00:99999999999999999999", L""};

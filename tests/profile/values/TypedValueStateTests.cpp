@@ -70,7 +70,7 @@ TEST_F(TypedValueStateTest, AFailedWriteLosesNothing) {
     EXPECT_EQ(store_.StoredNumber(L"Rows"), 50u);
 }
 
-TEST_F(TypedValueStateTest, CopiesKeepEveryFlagAssignmentKeepsItsOwnModifiedFlag) {
+TEST_F(TypedValueStateTest, CopiesKeepEveryFlagAssignmentKeepsItsOwnModifiedAndCopyFromItsKind) {
     VProfileString source(L"Answerback", L"old");
     source.Set(L"new");
     source.Commit();
@@ -89,9 +89,7 @@ TEST_F(TypedValueStateTest, CopiesKeepEveryFlagAssignmentKeepsItsOwnModifiedFlag
     modifiedTarget.Commit();
     modifiedTarget = VProfile<int>(L"Cols", 80);
     EXPECT_TRUE(modifiedTarget.IsModified());
-}
 
-TEST_F(TypedValueStateTest, CopyFromTakesTheCurrentValueOfTheSameKindOnly) {
     VProfile<unsigned short> port(L"Port", 22);
     VProfile<unsigned short> other(L"Other Port", 2222);
     other.Set(8022);
@@ -186,7 +184,7 @@ TEST_F(TypedValueStateTest, SetFromTextParsesNumbersAndReadsSwitchesAndTextsFrom
     EXPECT_EQ(unreadable.Get(), L"x");
 }
 
-TEST_F(TypedValueStateTest, ANumberFoundUnderItsFormerNameMovesAtTheNextSaveThatSucceeds) {
+TEST_F(TypedValueStateTest, ANumberUnderItsFormerNameMovesAtTheNextSaveThePresentNameWins) {
     store_.OpenKey()->SetDword(L"Enable 80/132 Column Switching", 1);
     VProfile<bool> switching(L"Enable 80-132 Column Switching", false);
     ASSERT_TRUE(
@@ -198,9 +196,7 @@ TEST_F(TypedValueStateTest, ANumberFoundUnderItsFormerNameMovesAtTheNextSaveThat
     EXPECT_TRUE(switching.Save(*store_.OpenKey(), false) && !switching.IsModified());
     EXPECT_TRUE(store_.StoredNumber(L"Enable 80-132 Column Switching") == 1u &&
                 !store_.StoredNumber(L"Enable 80/132 Column Switching"));
-}
 
-TEST_F(TypedValueStateTest, ThePresentNameWinsAndNeitherGivesTheDefault) {
     {
         auto key = store_.OpenKey();
         key->SetDword(L"Keep Alive", 30);
@@ -241,7 +237,6 @@ TEST_F(TypedValueStateTest, ATextFoundUnderItsFormerNameIsBlankedThereAtTheNextS
     EXPECT_TRUE(again.Get() == L"default" && !again.IsModified()) << "a blank is no value";
 }
 
-// A copy, or the value saved into another key, must not touch the former name there.
 TEST_F(TypedValueStateTest, OnlyAKeyThatHoldsTheFormerNameLosesIt) {
     VProfile<unsigned long> number(L"New Number", 0);
     VProfileString text(L"New Text");

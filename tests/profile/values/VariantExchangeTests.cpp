@@ -53,7 +53,6 @@ TEST(ScalarVariantTest, TheNarrowAndUnsignedKindsHandOutTheirOwnVariantType) {
     EXPECT_EQ(NumberOut(VProfile<bool>(L"a", false), VT_BOOL), 0);
 }
 
-// VariantChangeType copies the bits between signed and unsigned types of one size.
 TEST(ScalarVariantTest, WhatEachScalarTakesInAndRefuses) {
     VProfile<int> rows(L"Rows", 24);
     VProfile<unsigned int> count(L"Count", 1);
@@ -78,7 +77,7 @@ TEST(ScalarVariantTest, WhatEachScalarTakesInAndRefuses) {
         {&count, VT_UINT, VT_R8, 3, nullptr, true, 3},
         {&alpha, VT_UI1, VT_I4, 200, nullptr, false, 10},
         {&alpha, VT_UI1, VT_BSTR, 0, L"200", false, 10},
-        {&alpha, VT_UI1, VT_I4, -1, nullptr, true, 255},
+        {&alpha, VT_UI1, VT_I4, -1, nullptr, true, 255},  // the bits, as VariantChangeType copies them
         {&alpha, VT_UI1, VT_UI1, 200, nullptr, true, 200},
         {&blink, VT_BOOL, VT_I4, 5, nullptr, true, 1},
         {&blink, VT_BOOL, VT_BSTR, 0, L"perhaps", false, 1},
