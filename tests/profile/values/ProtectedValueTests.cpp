@@ -3,6 +3,7 @@
 
 #include "ConfigMessages.h"
 #include "IniTestStore.h"
+#include "VBlowfishString.h"
 #include "VProfileCapiString.h"
 #include "VProfileEncryptedString.h"
 #include "VVariant.h"
@@ -80,12 +81,28 @@ TEST_F(ProtectedValueTest, ANewProviderServesTheSavedStateTooAndKeepsTheEdit) {
         << "the saved state has the new provider too";
 }
 
-TEST_F(ProtectedValueTest, ADefaultIsSavedNextTime) {
-    VProfileEncryptedString value(ValueName, phrase_.Get()), plain(ValueName, phrase_.Get());
-    auto key = store_.OpenKey();
-    EXPECT_FALSE(value.LoadWithFormerName(*key, L"Firewall Password", VEncryptedString()));
-    EXPECT_FALSE(plain.LoadOrDefault(*key, VUnicodeString()));
-    EXPECT_TRUE(value.IsModified() && plain.IsModified());
+TEST_F(ProtectedValueTest, ADefaultOrAnOlderPasswordIsSavedNextTimeUnderTheNewName) {
+    {
+        VProfileEncryptedString value(ValueName, phrase_.Get()), plain(ValueName, phrase_.Get());
+        auto key = store_.OpenKey();
+        EXPECT_FALSE(value.LoadWithFormerName(*key, L"Firewall Password", VEncryptedString()));
+        EXPECT_FALSE(plain.LoadOrDefault(*key, VUnicodeString()));
+        EXPECT_TRUE(value.IsModified() && plain.IsModified());
+    }
+    store_.OpenKey()->SetString(L"Firewall Password", VBlowfishString::Encode(L"old secret"));
+    VProfileEncryptedString value(ValueName, phrase_.Get());
+    {
+        auto key = store_.OpenKey();
+        ASSERT_TRUE(value.LoadWithFormerName(*key, L"Firewall Password", VEncryptedString()));
+        VReportMessageParams report;
+        ASSERT_TRUE(value.IsModified() && value.SetPlainText(PlainOf(value), report));
+        ASSERT_TRUE(value.Save(*key, false));
+    }
+    EXPECT_TRUE(Stored(ValueName).StartsWith(L"02:") && Stored(L"Firewall Password").IsEmpty())
+        << "sealed anew, and the former name blanked";
+    VProfileEncryptedString reloaded(ValueName, phrase_.Get());
+    ASSERT_TRUE(reloaded.LoadEncrypted(*store_.OpenKey()));
+    EXPECT_EQ(PlainOf(reloaded), L"old secret");
 }
 
 class ChangingPassphraseProvider : public VUnknown<IPassphraseProvider> {
