@@ -1,17 +1,6 @@
-// Plays a client program for the tray program's tests and benchmark.
-//
-//   client_window_helper --class terminal|transfer --log FILE [--windows N]
-//                        [--exit agree|refuse|hang] [--session TEXT]...
-//
-// shows N (default 1) client main windows of that class, each holding the
-// sessions given, answers the session query through the shared buffer and
-// the can-exit question as told ("hang": never in time), and appends to FILE
-// "select <window> <session number>" for each show-selection message,
-// "hide <window>" when it is hidden and "close <window>" for each WM_CLOSE
-// (<window>: its index from 0). A closed
-// window goes; the process ends with its last window. Started in any other
-// way (as Traywell starts a client), it appends its command line to the file
-// that TRAYWELL_HELPER_LAUNCH_LOG names, and ends.
+// Plays a client: --class terminal|transfer --log FILE [--windows N] [--exit agree|refuse|hang]
+// [--session TEXT]... shows N windows and logs "select|hide|close <index>" to FILE. Started any
+// other way (as Traywell starts a client) it logs its command line to TRAYWELL_HELPER_LAUNCH_LOG.
 #include <windows.h>
 
 #include <cwchar>
@@ -38,7 +27,6 @@ void AppendLine(const wchar_t* file, const VUnicodeString& line) {
                   nullptr);
 }
 
-// Logs what (a format of the window's index and number) for window.
 void Record(HWND window, const wchar_t* what, unsigned number = 0) {
     VUnicodeString line;
     line.FormatPositional(what, static_cast<unsigned>(GetWindowLongPtrW(window, GWLP_USERDATA) - 1),

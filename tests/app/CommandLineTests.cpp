@@ -16,6 +16,7 @@ TEST(CommandLine, TokensAndTheFolder) {
         const wchar_t* folder;
         DWORD failure;
     } cases[] = {
+        // clang-format off
         {L"ab\"c d\"e  x", {L"abc de", L"x"}, L"", 0},  // quotes join and drop out
         {L"   ", {}, L"", 0},
         {L"a\tb", {L"a\tb"}, L"", 0},                          // only the space separates
@@ -28,11 +29,9 @@ TEST(CommandLine, TokensAndTheFolder) {
         {L"other /F C:\\Conf tail", {L"other", L"tail"}, L"C:\\Conf", 0},
         {L"/F \"C:\\Program Data\\My Conf\"", {}, L"C:\\Program Data\\My Conf", 0},
         {L"/S x /F", {L"/S", L"x", L"/F"}, L"", CONFIG_OPTION_VALUE_MISSING},
-        {L"/F C:\\Conf ssh://host",
-         {L"/F", L"C:\\Conf", L"ssh://host"},
-         L"",
-         0},  // a link: no folder
+        {L"/F C:\\Conf ssh://host", {L"/F", L"C:\\Conf", L"ssh://host"}, L"", 0},  // a link: no folder
         {L"/Folder C:\\Conf", {L"/Folder", L"C:\\Conf"}, L"", 0},
+        // clang-format on
     };
     for (const auto& test : cases) {
         VCommandLine commandLine;

@@ -10,11 +10,7 @@
 #include "ProgramFolder.h"
 #include "TrayIcon.h"
 
-namespace {
-
 constexpr int MessageBoxTextId = 0xFFFF;  // the control of a message box that holds its text
-
-}  // namespace
 
 Lines ReadLines(const VUnicodeString& file) {
     Lines lines;

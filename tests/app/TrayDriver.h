@@ -1,5 +1,4 @@
-// Drives the real traywell.exe and client helpers: the installation facts that
-// make the helper a client, its windows, Traywell's menu, boxes and dialogs.
+// Drives the real traywell.exe and the client helpers it sees as installed clients.
 #pragma once
 
 #include <ostream>
@@ -10,9 +9,7 @@
 
 using Lines = VArray<VUnicodeString>;
 
-// The lines of a text file; empty when it cannot be read.
 Lines ReadLines(const VUnicodeString& file);
-// The text of a dialog's control.
 VUnicodeString ItemText(HWND dialog, int control);
 
 // A client_window_helper with its windows up; exitAnswer "agree", "refuse" or "hang".
@@ -32,15 +29,12 @@ struct InstalledClients {
     ~InstalledClients();
 };
 
-// traywell.exe with a configuration folder of its own ("/F <folder>" unless
-// other arguments are given) and the helper's launches logged.
+// traywell.exe with "/F <folder>" (or arguments) and the helper's launches logged.
 class TraywellUnderTest {
 public:
     explicit TraywellUnderTest(const wchar_t* arguments = nullptr, bool waitForIcon = true);
-    // Opens the menu as a right click does, once it shows.
     void OpenMenu() const;
-    // Types into the open menu ("v" Down, "^" Up, ">" Right, "!" Enter, other
-    // characters themselves) and waits for it to close.
+    // Types into the open menu ("v^>!": Down, Up, Right, Enter) until it closes.
     void Type(const wchar_t* keys) const;
     void Choose(const wchar_t* keys) const {
         OpenMenu();
@@ -50,7 +44,6 @@ public:
     VUnicodeString TakeBoxText(int button = IDOK) const;
     // Its dialog with control controlId; null when none comes.
     HWND WaitForDialog(int controlId) const;
-    // The command lines of the clients it started.
     Lines Launches() const { return ReadLines(folder / L"launches.log"); }
 
     TempFolder folder;

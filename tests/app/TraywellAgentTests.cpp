@@ -1,5 +1,4 @@
-// The SSH agent of the real traywell.exe: the session's pipe while it runs,
-// keys from /AddKey of a first or second start, confirmation before use.
+// The SSH agent of the real traywell.exe: its pipe, /AddKey keys, confirmation before use.
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -25,8 +24,7 @@ VUnicodeString AgentReportText(DWORD code, const char* key) {
 
 }  // namespace
 
-// A first start adds its keys once it serves (the icon comes first, then the
-// agent, then the keys, one by one); second starts hand theirs over.
+// A first start adds its keys once it serves; second starts hand theirs over.
 TEST(TraywellAgent, ServesThePipeWhileItRunsAndTakesKeysFromAFirstAndASecondStart) {
     TraywellUnderTest traywell((AddKey("ed25519") + L" " + AddKey("ecdsa384")).c_str());
     AgentPipeClient client;

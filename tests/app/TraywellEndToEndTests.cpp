@@ -1,5 +1,4 @@
-// The real traywell.exe, driven through its icon, menu, boxes and dialogs,
-// with client helpers in processes of their own.
+// The real traywell.exe, driven through its icon, menu, boxes and dialogs.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -174,7 +173,6 @@ TEST(Traywell, GoneWindowsAreReportedAndTheDialogsShowWhatTheyShould) {
     PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
     EXPECT_TRUE(WaitUntil([&] { return !IsWindow(dialog); }));
 
-    // Windows that go while the menu is open.
     traywell.OpenMenu();
     one.process.Kill();
     three.process.Kill();

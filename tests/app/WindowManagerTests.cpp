@@ -1,5 +1,4 @@
-// The WindowManager in this process: the configuration folder start-up chooses,
-// and the icon's menu built against recent lists and client helper processes.
+// The WindowManager in this process: the configuration folder and the icon's menu.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -72,10 +71,8 @@ TEST(TraywellStartup, AFailedSelfTestInFipsModeStopsItWithTheLibrarysText) {
         << shown.c_str();
 }
 
-// One text for a menu: items separated by "|", each its identifier (window
-// items: "w", the place of their record, terminal records first, and "#" its
-// session number) and label, "~" when greyed, "-" for a separator, "[label:
-// items]" for a submenu.
+// A menu as "id label|..." ("w<record>#<session>" for window items, "~" greyed, "-" separator,
+// "[label: items]" submenu).
 VUnicodeString Dump(HMENU menu, const WindowLists& lists) {
     std::vector<WindowData> records;
     for (const auto* list : {&lists.GetTerminalWindows(), &lists.GetTransferWindows()})
@@ -114,7 +111,6 @@ TEST(WindowManagerMenu, ItemsLabelsPrefixesGreyingIdentifiersAndSessions) {
     const wchar_t* const empty = L"[&Recent Sessions: 33000 (Empty)~]|-|";
     const wchar_t* const recent = L": 33010 &1 A&&B|33011 &2 123456789012345678901234567...]|";
     const VUnicodeString windowCommands = L"32773 &Minimize All|32776 Restore &All|-|";
-    // One case a row.
     // clang-format off
     const struct {
         bool termwright, filewright, integrated;

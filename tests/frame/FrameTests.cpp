@@ -1,5 +1,4 @@
-// The frame: the application life cycle, modal dialogs from an in-memory
-// template, and message boxes, both watched through the hook and shown for real.
+// The frame: application life cycle, modal dialogs from a template, message boxes.
 
 #include <gtest/gtest.h>
 
@@ -92,8 +91,6 @@ TEST(VDialogTest, InMemoryTemplateShowsItsControlsAndEndsWithTheChosenResult) {
     EXPECT_EQ(VDialog(9999).DoModal(), -1) << "no such template resource";
 }
 
-// Through the hook every box is seen with the program's title; without it a
-// real box is shown and answered.
 TEST(VMessageBoxTest, TheHookSeesEveryBoxElseARealOneIsShown) {
     static std::vector<VMessageBoxCall> boxes;
     const VMessageBoxHook record = [](const VMessageBoxCall& call) {

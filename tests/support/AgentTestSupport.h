@@ -1,6 +1,4 @@
-// Shared by the agent's tests and the tray program's: the key files ssh-keygen
-// wrote for them (tests/kits/agentkit/keys, AGENT_TEST_KEYS_DIR),
-// fresh names for stores and pipes, and a confirmation that answers as told.
+// For the agent's tests: the key files ssh-keygen wrote (AGENT_TEST_KEYS_DIR), fresh names.
 #pragma once
 
 #include <string>
@@ -14,7 +12,6 @@ std::wstring TestKeyPath(const char* name);
 LoadedKey LoadTestKey(const char* name, const wchar_t* passphrase = L"");
 // The blob and comment of keys/<name>.pub.
 AgentIdentity ReadPublicKeyFile(const char* name);
-// A name no other test (or test process) uses.
 std::wstring UniqueName(const wchar_t* prefix);
 
 struct RecordingConfirm : IAgentConfirm {

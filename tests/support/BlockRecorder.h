@@ -1,7 +1,5 @@
-// While it lives, records the string blocks allocated and given back: their
-// sizes, and each released block's bytes at the moment it was given back, so
-// that a test can tell whether a secret was wiped. One at a time: the block
-// allocator is the process's.
+// While it lives, records the string blocks allocated and each released block's bytes, so that a
+// test can tell whether a secret was wiped. One at a time: the allocator is the process's.
 #pragma once
 
 #include <windows.h>

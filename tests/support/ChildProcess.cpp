@@ -7,9 +7,7 @@ ChildProcess::ChildProcess(const VUnicodeString& program, const VUnicodeString& 
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION started{};
-    // Wine now and then fails a start with an internal error (1359) while the
-    // machine is loaded; the same start succeeds a moment later. A program
-    // that is missing fails every try.
+    // Under load Wine now and then fails a start (1359) that succeeds a moment later.
     for (int attempt = 0;; ++attempt) {
         if (CreateProcessW(program.c_str(), commandLine.GetBuffer(commandLine.GetLength()), nullptr,
                            nullptr, FALSE, 0, nullptr, nullptr, &startup, &started))

@@ -1,5 +1,4 @@
-// Helper processes that tests start, the windows they show, and the named
-// events they meet on.
+// Helper processes that tests start, their windows, and the named events they meet on.
 #pragma once
 
 #include <windows.h>
@@ -9,8 +8,7 @@
 #include "VString.h"
 #include "Win32Handle.h"
 
-// How long a test waits for what another process does: long enough for a
-// machine busy with other builds.
+// How long a test waits for another process: long enough for a busy machine.
 inline constexpr DWORD WaitLimit = 15000;
 
 // Polls until done() holds or limit (ms) passes; done()'s last answer.
@@ -23,8 +21,7 @@ bool WaitUntil(Condition done, DWORD limit = WaitLimit) {
     return true;
 }
 
-// A process started with program (a full path) and arguments; ended, if it
-// still runs, when the object goes.
+// A process started with program (a full path) and arguments; killed when the object goes.
 class ChildProcess {
 public:
     ChildProcess(const VUnicodeString& program, const VUnicodeString& arguments);
@@ -34,14 +31,12 @@ public:
 
     bool IsRunning() const { return process_.IsValid(); }  // it was started
     DWORD StartError() const { return startError_; }
-    DWORD Id() const { return id_; }
     HANDLE Get() const { return process_.Get(); }
     // The exit code once it ended within limit; -1 when it was not started or did not end.
     long Wait(DWORD limit) const;
-    // Ends it at once, as the task manager would, and waits until it is gone.
+    // Terminates it and waits until it is gone.
     void Kill();
-    // Its top-level windows of className (visible ones only when
-    // visibleOnly), once there are count of them or WaitLimit passed.
+    // Its top-level (visible) windows of className, once count or WaitLimit passed.
     std::vector<HWND> Windows(const wchar_t* className, size_t count = 0,
                               bool visibleOnly = true) const;
 

@@ -1,7 +1,5 @@
-// A real INI-file store in a temporary folder of its own, for the typed
-// values' tests. The file back end writes a key's values when the key object
-// goes away, so tests open a key, act, let it go, and open it again to see
-// what reached the file.
+// A real INI-file store in a temporary folder. A key's values reach the file when the key object
+// goes, so tests open a key, act, let it go, and open it again.
 #pragma once
 
 #include <cstdint>
@@ -23,8 +21,7 @@ public:
     std::unique_ptr<VProfileKey> OpenKey(bool readOnly = false);
     // The options key's values file as bytes; empty when there is none.
     std::string ValuesFile() const;
-    // What a freshly opened options key holds under name; none when it holds
-    // no value of that kind.
+    // What a freshly opened options key holds under name; none when no value of that kind.
     std::optional<uint32_t> StoredNumber(const wchar_t* name);
     std::optional<VUnicodeString> StoredText(const wchar_t* name);
 

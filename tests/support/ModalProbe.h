@@ -1,7 +1,5 @@
-// Test helpers for windows of the test's own thread. ModalProbe runs a check
-// from inside a modal loop (a dialog, a message box, a popup menu) through a
-// thread timer, which every such loop dispatches, so a test can look at the
-// window and close it without a second thread.
+// Runs a check from inside a modal loop (dialog, message box, menu) through a thread timer, which
+// every such loop dispatches, so a test can look at the window and close it on its own thread.
 #pragma once
 
 #include <windows.h>
@@ -24,6 +22,5 @@ private:
     bool done_ = false;
 };
 
-// A visible window of class className (and title, unless null) of this
-// thread: tests of other programs may show boxes and menus meanwhile.
+// A visible window of this thread (others' boxes may show meanwhile) of className (and title).
 HWND FindOwnWindow(const wchar_t* className, const wchar_t* title = nullptr);

@@ -1,7 +1,5 @@
-// Test helpers for Wine's real registry: a key of the test's own under
-// HKEY_CURRENT_USER\Software\TraywellTests, removed with everything below it
-// when the sandbox goes, and a redirection of a predefined key (HKEY_LOCAL_MACHINE,
-// HKEY_CURRENT_USER) into such a key for code that reads fixed places.
+// A key of the test's own under HKEY_CURRENT_USER\Software\TraywellTests, removed when it
+// goes, and predefined keys redirected into it for code that reads fixed places.
 #pragma once
 
 #include <windows.h>
@@ -28,8 +26,7 @@ private:
     RegistryKeyHandle key_;
 };
 
-// While it lives, predefined (HKEY_LOCAL_MACHINE or HKEY_CURRENT_USER) means
-// the subkey name of sandbox, for every registry call of this process.
+// While it lives, predefined means the subkey name of sandbox, for this whole process.
 class PredefinedKeyRedirect {
 public:
     PredefinedKeyRedirect(HKEY predefined, const RegistrySandbox& sandbox, const wchar_t* name);
@@ -41,8 +38,7 @@ private:
     HKEY predefined_;
 };
 
-// Test oracles: the registry's own answers, without the code under test.
-// The type of the value (REG_NONE when it cannot be read) and its bytes.
+// Oracles, without the code under test. The value's type (REG_NONE: unreadable) and bytes.
 DWORD RawValueType(HKEY key, const wchar_t* name, std::vector<BYTE>* data = nullptr);
 bool RawKeyExists(HKEY parent, const wchar_t* path);
 void RawSetValue(HKEY key, const wchar_t* name, DWORD type, const void* data, DWORD size);

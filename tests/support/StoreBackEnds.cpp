@@ -1,6 +1,4 @@
-// The back ends that the shared suites run against: the registry, under a
-// sandbox key, and the INI files, with a configuration folder and a personal
-// data folder of their own under the temporary folder.
+// The back ends of the shared suites: the registry under a sandbox, INI files in a temp folder.
 #include <windows.h>
 
 #include "RegistrySandbox.h"

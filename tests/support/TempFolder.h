@@ -1,5 +1,4 @@
-// A folder of its own under the system's temporary folder for one test,
-// removed with everything in it when the test ends.
+// A temporary folder of the test's own, removed with everything in it when the test ends.
 #pragma once
 
 #include <windows.h>
@@ -17,7 +16,6 @@ public:
 
     // The folder, without a trailing separator.
     const VUnicodeString& Path() const { return path_; }
-    // name inside the folder.
     VUnicodeString operator/(const wchar_t* name) const { return path_ + L"\\" + name; }
 
 private:

@@ -1,6 +1,4 @@
-// The seed of a randomised test: TRAYWELL_TEST_SEED when it is set, else a
-// fixed one, so that every run checks the same cases unless told otherwise.
-// It is printed, so that a failure can be replayed.
+// The seed of a randomised test: TRAYWELL_TEST_SEED, else a fixed one; printed for replays.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,4 @@
-// The key store in shared memory (traywell_tests read it from a second process):
-// its keys, never plain; a full or damaged block; lifetimes; locking.
+// The key store in shared memory: keys never plain; a full or damaged block; lifetimes.
 
 #include <gtest/gtest.h>
 
@@ -43,13 +42,11 @@ TEST(AgentKeyStoreTest, KeepsKeysForEveryProcessAndNeverPlain) {
                     p384 = LoadTestKey("ecdsa384");
     for (const LoadedKey* key : {&ed25519, &rsa, &p384})
         ASSERT_TRUE(store.Add(key->key, key->comment, 0, false, report));
-    // The same key again keeps its place in the count, with the new settings.
     ASSERT_TRUE(store.Add(ed25519.key, "renamed", 0, true, report));
     EXPECT_EQ(CommentsOf(store), (Comments{"test rsa", "test p384", "renamed"}));
     EXPECT_TRUE(store.List().back().confirm);
 
-    // The secret ends the private form as the key file holds it (Ed25519's is
-    // followed by its 32-byte public key); it appears nowhere in the block.
+    // The secret ends the private form (Ed25519's before its 32-byte public key); never stored.
     for (const auto& [key, end] : {std::pair{&ed25519, 32}, {&rsa, 0}, {&p384, 0}}) {
         AgentBytes secret;
         SshWriter writer(secret);

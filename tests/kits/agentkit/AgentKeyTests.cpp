@@ -1,5 +1,4 @@
-// Key files: those ssh-keygen wrote (keys/) read back to the keys of their
-// .pub files, sealed ones through bcrypt-pbkdf; what must be refused is.
+// Key files that ssh-keygen wrote, read back to their .pub keys; bad ones refused.
 
 #include <gtest/gtest.h>
 
@@ -8,8 +7,7 @@
 #include "AgentTestSupport.h"
 #include "BcryptPbkdf.h"
 
-// The sealed file's key and IV come from bcrypt-pbkdf over our Blowfish: a
-// wrong derivation fails its check numbers, so reading it is their known-answer test.
+// Reading the sealed file is bcrypt-pbkdf's known-answer test: a wrong key fails its checks.
 TEST(KeyFileTest, ReadsWhatSshKeygenWroteAndRefusesTheRest) {
     const struct {
         const char* file;

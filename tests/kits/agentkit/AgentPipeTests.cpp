@@ -1,5 +1,4 @@
-// The agent over its pipe, with our client speaking as ssh-add does, with bad
-// clients and 100,000 malformed messages; the pipe's access list.
+// The agent over its pipe: our client as ssh-add, bad clients, malformed messages.
 
 #include <gtest/gtest.h>
 
@@ -24,7 +23,6 @@ protected:
         ASSERT_TRUE(client_.Connect(pipe_.c_str(), 5000, report_));
     }
 
-    // Adds every kind of key, in this order.
     void AddAll() {
         for (const char* name : {"ed25519", "ecdsa256", "ecdsa384", "ecdsa521", "rsa"}) {
             keys_.push_back(LoadTestKey(name));
@@ -110,8 +108,7 @@ TEST_F(AgentPipeTest, ServesEveryKeyTypeAsSshAddAndSshUseIt) {
     EXPECT_TRUE(store_.List().empty());
 }
 
-// Every message cut short, extended, or of a type not offered gets
-// SSH_AGENT_FAILURE and changes nothing (sent in batches, for speed under Wine).
+// Every malformed message gets SSH_AGENT_FAILURE and changes nothing.
 TEST_F(AgentPipeTest, SurvivesBadClientsAndAHundredThousandMalformedMessages) {
     AddAll();
     auto raw = [this](const std::string& bytes) {
@@ -199,7 +196,6 @@ TEST_F(AgentPipeTest, SurvivesBadClientsAndAHundredThousandMalformedMessages) {
     }
 }
 
-// Read back from the pipe itself: one entry, the current user, full access.
 TEST_F(AgentPipeTest, ThePipeAdmitsOnlyTheCurrentUserAndOneServer) {
     PACL acl = nullptr;
     PSECURITY_DESCRIPTOR descriptor = nullptr;

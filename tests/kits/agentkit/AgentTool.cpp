@@ -20,7 +20,6 @@ int Fail(VReportMessageParams& report) {
     return 1;
 }
 
-// Copies from socket to pipe until either ends.
 void Pump(SOCKET socket, HANDLE pipe) {
     char buffer[16384];
     DWORD written;

@@ -1,5 +1,4 @@
-// The Manage Agent Keys window: its layout from and back to the state value,
-// and keys added and removed as a user does.
+// The Manage Agent Keys window: its saved layout, and keys added and removed.
 
 #include <gtest/gtest.h>
 
@@ -28,8 +27,7 @@ std::wstring ItemText(HWND window, int id) {
     return text;
 }
 
-// Shows the window with the layout saved, and returns the layout handed back;
-// step(window, list view) runs from inside its modal loop until it returns true.
+// Shows the window with saved; step runs in its modal loop until true. The layout handed back.
 VListViewState Launch(const wchar_t* saved, const std::function<bool(HWND, HWND)>& step) {
     CommonUiInit(nullptr, nullptr);
     VListViewState layout;
@@ -48,8 +46,6 @@ VListViewState Launch(const wchar_t* saved, const std::function<bool(HWND, HWND)
 
 }  // namespace
 
-// Reads the open window, then acts as a user: widens column 1, sorts by
-// column 2 twice (descending) and closes the window.
 TEST(ManageAgentKeysTest, LaysOutFromTheStateAndHandsBackTheUsersLayout) {
     EXPECT_THROW(SSH2::ClientUiInit(PassphraseDisabled, nullptr, Update, Plaintext),
                  std::invalid_argument);
@@ -91,8 +87,6 @@ TEST(ManageAgentKeysTest, LaysOutFromTheStateAndHandsBackTheUsersLayout) {
     }
 }
 
-// Add Key, the file dialog, the pass-phrase prompt (wrong first), the key
-// listed and held in the shared store; Remove; Close, handing the layout back.
 TEST(ManageAgentKeysTest, AddsAKeyThroughTheFileDialogAndThePassPhraseAndRemovesIt) {
     constexpr int FileNameComboId = 1148;  // the file dialog's file name field
     AgentKeyStore store;

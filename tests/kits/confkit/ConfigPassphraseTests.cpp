@@ -1,5 +1,4 @@
-// The configuration pass phrase and the four functions that hand it and the
-// plain text of protected values to the rest of the program.
+// The configuration pass phrase and the functions that hand out protected values.
 
 #include <gtest/gtest.h>
 
@@ -8,7 +7,6 @@
 
 namespace {
 
-// Each test starts and ends without a pass phrase.
 class ConfigPassphraseTest : public testing::Test {
 protected:
     void SetUp() override { SetConfigPassphrase(VUnicodeString()); }

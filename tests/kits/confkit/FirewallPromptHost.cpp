@@ -1,5 +1,4 @@
-// Exports the session database (an INI-file store) and asks for one credential
-// of a firewall through Confkit's prompts, for the test that answers them:
+// Asks for a firewall credential through Confkit's prompts, for the test that answers them:
 //   firewall_prompt_host FOLDER FIREWALL user|password OUTPUT [PASSPHRASE]
 // OUTPUT gets "confirmed=0|1", "text=...", "sensitive=0|1", "report=<code>" lines.
 #include <windows.h>
@@ -16,7 +15,6 @@ namespace {
 
 VIniFileStoreFactory* g_factory = nullptr;
 
-// Writes a definition back to the key it lives in.
 class HostSessionDatabase final : public VUnknown<ISessionDatabase> {
 public:
     bool SaveFirewall(FirewallConfig& firewall, VReportMessageParams& report) override {

@@ -31,8 +31,7 @@ TEST(SharedGlobalConfig, IsLoadedOnceFromTheCurrentStoreAndSavedBackToIt) {
     EXPECT_TRUE(again == config && !again->KeepSharedMemoryAgentOpen.Get());
     EXPECT_THROW(GetGlobalConfig(again, 0), std::invalid_argument);
 
-    // Saved where it was loaded from, even after the current store changed,
-    // and only what this process changed: the other program's value stays.
+    // Saved where it was loaded from, only what this process changed.
     VListViewState columns;
     ASSERT_TRUE(VListViewState::Parse(L"1,1;100,90;0,1", columns));
     config->TraywellAgentKeysListViewState.Set(columns);

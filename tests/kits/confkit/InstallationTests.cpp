@@ -1,6 +1,4 @@
-// The installation facts and application folders, read from a registry whose
-// per-user and machine-wide hives are redirected into a sandbox, with fake
-// client executables in a temporary folder.
+// Installation facts and application folders, from hives redirected into a sandbox.
 
 #include <gtest/gtest.h>
 
@@ -33,8 +31,7 @@ protected:
         CreateDirectoryW((folder_ / L"Termlet.exe").c_str(), nullptr);  // a folder, not a program
     }
 
-    // Sets name in the installation key's subkey (empty: the key itself) of
-    // hive "user" or "machine", as text (REG_SZ) or as a number (REG_DWORD).
+    // Sets name in subkey (empty: the key itself) of the "user" or "machine" installation key.
     void Set(const wchar_t* hive, const wchar_t* subkey, const wchar_t* name,
              const VUnicodeString& text) {
         Set(hive, subkey, name, REG_SZ, text.c_str(), (text.GetLength() + 1) * sizeof(wchar_t));

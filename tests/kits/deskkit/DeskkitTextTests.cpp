@@ -1,5 +1,4 @@
-// Label escaping and the path variables: publishing, reading back through
-// IString, and expansion in path values.
+// Label escaping and the path variables: publishing, reading back, expansion.
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,4 @@
-// The recent-session lists against a real INI-file store, written to the way
-// a client program writes to it while Traywell runs.
+// The recent-session lists on a real INI-file store that a client writes to meanwhile.
 
 #include <gtest/gtest.h>
 
@@ -37,7 +36,6 @@ protected:
             text ? key.SetString(Name(index++), text) : key.DeleteValue(Name(index++));
     }
 
-    // The stored values File0 to File9, up to the last one there is.
     Texts Stored() {
         VProfileStore store(&factory_);
         VProfileKey key(store.GetRootKey(), Section, false);

@@ -1,7 +1,4 @@
-// The tray icon under Wine and Xvfb: its hidden window is found by class name,
-// the callback message opens the client's menu (read back while it is open),
-// the chosen item reaches the client, and the icon is added again when the
-// taskbar is re-created.
+// The tray icon under Wine: its window, its menu and choice, re-adding after a new taskbar.
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,4 @@
-// SSH2 start-up: the self-tests pass on the real code, and each one, when made
-// to compare against a wrong answer, stops start-up in FIPS mode only.
+// SSH2 start-up: the self-tests pass, and a broken one stops start-up in FIPS mode only.
 
 #include <gtest/gtest.h>
 
