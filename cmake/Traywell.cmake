@@ -35,6 +35,27 @@ function(traywell_add_test)
     endif()
 endfunction()
 
+# traywell_add_program(NAME <name> [WIN32] SOURCES <src>... [LIBS <lib>...])
+#
+# A program of the build (the tray program, a tool, a helper that tests or
+# benchmarks start) with a wide entry point, wmain or wWinMain, which MinGW
+# links only with -municode.
+function(traywell_add_program)
+    cmake_parse_arguments(PARSE_ARGV 0 arg "WIN32" "NAME" "SOURCES;LIBS")
+    if(NOT arg_NAME OR NOT arg_SOURCES OR arg_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "traywell_add_program needs NAME and SOURCES, and nothing else")
+    endif()
+    if(arg_WIN32)
+        add_executable(${arg_NAME} WIN32 ${arg_SOURCES})
+    else()
+        add_executable(${arg_NAME} ${arg_SOURCES})
+    endif()
+    target_link_libraries(${arg_NAME} PRIVATE ${arg_LIBS})
+    if(MINGW)
+        target_link_options(${arg_NAME} PRIVATE -municode)
+    endif()
+endfunction()
+
 # traywell_add_message_table(TARGET <target> MC <file.mc> [CUSTOMER] [INCLUDE_DIR_VAR <var>])
 #
 # Compiles <file.mc> with windmc and links the message table into <target>, an
