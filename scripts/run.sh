@@ -68,6 +68,10 @@ if [ -z "$screenshot" ] && [ -z "${DISPLAY:-}" ]; then
     echo "No display (DISPLAY is not set): Traywell runs on a private Xvfb display, and its menu is saved as a picture."
 fi
 
+# Shown on the user's display; a picture is always taken on a private one.
+if [ -z "$screenshot" ]; then
+    export TRAYWELL_DISPLAY=$DISPLAY
+fi
 stop() { wine_run --stop </dev/null >/dev/null 2>&1 || true; }
 wine_run --start </dev/null
 trap stop EXIT
