@@ -1,6 +1,6 @@
-// Plays a client: --class terminal|transfer --log FILE [--windows N] [--exit agree|refuse|hang]
-// [--session TEXT]... shows N windows and logs "select|hide|close <index>" to FILE. Started any
-// other way (as Traywell starts a client) it logs its command line to TRAYWELL_HELPER_LAUNCH_LOG.
+// Plays a client: --terminal|--transfer LOG WINDOWS agree|refuse|hang [SESSION]... shows WINDOWS
+// windows and logs "select|hide|close <index>" to LOG. Started any other way (as Traywell starts a
+// client) it logs its command line to TRAYWELL_HELPER_LAUNCH_LOG.
 #include <windows.h>
 
 #include <cwchar>
@@ -66,31 +66,20 @@ LRESULT CALLBACK ClientWindowProc(HWND window, UINT message, WPARAM wParam, LPAR
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
-    if (argc < 2 || std::wcsncmp(argv[1], L"--", 2) != 0) {
+    const bool terminal = argc > 1 && std::wcscmp(argv[1], L"--terminal") == 0;
+    if (argc < 5 || (!terminal && std::wcscmp(argv[1], L"--transfer") != 0)) {
         wchar_t file[MAX_PATH];
         const DWORD length = GetEnvironmentVariableW(L"TRAYWELL_HELPER_LAUNCH_LOG", file, MAX_PATH);
         if (length == 0 || length >= MAX_PATH) return 2;
         AppendLine(file, GetCommandLineW());
         return 0;
     }
-    const wchar_t* windowClass = nullptr;
-    int windows = 1;
-    for (int i = 1; i + 1 < argc; i += 2) {
-        const VUnicodeString option(argv[i]), value(argv[i + 1]);
-        if (option == L"--class")
-            windowClass = value == L"terminal" ? ClientProtocol::TerminalWindowClass
-                                               : ClientProtocol::TransferWindowClass;
-        else if (option == L"--log")
-            logFile = value;
-        else if (option == L"--windows")
-            windows = _wtoi(argv[i + 1]);
-        else if (option == L"--exit")
-            exitAnswer = argv[i + 1];
-        else if (option == L"--session")
-            sessions.Add(value);
-        else
-            return 2;
-    }
+    const wchar_t* windowClass =
+        terminal ? ClientProtocol::TerminalWindowClass : ClientProtocol::TransferWindowClass;
+    logFile = argv[2];
+    const int windows = _wtoi(argv[3]);
+    exitAnswer = argv[4];
+    for (int i = 5; i < argc; ++i) sessions.Add(argv[i]);
     WNDCLASSEXW registration{};
     registration.cbSize = sizeof registration;
     registration.lpfnWndProc = ClientWindowProc;
@@ -98,7 +87,7 @@ int wmain(int argc, wchar_t** argv) {
     registration.hInstance = GetModuleHandleW(nullptr);
     registration.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1);
     registration.lpszClassName = windowClass;
-    if (!windowClass || logFile.IsEmpty() || !RegisterClassExW(&registration)) return 2;
+    if (logFile.IsEmpty() || !RegisterClassExW(&registration)) return 2;
     for (; openWindows < windows; ++openWindows) {
         const int offset = 40 + 20 * openWindows;
         const HWND window =

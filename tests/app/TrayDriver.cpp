@@ -21,23 +21,16 @@ Lines ReadLines(const VUnicodeString& file) {
     return lines;
 }
 
-VUnicodeString ItemText(HWND dialog, int control) {
-    wchar_t text[1024] = {};
-    GetDlgItemTextW(dialog, control, text, 1024);
-    return text;
-}
-
 ClientHelper::ClientHelper(bool terminal, const Lines& sessions, const wchar_t* exitAnswer,
                            int windows)
     : windowClass(terminal ? ClientProtocol::TerminalWindowClass
                            : ClientProtocol::TransferWindowClass),
       process(GetPathBesideProgram(L"client_window_helper.exe"), [&] {
           VUnicodeString arguments;
-          arguments.FormatPositional(L"--class %1 --exit %2 --windows %3!d! --log \"%4\"",
-                                     terminal ? L"terminal" : L"transfer", exitAnswer, windows,
-                                     (folder / L"client.log").c_str());
+          arguments.FormatPositional(L"--%1 \"%2\" %3!d! %4", terminal ? L"terminal" : L"transfer",
+                                     (folder / L"client.log").c_str(), windows, exitAnswer);
           for (const VUnicodeString& session : sessions)
-              arguments += VUnicodeString(L" --session \"") + session + L"\"";
+              arguments += VUnicodeString(L" \"") + session + L"\"";
           return arguments;
       }()) {
     process.Windows(windowClass, static_cast<size_t>(windows));

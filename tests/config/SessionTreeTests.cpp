@@ -40,9 +40,6 @@ TEST_P(SessionTree, FoldersReadBackInTheirOrderAndADamagedRecordLosesOnlyItsOrde
     ExpectFolder(L"Sessions\\Linux", true, {L"Old"}, {L"web", L"db"});
     ExpectFolder(L"Sessions\\Linux\\Old", true, {}, {L"legacy"});
     ExpectFolder(L"Sessions\\Windows", true, {}, {});
-    const SessionConfig legacy(&Key(L"Sessions\\Linux\\Old\\legacy", true), L"Linux\\Old\\legacy");
-    EXPECT_TRUE(legacy.IsMarkedAsSession() &&
-                legacy.GetRemoteHostConfig().GetHostname() == L"Linux\\Old\\legacy");
 
     VProfileKey& data = Key(L"Sessions\\__FolderData__");
     data.SetString(L"Session List", L"router");  // a text where a list belongs

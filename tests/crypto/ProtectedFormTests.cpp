@@ -8,13 +8,11 @@
 
 #include <cwchar>
 #include <cwctype>
-#include <random>
 
 #include "CapiForm.h"
 #include "ConfigMessages.h"
 #include "CryptoTestSupport.h"
 #include "PassphraseForm.h"
-#include "TestSeed.h"
 #include "VBlowfishString.h"
 #include "VEncryptedString.h"
 
@@ -135,23 +133,9 @@ TEST(ProtectedForms, EncodingFailsCleanly) {
     }
 }
 
-TEST(ProtectedForms, AnEncryptedStringSealsWithThePassphraseWhenThereIsOne) {
-    VRefPtr<IPassphraseProvider> phrase = Provider(L"phrase"), none = Provider(L"");
-    const struct {
-        IPassphraseProvider* provider;
-        const wchar_t* prefix;
-        VEncryptedString::Form form;
-    } cases[] = {{phrase.Get(), L"02:", VEncryptedString::Form::Passphrase},
-                 {none.Get(), L"CAPI:", VEncryptedString::Form::Capi},
-                 {nullptr, L"CAPI:", VEncryptedString::Form::Capi}};
-    for (const auto& c : cases) {
-        VEncryptedString value(VUnicodeString(), c.provider);
-        VReportMessageParams report;
-        ASSERT_TRUE(value.SetPlainText(L"secret", Name, report));
-        EXPECT_TRUE(value.StartsWith(c.prefix) && value.GetForm() == c.form);
-        VUnicodeString plain;
-        EXPECT_TRUE(value.GetPlainText(plain, Name, report) && plain == L"secret");
-    }
+// The form that the provider chooses, the firewall and pass-phrase tests show in their stores.
+TEST(ProtectedForms, AnEncryptedStringKeepsItsTextWhenRefusedAndReadsOlderForms) {
+    const VRefPtr<IPassphraseProvider> phrase = Provider(L"phrase");
     VEncryptedString value(VUnicodeString(), phrase.Get());
     VReportMessageParams report;
     ASSERT_TRUE(value.SetPlainText(L"kept", Name, report));
@@ -205,9 +189,7 @@ TEST(ProtectedForms, EveryKindOfMalformedTextIsRefusedAndChangesNothing) {
     } cases[] = {
         {"02: other version", VUnicodeString(L"03:") + digits, phrase, invalid},
         {"02: prefix only", VUnicodeString(L"02:"), phrase, unreadable},
-        {"02: not a digit", good.Left(10) + L"g" + good.Mid(11), phrase, unreadable},
         {"02: wide character whose low byte is a digit", good.Left(10) + L"\x0130" + good.Mid(11), phrase, unreadable},
-        {"02: odd digit count", good.Left(good.GetLength() - 1), phrase, unreadable},
         {"02: 32 bytes, under 36", VUnicodeString(L"02:") + digits.Left(64), phrase, unreadable},
         {"02: not a block multiple", good + L"0011223344556677", phrase, unreadable},
         {"02: length field beyond the record", Crafted("secret", 64 - 35), phrase, unreadable},
@@ -221,9 +203,7 @@ TEST(ProtectedForms, EveryKindOfMalformedTextIsRefusedAndChangesNothing) {
         {"02: empty pass phrase", good, L"", unusable},
         {"02: pass phrase not Unicode", good, L"\xDC00", unusable},
         {"CAPI: odd digit count", capi.Left(capi.GetLength() - 1), phrase, damaged},
-        {"CAPI: not a digit", capi.Left(middle) + L"G" + capi.Mid(middle + 1), phrase, damaged},
         {"CAPI: blob byte changed", flipped(capi, middle), phrase, damaged},
-        {"CAPI: blob cut short", capi.Left(capi.GetLength() - 8), phrase, damaged},
         {"older: letter O for the zero", VUnicodeString(L"O2:") + digits, phrase, invalid},
         {"older: not whole blocks", older.Left(older.GetLength() - 2), phrase, invalid},
         {"older: odd digit count", older.Left(older.GetLength() - 1), phrase, invalid},
@@ -241,43 +221,7 @@ TEST(ProtectedForms, EveryKindOfMalformedTextIsRefusedAndChangesNothing) {
     }
     VUnicodeString plain;
     VReportMessageParams report;
+    EXPECT_FALSE(Decodes(Crafted("secret", 6, 5), plain, report)) << "and leaves the output alone";
     EXPECT_TRUE(Decodes(Crafted("secret", 6), plain, report) && plain == L"secret")
         << "crafted records are well-formed but for their defect";
-}
-
-TEST(ProtectedForms, ManyRandomlyMutatedPassphraseTextsFailCleanly) {
-    std::mt19937_64 random(TestSeed("mutated texts"));
-    const auto below = [&](size_t n) { return static_cast<size_t>(random() % n); };
-    const auto from = [](const VUnicodeString& text, size_t at) {
-        return at < text.GetLength() ? text.Mid(at) : VUnicodeString();
-    };
-    const wchar_t alphabet[] = L"0123456789abcdefABCDEF:02CAPI g\xD800\xFFFF";
-    const VUnicodeString plains[] = {L"", L"pw", L"a longer secret of some 40 characters.."};
-    const VUnicodeString originals[] = {Encoded(plains[0]), Encoded(plains[1]), Encoded(plains[2])};
-    int accepted = 0;
-    for (int round = 0; round < 20000; ++round) {
-        const size_t which = below(3);
-        VUnicodeString text = originals[which];
-        for (size_t m = 1 + below(3); m > 0; --m) {
-            const size_t at = below(text.GetLength() + 1);
-            const VUnicodeString character(&alphabet[below(std::size(alphabet) - 1)], 1);
-            switch (below(5)) {
-            case 0: text = text.Left(at) + character + from(text, at + 1); break;  // replace
-            case 1: text = text.Left(at) + character + from(text, at); break;      // insert
-            case 2: text = text.Left(at) + from(text, at + 1 + below(40)); break;  // delete a run
-            case 3: text = text.Left(at); break;                                   // cut the end off
-            default: text = text.Left(at) + from(text, at).Left(below(64)) + from(text, at);  // repeat a run
-            }
-        }
-        VUnicodeString plain(L"unchanged");
-        VReportMessageParams report;
-        if (Decodes(text, plain, report)) {
-            // Only a change of digit case or a cut of whole padding blocks still opens.
-            ASSERT_EQ(plain, plains[which]) << Printable(text);
-            ++accepted;
-        } else {
-            ASSERT_EQ(report.GetMessageCode(), static_cast<DWORD>(CONFIG_PROTECTED_TEXT_UNREADABLE)) << Printable(text);
-        }
-    }
-    EXPECT_LT(accepted, 2000) << "mutations should almost always damage the text";
 }

@@ -5,9 +5,9 @@
 #include <condition_variable>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
+#include "ChildProcess.h"
 #include "VCommandSocket.h"
 #include "VTcpSocket.h"
 
@@ -159,11 +159,8 @@ TEST_F(CommandSocket, EveryOutcomeReachesTheCompletionAndLeavesNoHandleBehind) {
     }
     // Wine may open a handle of its own; a leak would be one a run.
     constexpr DWORD slack = 2;
-    DWORD after = CountHandles();
-    for (int wait = 0; wait < 20 && after > before + slack; ++wait) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        after = CountHandles();
-    }
+    DWORD after = 0;
+    WaitUntil([&] { return (after = CountHandles()) <= before + slack; }, 2000);
     std::printf("open handles before %d runs: %lu, after: %lu\n", (rounds - 1) * 4, before, after);
     EXPECT_LE(after, before + slack);
 }

@@ -58,9 +58,6 @@ TEST_F(ReportMessages, TextsComeFromTheModulesInOrderWithTheirInserts) {
         {TEST_OWN_MODULE_TEXT, {L"w", L"n"}, L"Text of the test module with w and n.\r\n"},
         {TEST_OWN_MODULE_TEXT, {}, L"Text of the test module with %1 and %2.\r\n"},
         {TEST_OWN_MODULE_TEXT, {L"one"}, L"Text of the test module with one and %2.\r\n"},
-        {CONFIG_OPTION_NOT_A_NUMBER,
-         {L"/X"},
-         L"The command-line option /X needs a number made of the digits 0 to 9, not \"%2\".\r\n"},
         {CONFIG_VALUE_ABSENT, {L"Port"}, PortAbsent},
         {0x0000BEEF, {}, L"Could not retrieve the error text for error code 0x0000beef.\r\n"}};
     for (const auto& c : cases) {

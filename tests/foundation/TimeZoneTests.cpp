@@ -75,8 +75,6 @@ TEST(TimeZones, TheDatabaseFindsZonesByKeyName) {
     VTimeZone zone(Zone(1, 0, 0, 0, 0));
     VReportMessageParams report;
     ASSERT_TRUE(FindTimeZone(VUnicodeString(L"AUS Eastern Standard Time"), zone, report));
-    EXPECT_TRUE(zone.GetInformation().Bias == -600 &&
-                zone.GetInformation().DaylightDate.wMonth == 10);
     EXPECT_STREQ(zone.GetInformation().StandardName, L"AUS Eastern Standard Time");
     for (const wchar_t* unknown :
          {L"Atlantis Standard Time", L"W. Europe Standard Time\\Dynamic DST"}) {

@@ -4,7 +4,6 @@
 
 #include <cryptopp/base64.h>
 
-#include <atomic>
 #include <cstring>
 #include <fstream>
 
@@ -30,9 +29,4 @@ AgentIdentity ReadPublicKeyFile(const char* name) {
     CryptoPP::StringSource(base64, true,
                            new CryptoPP::Base64Decoder(new CryptoPP::StringSink(blob)));
     return {AgentBytes(blob.begin(), blob.end()), AgentText(comment.begin() + 1, comment.end())};
-}
-
-std::wstring UniqueName(const wchar_t* prefix) {
-    static std::atomic<int> counter{0};
-    return prefix + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++counter);
 }

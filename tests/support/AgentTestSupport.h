@@ -1,4 +1,4 @@
-// For the agent's tests: the key files ssh-keygen wrote (AGENT_TEST_KEYS_DIR), fresh names.
+// For the agent's tests: the key files ssh-keygen wrote (AGENT_TEST_KEYS_DIR), a confirmation.
 #pragma once
 
 #include <string>
@@ -12,7 +12,6 @@ std::wstring TestKeyPath(const char* name);
 LoadedKey LoadTestKey(const char* name, const wchar_t* passphrase = L"");
 // The blob and comment of keys/<name>.pub.
 AgentIdentity ReadPublicKeyFile(const char* name);
-std::wstring UniqueName(const wchar_t* prefix);
 
 struct RecordingConfirm : IAgentConfirm {
     bool answer = true;

@@ -22,22 +22,25 @@ void CALLBACK ModalProbe::OnTimer(HWND, UINT, UINT_PTR, DWORD) {
     if (g_probe && !g_probe->done_) g_probe->done_ = g_probe->action_();
 }
 
-HWND FindOwnWindow(const wchar_t* className, const wchar_t* title) {
+HWND FindOwnWindow(const wchar_t* className) {
     struct Search {
-        const wchar_t *className, *title;
+        const wchar_t* className;
         HWND found;
-    } search{className, title, nullptr};
+    } search{className, nullptr};
     auto matches = [](HWND window, LPARAM parameter) -> BOOL {
         auto& wanted = *reinterpret_cast<Search*>(parameter);
-        wchar_t name[256] = {}, text[256] = {};
+        wchar_t name[256] = {};
         GetClassNameW(window, name, 256);
-        GetWindowTextW(window, text, 256);
-        if (!IsWindowVisible(window) || wcscmp(name, wanted.className) != 0 ||
-            (wanted.title && wcscmp(text, wanted.title) != 0))
-            return TRUE;
+        if (!IsWindowVisible(window) || wcscmp(name, wanted.className) != 0) return TRUE;
         wanted.found = window;
         return FALSE;
     };
     EnumThreadWindows(GetCurrentThreadId(), matches, reinterpret_cast<LPARAM>(&search));
     return search.found;
+}
+
+VUnicodeString ItemText(HWND dialog, int control) {
+    wchar_t text[1024] = {};
+    GetDlgItemTextW(dialog, control, text, 1024);
+    return text;
 }

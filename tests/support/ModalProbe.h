@@ -6,6 +6,8 @@
 
 #include <functional>
 
+#include "VString.h"
+
 class ModalProbe {
 public:
     // action runs every 50 ms until it returns true (done).
@@ -22,5 +24,7 @@ private:
     bool done_ = false;
 };
 
-// A visible window of this thread (others' boxes may show meanwhile) of className (and title).
-HWND FindOwnWindow(const wchar_t* className, const wchar_t* title = nullptr);
+// A visible window of className of this thread (others' boxes may show meanwhile).
+HWND FindOwnWindow(const wchar_t* className);
+// The text of control in dialog (up to 1023 characters); empty when there is none.
+VUnicodeString ItemText(HWND dialog, int control);

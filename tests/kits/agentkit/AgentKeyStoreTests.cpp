@@ -8,6 +8,7 @@
 #include "AgentKeyStore.h"
 #include "AgentMessages.h"
 #include "AgentTestSupport.h"
+#include "ChildProcess.h"
 #include "VSharedMemoryCache.h"
 #include "VUnknown.h"
 
@@ -30,7 +31,7 @@ bool BlockHolds(AgentKeyStore& store, const AgentBytes& secret) {
 }  // namespace
 
 TEST(AgentKeyStoreTest, KeepsKeysForEveryProcessAndNeverPlain) {
-    const std::wstring name = UniqueName(L"{agent-store-test}");
+    const VUnicodeString name = UniqueObjectName(L"agent-store");
     AgentKeyStore store(name.c_str());
     // No shared memory until the store is first used: a probe is the block's one holder.
     EXPECT_EQ(VRefPtr<VSharedMemoryCache>::Adopt(new VSharedMemoryCache(name.c_str(), 4096))
@@ -58,8 +59,6 @@ TEST(AgentKeyStoreTest, KeepsKeysForEveryProcessAndNeverPlain) {
     AgentKey opened;
     AgentKeyInfo info;
     ASSERT_TRUE(store.GetKey(rsa.key.GetPublicBlob(), opened, info));
-    AgentBytes signature;
-    EXPECT_TRUE(opened.Sign(reinterpret_cast<const uint8_t*>("data"), 4, SignRsaSha256, signature));
 
     // Removed through another holder of the block: the key opened here before goes too.
     EXPECT_TRUE(AgentKeyStore(name.c_str()).Remove(rsa.key.GetPublicBlob()));
@@ -71,7 +70,7 @@ TEST(AgentKeyStoreTest, KeepsKeysForEveryProcessAndNeverPlain) {
 }
 
 TEST(AgentKeyStoreTest, AFullBlockRefusesWithAMessageAndADamagedOneIsReset) {
-    AgentKeyStore full(UniqueName(L"{agent-store-full}").c_str(), AgentKeyStore::HeaderBytes + 700);
+    AgentKeyStore full(UniqueObjectName(L"agent-store").c_str(), AgentKeyStore::HeaderBytes + 700);
     VReportMessageParams report;
     size_t added = 0;
     for (const char* name : {"ed25519", "ecdsa256", "ecdsa521", "rsa"}) {
@@ -87,7 +86,7 @@ TEST(AgentKeyStoreTest, AFullBlockRefusesWithAMessageAndADamagedOneIsReset) {
     // The magic, version, checksum, count, records' length, a record's size, a public key.
     const LoadedKey key = LoadTestKey("ecdsa256");
     for (size_t offset : {0, 4, 8, 16, 21, 513, 572}) {
-        AgentKeyStore store(UniqueName(L"{agent-store-damage}").c_str());
+        AgentKeyStore store(UniqueObjectName(L"agent-store").c_str());
         ASSERT_TRUE(store.Add(key.key, key.comment, 0, false, report));
         store.GetDataForTests()[offset] ^= 0x5A;
         EXPECT_TRUE(store.List().empty()) << offset;
@@ -97,7 +96,7 @@ TEST(AgentKeyStoreTest, AFullBlockRefusesWithAMessageAndADamagedOneIsReset) {
 }
 
 TEST(AgentKeyStoreTest, LifetimesEndAndALockedStoreHidesItsKeys) {
-    AgentKeyStore store(UniqueName(L"{agent-store-time}").c_str());
+    AgentKeyStore store(UniqueObjectName(L"agent-store").c_str());
     uint64_t now = 1'700'000'000;
     store.SetClock([&now] { return now; });
     const LoadedKey brief = LoadTestKey("ed25519"), lasting = LoadTestKey("ecdsa384");

@@ -15,11 +15,6 @@
 
 namespace {
 
-int Fail(VReportMessageParams& report) {
-    std::fwprintf(stderr, L"%ls\n", report.GetText());
-    return 1;
-}
-
 void Pump(SOCKET socket, HANDLE pipe) {
     char buffer[16384];
     DWORD written;
@@ -70,15 +65,15 @@ int Relay(const wchar_t* pipe, int port) {
     return 0;
 }
 
-std::string Narrow(const AgentText& text) { return std::string(text.begin(), text.end()); }
-
 int Fingerprint(const wchar_t* file, const wchar_t* passphrase) {
     LoadedKey key;
     VReportMessageParams report;
-    if (!LoadKeyFile(file, VUnicodeString(passphrase, Str::Sensitive), key, report))
-        return Fail(report);
-    std::printf("%u %s (%ls)\n", key.key.GetBits(),
-                Narrow(KeyFingerprint(key.key.GetPublicBlob())).c_str(), key.key.GetTypeLabel());
+    if (!LoadKeyFile(file, VUnicodeString(passphrase, Str::Sensitive), key, report)) {
+        std::fwprintf(stderr, L"%ls\n", report.GetText());
+        return 1;
+    }
+    std::printf("%u %s (%ls)\n", key.key.GetBits(), KeyFingerprint(key.key.GetPublicBlob()).c_str(),
+                key.key.GetTypeLabel());
     return 0;
 }
 

@@ -21,12 +21,6 @@ VUnicodeString NoPassphrase() { return VUnicodeString(); }
 bool Update(VProfileEncryptedString&, const VUnicodeString&) { return false; }
 VUnicodeString Plaintext(const VProfileEncryptedString&) { return VUnicodeString(); }
 
-std::wstring ItemText(HWND window, int id) {
-    wchar_t text[256] = {};
-    GetDlgItemTextW(window, id, text, 256);
-    return text;
-}
-
 // Shows the window with saved; step runs in its modal loop until true. The layout handed back.
 VListViewState Launch(const wchar_t* saved, const std::function<bool(HWND, HWND)>& step) {
     CommonUiInit(nullptr, nullptr);
@@ -61,7 +55,7 @@ TEST(ManageAgentKeysTest, LaysOutFromTheStateAndHandsBackTheUsersLayout) {
     };
     for (const auto& test : cases) {
         std::vector<int> widths;
-        std::wstring protection;
+        VUnicodeString protection;
         const VListViewState kept = Launch(test.saved, [&](HWND window, HWND list) {
             for (int column = 0; column < Header_GetItemCount(ListView_GetHeader(list)); ++column)
                 widths.push_back(ListView_GetColumnWidth(list, column));
@@ -92,7 +86,8 @@ TEST(ManageAgentKeysTest, AddsAKeyThroughTheFileDialogAndThePassPhraseAndRemoves
     AgentKeyStore store;
     ASSERT_TRUE(store.RemoveAll());
     int step = 0;
-    std::wstring listed, prompt;
+    std::wstring listed;
+    VUnicodeString prompt;
     bool confirmSeen = false;
     const VListViewState kept = Launch(L"", [&](HWND window, HWND list) {
         HWND dialog = nullptr;  // the file dialog or the pass-phrase prompt
@@ -134,7 +129,7 @@ TEST(ManageAgentKeysTest, AddsAKeyThroughTheFileDialogAndThePassPhraseAndRemoves
         return false;
     });
     EXPECT_EQ(step, 5);
-    EXPECT_NE(prompt.find(L"pass phrase does not open"), std::wstring::npos) << prompt;
+    EXPECT_NE(prompt.Find(L"pass phrase does not open"), VUnicodeString::npos) << prompt.c_str();
     const AgentText fingerprint =
         KeyFingerprint(LoadTestKey("ed25519-sealed", L"open sesame").key.GetPublicBlob());
     EXPECT_EQ(listed, L"ED25519|256|" + std::wstring(fingerprint.begin(), fingerprint.end()) +

