@@ -100,13 +100,12 @@ TEST(SecurityDescriptorTest, BadEntriesAreRejectedAndChangeNothing) {
         DWORD error;
     } cases[] = {
         {L"permit,0x1,S-1-1-0", ERROR_INVALID_DATA}, {L"allowed,0x1,S-1-1-0", ERROR_INVALID_DATA},
-        {L",0x1,S-1-1-0", ERROR_INVALID_DATA},       {L"allow,1,S-1-1-0", ERROR_INVALID_DATA},
-        {L"allow,0x,S-1-1-0", ERROR_INVALID_DATA},   {L"allow,0x123456789,S-1-1-0", ERROR_INVALID_DATA},
+        {L"allow,1,S-1-1-0", ERROR_INVALID_DATA},    {L"allow,0x,S-1-1-0", ERROR_INVALID_DATA},
         {L"allow,0xg,S-1-1-0", ERROR_INVALID_DATA},  {L"allow,-0x1,S-1-1-0", ERROR_INVALID_DATA},
-        {L"allow,0x1", ERROR_INVALID_DATA},          {L"allow", ERROR_INVALID_DATA},
-        {L"", ERROR_INVALID_DATA},                   {L"allow,0x1,S-1-x", ERROR_INVALID_SID},
-        {L"allow,0x1,", ERROR_INVALID_SID},          {L"allow,0x1,S-1-1-0,extra", ERROR_INVALID_SID},
-        {L"allow,0x1,Everyone", ERROR_INVALID_SID},
+        {L"allow,0x1", ERROR_INVALID_DATA},          {L"allow,0x1,S-1-x", ERROR_INVALID_SID},
+        {L"allow,0x1,", ERROR_INVALID_SID},          {L"allow,0x1,Everyone", ERROR_INVALID_SID},
+        {L"allow,0x123456789,S-1-1-0", ERROR_INVALID_DATA},
+        {L"allow,0x1,S-1-1-0,extra", ERROR_INVALID_SID},
     };
     for (const auto& bad : cases) {
         EXPECT_FALSE(descriptor.FromText(Texts{L"allow,0x2,S-1-1-0", bad.text})) << bad.text;

@@ -16,8 +16,7 @@ class ProtectedValueTest : public ::testing::Test {
 protected:
     VUnicodeString Stored(const wchar_t* name) {
         VUnicodeString text;
-        EXPECT_TRUE(store_.OpenKey()->GetString(name, text))
-            << VString(VUnicodeString(name)).c_str();
+        EXPECT_TRUE(store_.OpenKey()->GetString(name, text)) << name;
         return text;
     }
 

@@ -120,7 +120,7 @@ TEST_F(StructuredValueTest, EveryKindRoundTripsAndIsStoredAsTheSystemsLayout) {
         {L"Page Margins", 20, {{4, 1500}, {16, PSD_INHUNDREDTHSOFMILLIMETERS}}},
     };
     for (const auto& layout : layouts) {
-        SCOPED_TRACE(VString(VUnicodeString(layout.name)).c_str());
+        SCOPED_TRACE(layout.name);
         const VBinaryBlock block = StoredBlock(layout.name);
         ASSERT_EQ(block.size(), layout.size);
         for (const auto& [offset, value] : layout.dwords) EXPECT_EQ(Dword(block, offset), value);
@@ -173,12 +173,12 @@ TEST_F(StructuredValueTest, AFaceNameEndsAtItsTerminatorAndIsCutToThirtyOneUnits
 TEST_F(StructuredValueTest, StateTextsParseAsWrittenAndMalformedOnesAreRefused) {
     for (const wchar_t* text : {L"1,-1,200", L"1,1000,200", L"1,0,-1", L"0,1000,200"}) {
         VPaneState state;
-        ASSERT_TRUE(VPaneState::Parse(text, state)) << VString(VUnicodeString(text)).c_str();
+        ASSERT_TRUE(VPaneState::Parse(text, state)) << text;
         EXPECT_EQ(state.Format(), text);
     }
     for (const wchar_t* text : {L"1,1,0;", L"1,1,0;0,-1,-1;", L""}) {
         VTabStateList tabs;
-        ASSERT_TRUE(VTabStateList::Parse(text, tabs)) << VString(VUnicodeString(text)).c_str();
+        ASSERT_TRUE(VTabStateList::Parse(text, tabs)) << text;
         EXPECT_EQ(tabs.Format(), text);
     }
     VArray<int> numbers;
@@ -192,22 +192,19 @@ TEST_F(StructuredValueTest, StateTextsParseAsWrittenAndMalformedOnesAreRefused) 
     for (const wchar_t* text : {L"", L"1,2", L"1,2,3,4", L"2,0,0", L"1,-2,0", L"1,0,-2", L"1, 0,0",
                                 L"1,0,x", L"1,,0", L"1,0,99999999999", L"1;0;0"}) {
         VPaneState state = before;
-        EXPECT_FALSE(VPaneState::Parse(text, state) || !(state == before))
-            << VString(VUnicodeString(text)).c_str();
+        EXPECT_FALSE(VPaneState::Parse(text, state) || !(state == before)) << text;
     }
     for (const wchar_t* text : {L"1,1,0;1,1,0", L";", L"1,1,0;;", L"1,1;", L"1,1,0,"}) {
         VTabStateList tabs;
         tabs.groups.Add(before);
-        EXPECT_FALSE(VTabStateList::Parse(text, tabs) || tabs.groups.GetCount() != 1u)
-            << VString(VUnicodeString(text)).c_str();
+        EXPECT_FALSE(VTabStateList::Parse(text, tabs) || tabs.groups.GetCount() != 1u) << text;
     }
     for (const wchar_t* text :
          {L"1,0;200,80;0,0", L"1,0;200,80;0,2", L"1,0;200,80;0", L"2,1;200,80;0,1",
           L"-2,1;200,80;0,1", L"0,2;200,80;0,1", L"0,1;-5,80;0,1", L"0,1;;", L"0,1;200;0;",
           L"0;200;0", L"0,1,2;200;0"}) {
         VListViewState refused;
-        EXPECT_FALSE(VListViewState::Parse(text, refused) || !refused.IsEmpty())
-            << VString(VUnicodeString(text)).c_str();
+        EXPECT_FALSE(VListViewState::Parse(text, refused) || !refused.IsEmpty()) << text;
     }
 
     auto key = store_.OpenKey();
@@ -230,7 +227,7 @@ TEST(TimeTextTest, TimesAreWrittenWithFixedWidthsReadWithLooserOnesAndInvalidTex
          L"30827:12:31:23:59:59:999"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(VString(VUnicodeString(c.written)).c_str());
+        SCOPED_TRACE(c.written);
         VUnicodeString text;
         ASSERT_TRUE(VProfileTimeSz::FormatTime(c.time, text));
         EXPECT_EQ(text, c.written);
@@ -256,8 +253,7 @@ TEST(TimeTextTest, TimesAreWrittenWithFixedWidthsReadWithLooserOnesAndInvalidTex
         L"2018:01:01:00:00:00:99999999999999999999", L""};
     for (const wchar_t* text : invalid) {
         FILETIME time = before;
-        EXPECT_FALSE(VProfileTimeSz::ParseTime(text, time) || !SameTime(time, before))
-            << VString(VUnicodeString(text)).c_str();
+        EXPECT_FALSE(VProfileTimeSz::ParseTime(text, time) || !SameTime(time, before)) << text;
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include "ConfigMessages.h"
 #include "IniTestStore.h"
+#include "TestValues.h"
 #include "VProfile.h"
 #include "VProfile2.h"
 #include "VProfileKeySource.h"
@@ -55,21 +56,6 @@ TEST_F(TypedValueStateTest, OnlyEditedOrAcceptedValuesAreWrittenAndOnlyOnce) {
     EXPECT_EQ(store_.StoredNumber(L"Minimize To Tray"), 0u);
 }
 
-TEST_F(TypedValueStateTest, AFailedWriteLosesNothing) {
-    store_.OpenKey()->SetDword(L"Other", 1);  // the key must exist to open it read-only
-    VProfile<int> rows(L"Rows", 24);
-    rows.Set(50);
-    rows.Commit();
-    auto readOnly = store_.OpenKey(true);
-    ASSERT_TRUE(readOnly->IsOpen());
-    EXPECT_FALSE(rows.Save(*readOnly, false));
-    EXPECT_EQ(readOnly->GetLastErrorParams().GetMessageCode(), DWORD{ERROR_ACCESS_DENIED});
-    EXPECT_TRUE(rows.IsModified());
-
-    EXPECT_TRUE(rows.Save(*store_.OpenKey(), false)) << "a later save still writes it";
-    EXPECT_EQ(store_.StoredNumber(L"Rows"), 50u);
-}
-
 TEST_F(TypedValueStateTest, CopiesKeepEveryFlagAssignmentKeepsItsOwnModifiedAndCopyFromItsKind) {
     VProfileString source(L"Answerback", L"old");
     source.Set(L"new");
@@ -98,8 +84,6 @@ TEST_F(TypedValueStateTest, CopiesKeepEveryFlagAssignmentKeepsItsOwnModifiedAndC
 
     VProfile<short> differentType(L"Port", 1);
     EXPECT_THROW(port.CopyFrom(differentType), std::bad_cast);
-    VProfileString text(L"Port");
-    EXPECT_THROW(text.CopyFrom(port), std::bad_cast);
 }
 
 TEST_F(TypedValueStateTest, LoadingMakesTheValueUnchangedAndAbsentValuesKeepTheDefault) {
@@ -192,7 +176,7 @@ TEST_F(TypedValueStateTest, ANumberUnderItsFormerNameMovesAtTheNextSaveThePresen
     EXPECT_TRUE(switching.Get() && switching.IsModified()) << "to be saved under its new name";
 
     EXPECT_FALSE(switching.Save(*store_.OpenKey(true), false));
-    EXPECT_TRUE(switching.IsModified()) << "a failed move is tried again";
+    EXPECT_TRUE(switching.IsModified()) << "a failed write loses nothing: it is tried again";
     EXPECT_TRUE(switching.Save(*store_.OpenKey(), false) && !switching.IsModified());
     EXPECT_TRUE(store_.StoredNumber(L"Enable 80-132 Column Switching") == 1u &&
                 !store_.StoredNumber(L"Enable 80/132 Column Switching"));
@@ -259,16 +243,10 @@ TEST_F(TypedValueStateTest, OnlyAKeyThatHoldsTheFormerNameLosesIt) {
                 << other.GetLastErrorParams().GetMessageCode();
             EXPECT_TRUE((copy ? textCopy : text).Save(other, false));
         }
-        auto key = store_.OpenKey();
-        VProfileKey other(*key, subkey, false);
-        uint32_t stored = 0;
-        VUnicodeString storedText;
-        EXPECT_TRUE(other.GetDword(L"New Number", stored) && stored == 7u);
-        EXPECT_TRUE(other.GetString(L"New Text", storedText) && storedText == L"seven");
-        VProfileKeyIterator values(other, true);
-        size_t count = 0;
-        while (values.Next(storedText)) ++count;
-        EXPECT_EQ(count, 2u) << "nothing under the former names";
+        VProfileKey other(*store_.OpenKey(), subkey, false);
+        EXPECT_EQ(ReadAllValues(*other.GetPrivateKey()),
+                  (TestValues{{L"New Number", D(7)}, {L"New Text", S(L"seven")}}))
+            << "nothing under the former names";
     }
 }
 
