@@ -19,19 +19,23 @@ struct Value {
     std::vector<std::wstring> strings;
 };
 
-inline VUnicodeString V(const std::wstring& text) { return VUnicodeString(text.c_str(), text.size()); }
+inline VUnicodeString V(const std::wstring& text) {
+    return VUnicodeString(text.c_str(), text.size());
+}
 
 // Values shaped like a session's: mostly numbers and short strings, some
 // binary blocks (fonts, window places) and a few lists, some non-ASCII text.
 inline std::vector<Value> SessionLikeValues(size_t count, uint32_t seed) {
-    static const wchar_t* const words[] = {L"Auto",   L"Reconnect", L"Window", L"Font",     L"Color",  L"Tab",
-                                           L"Keep",   L"Alive",     L"Proxy",  L"Terminal", L"Scroll", L"Transfer",
-                                           L"Cipher", L"Log",       L"File",   L"Host",     L"Port",   L"Use"};
+    static const wchar_t* const words[] = {
+        L"Auto",   L"Reconnect", L"Window", L"Font",     L"Color",  L"Tab",
+        L"Keep",   L"Alive",     L"Proxy",  L"Terminal", L"Scroll", L"Transfer",
+        L"Cipher", L"Log",       L"File",   L"Host",     L"Port",   L"Use"};
     std::mt19937 random(seed);
     std::vector<Value> values;
     for (size_t i = 0; i < count; ++i) {
         Value value{};
-        value.name = std::wstring(words[random() % 18]) + L" " + words[random() % 18] + L" " + std::to_wstring(i);
+        value.name = std::wstring(words[random() % 18]) + L" " + words[random() % 18] + L" " +
+                     std::to_wstring(i);
         value.valueName = V(value.name);
         const uint32_t pick = random() % 20;
         if (pick < 9) {
@@ -40,14 +44,17 @@ inline std::vector<Value> SessionLikeValues(size_t count, uint32_t seed) {
         } else if (pick < 17) {
             value.kind = ProfileString;
             value.text = L"host-" + std::to_wstring(random() % 1000) + L".example.com";
-            if (pick == 16) value.text = L"C:\\Users\\Zo\u00eb\\Documents\\Sessions\\log-" + std::to_wstring(i) + L".txt";
+            if (pick == 16)
+                value.text = L"C:\\Users\\Zo\u00eb\\Documents\\Sessions\\log-" +
+                             std::to_wstring(i) + L".txt";
         } else if (pick < 19) {
             value.kind = ProfileBinary;
             value.bytes.resize(8 + random() % 57);
             for (uint8_t& byte : value.bytes) byte = static_cast<uint8_t>(random());
         } else {
             value.kind = ProfileMultiString;
-            for (uint32_t n = 1 + random() % 4; n > 0; --n) value.strings.push_back(L"cd /var/log/" + std::to_wstring(n));
+            for (uint32_t n = 1 + random() % 4; n > 0; --n)
+                value.strings.push_back(L"cd /var/log/" + std::to_wstring(n));
         }
         values.push_back(std::move(value));
     }
@@ -57,14 +64,20 @@ inline std::vector<Value> SessionLikeValues(size_t count, uint32_t seed) {
 inline void Store(VProfilePrivateKey& key, const std::vector<Value>& values) {
     for (const Value& value : values) {
         switch (value.kind) {
-        case ProfileDword: key.SetDword(V(value.name), value.number); break;
-        case ProfileString: key.SetString(V(value.name), V(value.text)); break;
-        case ProfileBinary: key.SetBinary(V(value.name), value.bytes.data(), value.bytes.size()); break;
-        default: {
-            VArray<VUnicodeString> strings;
-            for (const std::wstring& string : value.strings) strings.Add(V(string));
-            key.SetMultiString(V(value.name), strings);
-        }
+            case ProfileDword:
+                key.SetDword(V(value.name), value.number);
+                break;
+            case ProfileString:
+                key.SetString(V(value.name), V(value.text));
+                break;
+            case ProfileBinary:
+                key.SetBinary(V(value.name), value.bytes.data(), value.bytes.size());
+                break;
+            default: {
+                VArray<VUnicodeString> strings;
+                for (const std::wstring& string : value.strings) strings.Add(V(string));
+                key.SetMultiString(V(value.name), strings);
+            }
         }
     }
 }
@@ -80,10 +93,17 @@ inline size_t LoadAll(VProfilePrivateKey& key, const std::vector<Value>& values)
         const VUnicodeString& name = value.valueName;
         size_t size = sizeof buffer;
         switch (value.kind) {
-        case ProfileDword: read += key.GetDword(name, number); break;
-        case ProfileString: read += key.GetString(name, text); break;
-        case ProfileBinary: read += key.GetBinary(name, buffer, size); break;
-        default: read += key.GetMultiString(name, strings);
+            case ProfileDword:
+                read += key.GetDword(name, number);
+                break;
+            case ProfileString:
+                read += key.GetString(name, text);
+                break;
+            case ProfileBinary:
+                read += key.GetBinary(name, buffer, size);
+                break;
+            default:
+                read += key.GetMultiString(name, strings);
         }
     }
     return read;

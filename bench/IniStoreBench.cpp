@@ -40,17 +40,21 @@ std::wstring ClassicSection(const std::vector<Value>& values) {
     for (const Value& value : values) {
         section += value.name + L"=";
         switch (value.kind) {
-        case ProfileDword: section += std::to_wstring(value.number); break;
-        case ProfileString: section += value.text; break;
-        case ProfileBinary:
-            for (uint8_t byte : value.bytes) {
-                wchar_t pair[3];
-                std::swprintf(pair, 3, L"%02x", byte);
-                section += pair;
-            }
-            break;
-        default:
-            for (const std::wstring& string : value.strings) section += string + L"|";
+            case ProfileDword:
+                section += std::to_wstring(value.number);
+                break;
+            case ProfileString:
+                section += value.text;
+                break;
+            case ProfileBinary:
+                for (uint8_t byte : value.bytes) {
+                    wchar_t pair[3];
+                    std::swprintf(pair, 3, L"%02x", byte);
+                    section += pair;
+                }
+                break;
+            default:
+                for (const std::wstring& string : value.strings) section += string + L"|";
         }
         section += L"\r\n";
     }
@@ -59,14 +63,16 @@ std::wstring ClassicSection(const std::vector<Value>& values) {
 
 void WriteClassicFile(const std::wstring& path, const std::vector<Value>& values) {
     const std::wstring text = L"\xFEFF[Values]\r\n" + ClassicSection(values);
-    WriteRaw(path, std::string(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t)));
+    WriteRaw(path, std::string(reinterpret_cast<const char*>(text.data()),
+                               text.size() * sizeof(wchar_t)));
 }
 
 size_t LoadClassic(const std::wstring& path, const std::vector<Value>& values) {
     wchar_t buffer[1024];
     size_t read = 0;
     for (const Value& value : values)
-        read += GetPrivateProfileStringW(L"Values", value.name.c_str(), L"", buffer, 1024, path.c_str()) > 0;
+        read += GetPrivateProfileStringW(L"Values", value.name.c_str(), L"", buffer, 1024,
+                                         path.c_str()) > 0;
     return read;
 }
 
@@ -86,9 +92,9 @@ std::wstring SectionStrings(const std::vector<Value>& values) {
 
 std::string Utf8(const std::wstring& text) {
     std::string bytes(text.size() * 3, '\0');
-    bytes.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
-                                                         bytes.data(), static_cast<int>(bytes.size()), nullptr,
-                                                         nullptr)));
+    bytes.resize(static_cast<size_t>(
+        WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(),
+                            static_cast<int>(bytes.size()), nullptr, nullptr)));
     return bytes;
 }
 
@@ -99,16 +105,20 @@ uint64_t FileSize(const std::wstring& path) {
 }
 
 void PrintHeader(const char* what) {
-    std::printf("\n%s\n  %-34s %10s %9s %12s %9s %9s\n", what, "case", "ms", "MB/s", "values/s", "x floor",
-                "x GPPS");
+    std::printf("\n%s\n  %-34s %10s %9s %12s %9s %9s\n", what, "case", "ms", "MB/s", "values/s",
+                "x floor", "x GPPS");
 }
 
 // classic 0: not measured.
-void PrintRow(const char* what, double seconds, uint64_t bytes, size_t values, double floor, double classic) {
-    std::printf("  %-34s %10.3f %9.1f %12.0f %9.2f", what, seconds * 1e3, static_cast<double>(bytes) / seconds / 1e6,
-                static_cast<double>(values) / seconds, seconds / floor);
-    if (classic > 0) std::printf(" %9.3f\n", seconds / classic);
-    else std::printf(" %9s\n", "-");
+void PrintRow(const char* what, double seconds, uint64_t bytes, size_t values, double floor,
+              double classic) {
+    std::printf("  %-34s %10.3f %9.1f %12.0f %9.2f", what, seconds * 1e3,
+                static_cast<double>(bytes) / seconds / 1e6, static_cast<double>(values) / seconds,
+                seconds / floor);
+    if (classic > 0)
+        std::printf(" %9.3f\n", seconds / classic);
+    else
+        std::printf(" %9s\n", "-");
 }
 
 void CheckCount(const char* what, size_t read, size_t expected) {
@@ -132,23 +142,25 @@ void OneKey(const std::wstring& folder, size_t count, int rounds, bool withClass
     std::vector<wchar_t> text(bytes);
     size_t read[2] = {};
 
-    const std::vector<double> loading = BestTimes(
-        {
-            [&] { ReadFloor(valuesFile, buffer, text); },
-            [&] { read[0] = withClassic ? LoadClassic(classicFile, values) : 0; },
-            [&] {
-                VIniFileKey key(keyFolder, VUnicodeString(), true, nullptr);
-                read[1] = LoadAll(key, values);
-            },
-        },
-        rounds);
+    const std::vector<double> loading =
+        BestTimes({
+                      [&] { ReadFloor(valuesFile, buffer, text); },
+                      [&] { read[0] = withClassic ? LoadClassic(classicFile, values) : 0; },
+                      [&] {
+                          VIniFileKey key(keyFolder, VUnicodeString(), true, nullptr);
+                          read[1] = LoadAll(key, values);
+                      },
+                  },
+                  rounds);
     char title[128];
     std::snprintf(title, sizeof title, "one key of %zu values: %llu bytes", count,
                   static_cast<unsigned long long>(bytes));
     PrintHeader(title);
     const double classicLoad = withClassic ? loading[1] : 0;
     PrintRow("load: floor (ReadFile + convert)", loading[0], bytes, count, loading[0], classicLoad);
-    if (withClassic) PrintRow("load: GetPrivateProfileStringW", loading[1], bytes, count, loading[0], loading[1]);
+    if (withClassic)
+        PrintRow("load: GetPrivateProfileStringW", loading[1], bytes, count, loading[0],
+                 loading[1]);
     PrintRow("load: VIniFileKey", loading[2], bytes, count, loading[0], classicLoad);
     if (withClassic) CheckCount("GetPrivateProfileStringW", read[0], count);
     CheckCount("VIniFileKey", read[1], count);
@@ -164,7 +176,8 @@ void OneKey(const std::wstring& folder, size_t count, int rounds, bool withClass
         {
             [&] { WriteRaw(floorOut, "\xEF\xBB\xBF" + Utf8(sectionText)); },
             [&] {
-                if (withClassic) WritePrivateProfileSectionW(L"Values", section.c_str(), classicFile.c_str());
+                if (withClassic)
+                    WritePrivateProfileSectionW(L"Values", section.c_str(), classicFile.c_str());
             },
             [&] {
                 VIniFileKey key(keyFolder, VUnicodeString(), false, nullptr);
@@ -182,7 +195,9 @@ void OneKey(const std::wstring& folder, size_t count, int rounds, bool withClass
         rounds);
     const double classicSave = withClassic ? saving[1] : 0;
     PrintRow("save: floor (convert + WriteFile)", saving[0], bytes, count, saving[0], classicSave);
-    if (withClassic) PrintRow("save: WritePrivateProfileSectionW", saving[1], bytes, count, saving[0], saving[1]);
+    if (withClassic)
+        PrintRow("save: WritePrivateProfileSectionW", saving[1], bytes, count, saving[0],
+                 saving[1]);
     PrintRow("save: VIniFileKey (set + flush)", saving[2], bytes, count, saving[0], classicSave);
     PrintRow("save: VIniFileKey (flush alone)", flushOnly, bytes, count, saving[0], classicSave);
     for (const std::wstring& file : {valuesFile, classicFile, floorOut}) DeleteFileW(file.c_str());
@@ -206,20 +221,24 @@ void TypedRead(const std::wstring& folder) {
     constexpr int reads = 10000000;
     constexpr int rounds = 5;
     uint64_t sum[2] = {};
-    const std::vector<double> times = BestTimes(
-        {
-            [&] {
-                for (int i = 0; i < reads; ++i) sum[0] += *variable;
-            },
-            [&] {
-                for (int i = 0; i < reads; ++i) sum[1] += value->Get();
-            },
-        },
-        rounds);
-    std::printf("\ntyped read of a loaded value (%d reads)\n  %-34s %10s %9s\n", reads, "case", "ns/read", "x floor");
+    const std::vector<double> times = BestTimes({
+                                                    [&] {
+                                                        for (int i = 0; i < reads; ++i)
+                                                            sum[0] += *variable;
+                                                    },
+                                                    [&] {
+                                                        for (int i = 0; i < reads; ++i)
+                                                            sum[1] += value->Get();
+                                                    },
+                                                },
+                                                rounds);
+    std::printf("\ntyped read of a loaded value (%d reads)\n  %-34s %10s %9s\n", reads, "case",
+                "ns/read", "x floor");
     std::printf("  %-34s %10.3f %9.2f\n", "floor (a plain variable)", times[0] / reads * 1e9, 1.0);
-    std::printf("  %-34s %10.3f %9.2f\n", "VProfile<unsigned long>::Get", times[1] / reads * 1e9, times[1] / times[0]);
-    CheckCount("typed read", static_cast<size_t>(sum[1] / 180), static_cast<size_t>(reads) * rounds);
+    std::printf("  %-34s %10.3f %9.2f\n", "VProfile<unsigned long>::Get", times[1] / reads * 1e9,
+                times[1] / times[0]);
+    CheckCount("typed read", static_cast<size_t>(sum[1] / 180),
+               static_cast<size_t>(reads) * rounds);
     DeleteFileW((folder + L"typed.ini").c_str());
 }
 
@@ -255,38 +274,43 @@ void SessionTree(const std::wstring& folder, size_t sessions, size_t classicSess
     std::vector<char> buffer(bytes / sessions * 2 + 8192);
     std::vector<wchar_t> text(buffer.size());
     size_t read[2] = {};
-    const std::vector<double> loading = BestTimes(
-        {
-            [&] {
-                for (const std::wstring& file : files) ReadFloor(file, buffer, text);
-            },
-            [&] {
-                read[0] = 0;
-                for (const std::wstring& file : classicFiles) read[0] += LoadClassic(file, values);
-            },
-            [&] {
-                read[1] = 0;
-                VIniFileKey rootKey(root, VUnicodeString(), true, nullptr);
-                const auto sessionsKey = rootKey.OpenKey(VUnicodeString(L"Sessions"), false, nullptr);
-                const auto iterator = sessionsKey->CreatePrivateKeyIterator(false);
-                VUnicodeString name;
-                std::vector<VUnicodeString> names;
-                while (iterator->Next(name)) names.push_back(name);
-                for (const VUnicodeString& session : names) {
-                    const auto key = sessionsKey->OpenKey(session, false, nullptr);
-                    read[1] += LoadAll(*key, values);
-                }
-            },
-        },
-        3);
+    const std::vector<double> loading =
+        BestTimes({
+                      [&] {
+                          for (const std::wstring& file : files) ReadFloor(file, buffer, text);
+                      },
+                      [&] {
+                          read[0] = 0;
+                          for (const std::wstring& file : classicFiles)
+                              read[0] += LoadClassic(file, values);
+                      },
+                      [&] {
+                          read[1] = 0;
+                          VIniFileKey rootKey(root, VUnicodeString(), true, nullptr);
+                          const auto sessionsKey =
+                              rootKey.OpenKey(VUnicodeString(L"Sessions"), false, nullptr);
+                          const auto iterator = sessionsKey->CreatePrivateKeyIterator(false);
+                          VUnicodeString name;
+                          std::vector<VUnicodeString> names;
+                          while (iterator->Next(name)) names.push_back(name);
+                          for (const VUnicodeString& session : names) {
+                              const auto key = sessionsKey->OpenKey(session, false, nullptr);
+                              read[1] += LoadAll(*key, values);
+                          }
+                      },
+                  },
+                  3);
     // GetPrivateProfileStringW opens the file for every value under Wine, so
     // it reads a sample of the sessions; its time is scaled to all of them.
-    const double classic = loading[1] * static_cast<double>(sessions) / static_cast<double>(classicSessions);
+    const double classic =
+        loading[1] * static_cast<double>(sessions) / static_cast<double>(classicSessions);
     char title[160];
     std::snprintf(title, sizeof title,
-                  "a tree of %zu session keys of %zu values: %llu bytes (made in %.1f s; GPPS timed on %zu of them "
+                  "a tree of %zu session keys of %zu values: %llu bytes (made in %.1f s; GPPS "
+                  "timed on %zu of them "
                   "and scaled)",
-                  sessions, perKey, static_cast<unsigned long long>(bytes), created, classicSessions);
+                  sessions, perKey, static_cast<unsigned long long>(bytes), created,
+                  classicSessions);
     PrintHeader(title);
     const size_t allValues = sessions * perKey;
     PrintRow("floor (ReadFile + convert)", loading[0], bytes, allValues, loading[0], classic);
@@ -307,8 +331,9 @@ int wmain(int argc, wchar_t** argv) {
     const std::wstring folder = TempPath() + L"bench_ini_store\\";
     CreateDirectoryW(folder.c_str(), nullptr);
 
-    std::printf("bench_ini_store: best of several rounds; \"x floor\" and \"x GPPS\" are time ratios "
-                "(below 1 is faster)\n");
+    std::printf(
+        "bench_ini_store: best of several rounds; \"x floor\" and \"x GPPS\" are time ratios "
+        "(below 1 is faster)\n");
     OneKey(folder, 1, 40, true);
     OneKey(folder, 250, 15, true);
     OneKey(folder, 10000, 3, true);

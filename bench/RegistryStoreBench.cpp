@@ -39,22 +39,23 @@ std::vector<RawValue> RawValues(const std::vector<Value>& values) {
             entry.data.insert(entry.data.end(), first, first + size);
         };
         switch (value.kind) {
-        case ProfileDword:
-            entry.type = REG_DWORD;
-            put(&value.number, sizeof value.number);
-            break;
-        case ProfileString:
-            entry.type = REG_SZ;
-            put(value.text.c_str(), (value.text.size() + 1) * sizeof(wchar_t));
-            break;
-        case ProfileBinary:
-            entry.type = REG_BINARY;
-            put(value.bytes.data(), value.bytes.size());
-            break;
-        default:
-            entry.type = REG_MULTI_SZ;
-            for (const std::wstring& string : value.strings) put(string.c_str(), (string.size() + 1) * sizeof(wchar_t));
-            put(L"", sizeof(wchar_t));
+            case ProfileDword:
+                entry.type = REG_DWORD;
+                put(&value.number, sizeof value.number);
+                break;
+            case ProfileString:
+                entry.type = REG_SZ;
+                put(value.text.c_str(), (value.text.size() + 1) * sizeof(wchar_t));
+                break;
+            case ProfileBinary:
+                entry.type = REG_BINARY;
+                put(value.bytes.data(), value.bytes.size());
+                break;
+            default:
+                entry.type = REG_MULTI_SZ;
+                for (const std::wstring& string : value.strings)
+                    put(string.c_str(), (string.size() + 1) * sizeof(wchar_t));
+                put(L"", sizeof(wchar_t));
         }
         raw.push_back(std::move(entry));
     }
@@ -63,13 +64,15 @@ std::vector<RawValue> RawValues(const std::vector<Value>& values) {
 
 size_t ReadFloor(const std::vector<RawValue>& values) {
     HKEY key = nullptr;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, BenchKey, 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS) return 0;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, BenchKey, 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS)
+        return 0;
     size_t read = 0;
     BYTE buffer[4096];
     for (const RawValue& value : values) {
         DWORD type = REG_NONE;
         DWORD size = sizeof buffer;
-        read += RegQueryValueExW(key, value.name.c_str(), nullptr, &type, buffer, &size) == ERROR_SUCCESS;
+        read += RegQueryValueExW(key, value.name.c_str(), nullptr, &type, buffer, &size) ==
+                ERROR_SUCCESS;
     }
     RegCloseKey(key);
     return read;
@@ -79,7 +82,8 @@ void WriteFloor(const std::vector<RawValue>& values) {
     HKEY key = nullptr;
     if (RegOpenKeyExW(HKEY_CURRENT_USER, BenchKey, 0, KEY_SET_VALUE, &key) != ERROR_SUCCESS) return;
     for (const RawValue& value : values)
-        RegSetValueExW(key, value.name.c_str(), 0, value.type, value.data.data(), static_cast<DWORD>(value.data.size()));
+        RegSetValueExW(key, value.name.c_str(), 0, value.type, value.data.data(),
+                       static_cast<DWORD>(value.data.size()));
     RegCloseKey(key);
 }
 
@@ -96,18 +100,25 @@ size_t ReadListed(VProfilePrivateKey& key) {
     while (iterator->Next(name, kind)) {
         size_t size = sizeof buffer;
         switch (kind) {
-        case ProfileDword: read += key.GetDword(name, number); break;
-        case ProfileString: read += key.GetString(name, text); break;
-        case ProfileBinary: read += key.GetBinary(name, buffer, size); break;
-        default: read += key.GetMultiString(name, strings);
+            case ProfileDword:
+                read += key.GetDword(name, number);
+                break;
+            case ProfileString:
+                read += key.GetString(name, text);
+                break;
+            case ProfileBinary:
+                read += key.GetBinary(name, buffer, size);
+                break;
+            default:
+                read += key.GetMultiString(name, strings);
         }
     }
     return read;
 }
 
 void Row(const char* what, double seconds, size_t values, double floor) {
-    std::printf("  %-40s %10.3f %12.0f %9.2f\n", what, seconds * 1e3, static_cast<double>(values) / seconds,
-                seconds / floor);
+    std::printf("  %-40s %10.3f %12.0f %9.2f\n", what, seconds * 1e3,
+                static_cast<double>(values) / seconds, seconds / floor);
 }
 
 }  // namespace
@@ -139,16 +150,19 @@ int wmain() {
             Store(key, values);
         },
     });
-    std::printf("bench_registry_store: a key of %zu values under HKEY_CURRENT_USER, best of several rounds; "
-                "\"x floor\" is a time ratio\n  %-40s %10s %12s %9s\n",
-                count, "case", "ms", "values/s", "x floor");
+    std::printf(
+        "bench_registry_store: a key of %zu values under HKEY_CURRENT_USER, best of several "
+        "rounds; "
+        "\"x floor\" is a time ratio\n  %-40s %10s %12s %9s\n",
+        count, "case", "ms", "values/s", "x floor");
     Row("read: floor (RegQueryValueExW by name)", reading[0], count, reading[0]);
     Row("read: VRegistryProfileKey by name", reading[1], count, reading[0]);
     Row("read: VRegistryProfileKey, value iterator", reading[2], count, reading[0]);
     Row("write: floor (RegSetValueExW)", writing[0], count, writing[0]);
     Row("write: VRegistryProfileKey", writing[1], count, writing[0]);
     for (size_t i = 0; i < 3; ++i)
-        if (read[i] != count) std::printf("  !! reading %zu read %zu values of %zu\n", i, read[i], count);
+        if (read[i] != count)
+            std::printf("  !! reading %zu read %zu values of %zu\n", i, read[i], count);
     RegDeleteTreeW(HKEY_CURRENT_USER, BenchRoot);
     return 0;
 }

@@ -33,7 +33,9 @@ std::vector<std::wstring> ProfileLines(size_t count) {
     for (size_t i = 0; lines.size() < count; ++i) {
         swprintf(line, 160, L"D:\"Option %zu\"=%08zx", i, i * 7919);
         lines.emplace_back(line);
-        swprintf(line, 160, L"S:\"Title %zu\"=Caf\u00e9 session \u00bb%zu\u00ab on host-%zu.example.com", i, i, i % 97);
+        swprintf(line, 160,
+                 L"S:\"Title %zu\"=Caf\u00e9 session \u00bb%zu\u00ab on host-%zu.example.com", i, i,
+                 i % 97);
         lines.emplace_back(line);
         if (i % 4 == 0) {
             lines.emplace_back(L"B:\"Data\"=00000020");
@@ -53,9 +55,9 @@ std::string Encoded(const std::vector<std::wstring>& lines, UINT codePage) {
     std::wstring text;
     for (const std::wstring& line : lines) text += line + L"\r\n";
     std::string bytes(text.size() * 3, '\0');
-    bytes.resize(static_cast<size_t>(WideCharToMultiByte(codePage, 0, text.c_str(), static_cast<int>(text.size()),
-                                                         bytes.data(), static_cast<int>(bytes.size()), nullptr,
-                                                         nullptr)));
+    bytes.resize(static_cast<size_t>(
+        WideCharToMultiByte(codePage, 0, text.c_str(), static_cast<int>(text.size()), bytes.data(),
+                            static_cast<int>(bytes.size()), nullptr, nullptr)));
     return bytes;
 }
 
@@ -85,14 +87,16 @@ void WriteLines(const std::wstring& path, const std::vector<std::wstring>& lines
 // The floor of writing: the whole text, ready in memory, converted in pieces
 // into one 64 KB buffer and written piece by piece.
 void WriteFloor(const std::wstring& path, const std::wstring& text) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    const HANDLE file =
+        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
     DWORD written = 0;
     WriteFile(file, "\xEF\xBB\xBF", 3, &written, nullptr);
     static char buffer[3 * 16384];
     for (size_t at = 0; at < text.size(); at += 16384) {
-        const int size = WideCharToMultiByte(CP_UTF8, 0, text.c_str() + at,
-                                             static_cast<int>(std::min<size_t>(16384, text.size() - at)), buffer,
-                                             sizeof buffer, nullptr, nullptr);
+        const int size =
+            WideCharToMultiByte(CP_UTF8, 0, text.c_str() + at,
+                                static_cast<int>(std::min<size_t>(16384, text.size() - at)), buffer,
+                                sizeof buffer, nullptr, nullptr);
         WriteFile(file, buffer, static_cast<DWORD>(size), &written, nullptr);
     }
     CloseHandle(file);
@@ -116,10 +120,12 @@ int wmain(int argc, wchar_t** argv) {
     const std::string utf8 = "\xEF\xBB\xBF" + Encoded(lines, CP_UTF8);
     std::wstring wide;
     for (const std::wstring& line : lines) wide += line + L"\r\n";
-    const std::string utf16 = "\xFF\xFE" + std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2);
+    const std::string utf16 =
+        "\xFF\xFE" + std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * 2);
     WriteRaw(utf8Path, utf8);
     WriteRaw(utf16Path, utf16);
-    std::printf("%zu lines, %zu bytes as UTF-8, %zu bytes as UTF-16\n", count, utf8.size(), utf16.size());
+    std::printf("%zu lines, %zu bytes as UTF-8, %zu bytes as UTF-16\n", count, utf8.size(),
+                utf16.size());
 
     std::vector<char> bytes(utf8.size() + 4096);
     std::vector<wchar_t> text(utf8.size());
@@ -131,8 +137,9 @@ int wmain(int argc, wchar_t** argv) {
         [&] { read[1] = ReadLines(utf8Path, true); },
         [&] { read[2] = ReadLines(utf16Path, false); },
     });
-    std::printf("reading (floor: ReadFile in 4096-byte blocks + one MultiByteToWideChar, %zu characters)\n",
-                characters);
+    std::printf(
+        "reading (floor: ReadFile in 4096-byte blocks + one MultiByteToWideChar, %zu characters)\n",
+        characters);
     Report("floor", reading[0], utf8.size(), count, reading[0]);
     Report("ReadLine, UTF-8, no block locks", reading[1], utf8.size(), count, reading[0]);
     Report("ReadLine, UTF-8, a shared lock per block", reading[2], utf8.size(), count, reading[0]);
@@ -144,7 +151,8 @@ int wmain(int argc, wchar_t** argv) {
         [&] { WriteFloor(outPath, wide); },
         [&] { WriteLines(outPath, lines); },
     });
-    std::printf("writing (floor: the text converted in 16384-character pieces, each written at once)\n");
+    std::printf(
+        "writing (floor: the text converted in 16384-character pieces, each written at once)\n");
     Report("floor", writing[0], utf8.size(), count, writing[0]);
     Report("Write per line, UTF-8", writing[1], utf8.size(), count, writing[0]);
 

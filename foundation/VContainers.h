@@ -32,7 +32,9 @@ public:
         if (index > items_.size()) throw OutOfRange();
         items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(index), std::move(item));
     }
-    void RemoveAt(size_t index) { items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(Checked(index))); }
+    void RemoveAt(size_t index) {
+        items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(Checked(index)));
+    }
     void RemoveAll() noexcept { items_.clear(); }
 
     auto begin() noexcept { return items_.begin(); }

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr DWORD ErrorMessageNotFound = 317;    // ERROR_MR_MID_NOT_FOUND
+constexpr DWORD ErrorMessageNotFound = 317;  // ERROR_MR_MID_NOT_FOUND
 constexpr DWORD ErrorResourceTypeNotFound = 1813;
 constexpr DWORD MinimumTextCharacters = 1024;
 
@@ -44,10 +44,15 @@ const std::vector<VUnicodeString>& InsertPlaceholders() {
 
 }  // namespace
 
-VReportMessageParams::VReportMessageParams(DWORD code, HMODULE module) : code_(code), module_(module) {}
+VReportMessageParams::VReportMessageParams(DWORD code, HMODULE module)
+    : code_(code), module_(module) {}
 
 VReportMessageParams::VReportMessageParams(const VReportMessageParams& other)
-    : VUnknown(other), level_(other.level_), code_(other.code_), module_(other.module_), arguments_(other.arguments_) {}
+    : VUnknown(other),
+      level_(other.level_),
+      code_(other.code_),
+      module_(other.module_),
+      arguments_(other.arguments_) {}
 
 VReportMessageParams& VReportMessageParams::operator=(const VReportMessageParams& other) {
     if (this == &other) return *this;
@@ -106,9 +111,9 @@ bool VReportMessageParams::FormatFrom(HMODULE module, DWORD flags) {
     if (module || !(flags & FORMAT_MESSAGE_FROM_SYSTEM)) allFlags |= FORMAT_MESSAGE_FROM_HMODULE;
 
     wchar_t* buffer = nullptr;
-    const DWORD length =
-        FormatMessageW(allFlags, module, code_, 0, reinterpret_cast<wchar_t*>(&buffer), MinimumTextCharacters,
-                       inserts.empty() ? nullptr : reinterpret_cast<va_list*>(inserts.data()));
+    const DWORD length = FormatMessageW(
+        allFlags, module, code_, 0, reinterpret_cast<wchar_t*>(&buffer), MinimumTextCharacters,
+        inserts.empty() ? nullptr : reinterpret_cast<va_list*>(inserts.data()));
     const LocalMemory owner(buffer);
     if (length == 0) {
         switch (GetLastError()) {
@@ -143,14 +148,17 @@ const wchar_t* VReportMessageParams::GetText(DWORD flags) {
     if (formatted_) return text_.c_str();
     try {
         const bool systemCode = (code_ & CustomerBit) == 0;
-        if (systemCode && TryFormatFrom(nullptr, flags | FORMAT_MESSAGE_FROM_SYSTEM)) return text_.c_str();
-        if (systemCode && NtdllModule() && TryFormatFrom(NtdllModule(), flags)) return text_.c_str();
+        if (systemCode && TryFormatFrom(nullptr, flags | FORMAT_MESSAGE_FROM_SYSTEM))
+            return text_.c_str();
+        if (systemCode && NtdllModule() && TryFormatFrom(NtdllModule(), flags))
+            return text_.c_str();
         if (TryFormatFrom(module_, flags)) return text_.c_str();
         if (GetFallbackModule() && TryFormatFrom(GetFallbackModule(), flags)) return text_.c_str();
     } catch (const std::exception&) {
         // Any formatter trouble ends in the text below, never at the caller.
     }
-    text_.FormatPositional(L"Could not retrieve the error text for error code 0x%1!08x!.\r\n", code_);
+    text_.FormatPositional(L"Could not retrieve the error text for error code 0x%1!08x!.\r\n",
+                           code_);
     formatted_ = true;
     return text_.c_str();
 }

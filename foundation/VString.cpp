@@ -24,32 +24,42 @@ struct Runtime;
 template <>
 struct Runtime<char> {
     static size_t Length(const char* text) { return std::strlen(text); }
-    static int CompareNoCase(const char* a, const char* b, size_t count) { return _strnicmp(a, b, count); }
-    static char Upper(char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); }
+    static int CompareNoCase(const char* a, const char* b, size_t count) {
+        return _strnicmp(a, b, count);
+    }
+    static char Upper(char c) {
+        return static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    }
     static bool IsSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
-    static unsigned long long ToUnsigned(const char* text, char** end) { return std::strtoull(text, end, 10); }
+    static unsigned long long ToUnsigned(const char* text, char** end) {
+        return std::strtoull(text, end, 10);
+    }
     static int PrintF(char* buffer, size_t size, const char* format, va_list args) {
         return std::vsnprintf(buffer, size, format, args);
     }
     static DWORD FormatFromString(const char* pattern, char** result, va_list* args) {
-        return FormatMessageA(FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ALLOCATE_BUFFER, pattern, 0,
-                              LANG_USER_DEFAULT, reinterpret_cast<char*>(result), 0, args);
+        return FormatMessageA(FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ALLOCATE_BUFFER, pattern,
+                              0, LANG_USER_DEFAULT, reinterpret_cast<char*>(result), 0, args);
     }
 };
 
 template <>
 struct Runtime<wchar_t> {
     static size_t Length(const wchar_t* text) { return std::wcslen(text); }
-    static int CompareNoCase(const wchar_t* a, const wchar_t* b, size_t count) { return _wcsnicmp(a, b, count); }
+    static int CompareNoCase(const wchar_t* a, const wchar_t* b, size_t count) {
+        return _wcsnicmp(a, b, count);
+    }
     static wchar_t Upper(wchar_t c) { return static_cast<wchar_t>(std::towupper(c)); }
     static bool IsSpace(wchar_t c) { return std::iswspace(c) != 0; }
-    static unsigned long long ToUnsigned(const wchar_t* text, wchar_t** end) { return std::wcstoull(text, end, 10); }
+    static unsigned long long ToUnsigned(const wchar_t* text, wchar_t** end) {
+        return std::wcstoull(text, end, 10);
+    }
     static int PrintF(wchar_t* buffer, size_t size, const wchar_t* format, va_list args) {
         return std::vswprintf(buffer, size, format, args);
     }
     static DWORD FormatFromString(const wchar_t* pattern, wchar_t** result, va_list* args) {
-        return FormatMessageW(FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ALLOCATE_BUFFER, pattern, 0,
-                              LANG_USER_DEFAULT, reinterpret_cast<wchar_t*>(result), 0, args);
+        return FormatMessageW(FORMAT_MESSAGE_FROM_STRING | FORMAT_MESSAGE_ALLOCATE_BUFFER, pattern,
+                              0, LANG_USER_DEFAULT, reinterpret_cast<wchar_t*>(result), 0, args);
     }
 };
 
@@ -60,13 +70,15 @@ VUnicodeString ConvertToWide(const VString& source) {
     const int sourceLength = static_cast<int>(source.GetLength());
     VUnicodeString result(source.GetSensitiveState());
     if (sourceLength == 0) return result;
-    const int needed = MultiByteToWideChar(CP_THREAD_ACP, MB_PRECOMPOSED, source.c_str(), sourceLength, nullptr, 0);
+    const int needed = MultiByteToWideChar(CP_THREAD_ACP, MB_PRECOMPOSED, source.c_str(),
+                                           sourceLength, nullptr, 0);
     if (needed == 0) {
         if (GetLastError() == ERROR_NO_UNICODE_TRANSLATION) throw IllegalSequence();
         return result;
     }
     wchar_t* buffer = result.GetBuffer(static_cast<size_t>(needed));
-    const int written = MultiByteToWideChar(CP_THREAD_ACP, MB_PRECOMPOSED, source.c_str(), sourceLength, buffer, needed);
+    const int written = MultiByteToWideChar(CP_THREAD_ACP, MB_PRECOMPOSED, source.c_str(),
+                                            sourceLength, buffer, needed);
     result.ReleaseBuffer(static_cast<size_t>(written));
     return result;
 }
@@ -75,14 +87,15 @@ VString ConvertToNarrow(const VUnicodeString& source) {
     const int sourceLength = static_cast<int>(source.GetLength());
     VString result(source.GetSensitiveState());
     if (sourceLength == 0) return result;
-    const int needed = WideCharToMultiByte(CP_THREAD_ACP, 0, source.c_str(), sourceLength, nullptr, 0, nullptr, nullptr);
+    const int needed = WideCharToMultiByte(CP_THREAD_ACP, 0, source.c_str(), sourceLength, nullptr,
+                                           0, nullptr, nullptr);
     if (needed == 0) {
         if (GetLastError() == ERROR_NO_UNICODE_TRANSLATION) throw IllegalSequence();
         return result;
     }
     char* buffer = result.GetBuffer(static_cast<size_t>(needed));
-    const int written =
-        WideCharToMultiByte(CP_THREAD_ACP, 0, source.c_str(), sourceLength, buffer, needed, nullptr, nullptr);
+    const int written = WideCharToMultiByte(CP_THREAD_ACP, 0, source.c_str(), sourceLength, buffer,
+                                            needed, nullptr, nullptr);
     result.ReleaseBuffer(static_cast<size_t>(written));
     return result;
 }
@@ -101,12 +114,14 @@ VBasicString<Char>::VBasicString(const Char* text, Str::SensitiveState state)
     : VBasicString(text, text ? Runtime<Char>::Length(text) : 0, state) {}
 
 template <class Char>
-VBasicString<Char>::VBasicString(const Char* text, size_t count, Str::SensitiveState state) : VBasicString(state) {
+VBasicString<Char>::VBasicString(const Char* text, size_t count, Str::SensitiveState state)
+    : VBasicString(state) {
     if (text && count) Append(text, count);
 }
 
 template <class Char>
-VBasicString<Char>::VBasicString(const VBasicString<OtherChar>& other) : VBasicString(Convert(other)) {}
+VBasicString<Char>::VBasicString(const VBasicString<OtherChar>& other)
+    : VBasicString(Convert(other)) {}
 
 template <class Char>
 VBasicString<Char>::VBasicString(const VBasicString& other) noexcept : chars_(other.chars_) {
@@ -147,7 +162,8 @@ VBasicString<Char>& VBasicString<Char>::operator=(const VBasicString& other) {
 template <class Char>
 VBasicString<Char>& VBasicString<Char>::operator=(VBasicString&& other) {
     if (chars_ == other.chars_) return *this;
-    if (IsSensitive() && !other.IsSensitive()) return *this = static_cast<const VBasicString&>(other);
+    if (IsSensitive() && !other.IsSensitive())
+        return *this = static_cast<const VBasicString&>(other);
     // The moved-from variable keeps its own mark, not the one of the block it
     // is handed here (which it releases).
     const Str::SensitiveState otherState = other.GetSensitiveState();
@@ -199,7 +215,8 @@ void VBasicString<Char>::Assign(const Char* text, size_t count) {
     // A private block with room is written over: a caller that reads many
     // values into one string allocates once.
     const bool ownText = text >= chars_ && text <= chars_ + GetLength();
-    if (!ownText && !Str::IsBlockShared(Header()) && Header()->capacityBytes >= (count + 1) * sizeof(Char)) {
+    if (!ownText && !Str::IsBlockShared(Header()) &&
+        Header()->capacityBytes >= (count + 1) * sizeof(Char)) {
         std::memcpy(chars_, text, count * sizeof(Char));
         SetLength(count);
         return;
@@ -282,7 +299,8 @@ void VBasicString<Char>::Delete(size_t position, size_t count) {
         return;
     }
     MakeWritable(length);
-    std::memmove(chars_ + position, chars_ + position + count, (length - position - count) * sizeof(Char));
+    std::memmove(chars_ + position, chars_ + position + count,
+                 (length - position - count) * sizeof(Char));
     SetLength(length - count);
 }
 
@@ -322,7 +340,8 @@ template <class Char>
 bool VBasicString<Char>::EndsWith(const Char* text) const noexcept {
     const size_t textLength = Runtime<Char>::Length(text);
     const size_t length = GetLength();
-    return textLength <= length && std::memcmp(chars_ + length - textLength, text, textLength * sizeof(Char)) == 0;
+    return textLength <= length &&
+           std::memcmp(chars_ + length - textLength, text, textLength * sizeof(Char)) == 0;
 }
 
 template <class Char>
@@ -336,7 +355,8 @@ void VBasicString<Char>::Trim() {
 }
 
 template <class Char>
-int VBasicString<Char>::CompareCharacters(const Char* a, size_t aLength, const Char* b, size_t bLength) noexcept {
+int VBasicString<Char>::CompareCharacters(const Char* a, size_t aLength, const Char* b,
+                                          size_t bLength) noexcept {
     using Unsigned = std::make_unsigned_t<Char>;
     for (size_t i = 0; i < std::min(aLength, bLength); ++i)
         if (a[i] != b[i]) return static_cast<Unsigned>(a[i]) < static_cast<Unsigned>(b[i]) ? -1 : 1;
@@ -350,14 +370,16 @@ int VBasicString<Char>::Compare(const VBasicString& other) const noexcept {
 
 template <class Char>
 int VBasicString<Char>::Compare(const Char* text) const noexcept {
-    return CompareCharacters(chars_, GetLength(), text ? text : chars_ + GetLength(), text ? Runtime<Char>::Length(text) : 0);
+    return CompareCharacters(chars_, GetLength(), text ? text : chars_ + GetLength(),
+                             text ? Runtime<Char>::Length(text) : 0);
 }
 
 template <class Char>
 int VBasicString<Char>::CompareNoCase(const VBasicString& other) const noexcept {
     const size_t length = GetLength();
     const size_t otherLength = other.GetLength();
-    const int common = Runtime<Char>::CompareNoCase(chars_, other.chars_, std::min(length, otherLength));
+    const int common =
+        Runtime<Char>::CompareNoCase(chars_, other.chars_, std::min(length, otherLength));
     if (common != 0) return common < 0 ? -1 : 1;
     return length == otherLength ? 0 : (length < otherLength ? -1 : 1);
 }

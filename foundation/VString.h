@@ -67,9 +67,18 @@ public:
     void Append(const Char* text);
     void Append(const VBasicString& text) { Insert(GetLength(), text); }
     void Append(Char character) { Insert(GetLength(), &character, 1); }
-    VBasicString& operator+=(const VBasicString& text) { Append(text); return *this; }
-    VBasicString& operator+=(const Char* text) { Append(text); return *this; }
-    VBasicString& operator+=(Char character) { Append(character); return *this; }
+    VBasicString& operator+=(const VBasicString& text) {
+        Append(text);
+        return *this;
+    }
+    VBasicString& operator+=(const Char* text) {
+        Append(text);
+        return *this;
+    }
+    VBasicString& operator+=(Char character) {
+        Append(character);
+        return *this;
+    }
     // Removes count characters from position on (fewer at the end of the text).
     void Delete(size_t position, size_t count);
 
@@ -87,7 +96,9 @@ public:
     int Compare(const VBasicString& other) const noexcept;
     int Compare(const Char* text) const noexcept;
     int CompareNoCase(const VBasicString& other) const noexcept;
-    bool EqualsNoCase(const VBasicString& other) const noexcept { return CompareNoCase(other) == 0; }
+    bool EqualsNoCase(const VBasicString& other) const noexcept {
+        return CompareNoCase(other) == 0;
+    }
     void MakeUpper();
 
     // Gives a private, writable buffer with room for count characters plus the
@@ -110,16 +121,33 @@ public:
     // false when the text does not fit or the format fails.
     bool FormatPrintf(size_t bufferCharacters, const Char* format, ...);
 
-    friend bool operator==(const VBasicString& a, const VBasicString& b) noexcept { return a.Compare(b) == 0; }
-    friend bool operator==(const VBasicString& a, const Char* b) noexcept { return a.Compare(b) == 0; }
-    friend bool operator<(const VBasicString& a, const VBasicString& b) noexcept { return a.Compare(b) < 0; }
-    friend VBasicString operator+(VBasicString a, const VBasicString& b) { a.Append(b); return a; }
-    friend VBasicString operator+(VBasicString a, const Char* b) { a.Append(b); return a; }
+    friend bool operator==(const VBasicString& a, const VBasicString& b) noexcept {
+        return a.Compare(b) == 0;
+    }
+    friend bool operator==(const VBasicString& a, const Char* b) noexcept {
+        return a.Compare(b) == 0;
+    }
+    friend bool operator<(const VBasicString& a, const VBasicString& b) noexcept {
+        return a.Compare(b) < 0;
+    }
+    friend VBasicString operator+(VBasicString a, const VBasicString& b) {
+        a.Append(b);
+        return a;
+    }
+    friend VBasicString operator+(VBasicString a, const Char* b) {
+        a.Append(b);
+        return a;
+    }
 
 private:
-    Str::BlockHeader* Header() const noexcept { return reinterpret_cast<Str::BlockHeader*>(chars_) - 1; }
-    static int CompareCharacters(const Char* a, size_t aLength, const Char* b, size_t bLength) noexcept;
-    static Char* CharactersOf(Str::BlockHeader* block) noexcept { return static_cast<Char*>(block->characters); }
+    Str::BlockHeader* Header() const noexcept {
+        return reinterpret_cast<Str::BlockHeader*>(chars_) - 1;
+    }
+    static int CompareCharacters(const Char* a, size_t aLength, const Char* b,
+                                 size_t bLength) noexcept;
+    static Char* CharactersOf(Str::BlockHeader* block) noexcept {
+        return static_cast<Char*>(block->characters);
+    }
     void TakeBlock(Str::BlockHeader* block) noexcept;
     void SetLength(size_t length) noexcept;
     // Makes the block private with room for count characters (see GetBuffer).

@@ -16,10 +16,18 @@ public:
     VBasicStringI(const Base& text) : Base(text) {}
 
     bool IsEmptyString() const override { return Base::IsEmpty(); }
-    void SetWide(const wchar_t* text, size_t count, Str::SensitiveState state) override { Set(text, count, state); }
-    void SetNarrow(const char* text, size_t count, Str::SensitiveState state) override { Set(text, count, state); }
-    void SetWide(const wchar_t* text, Str::SensitiveState state) override { Set(text, Length(text), state); }
-    void SetNarrow(const char* text, Str::SensitiveState state) override { Set(text, Length(text), state); }
+    void SetWide(const wchar_t* text, size_t count, Str::SensitiveState state) override {
+        Set(text, count, state);
+    }
+    void SetNarrow(const char* text, size_t count, Str::SensitiveState state) override {
+        Set(text, count, state);
+    }
+    void SetWide(const wchar_t* text, Str::SensitiveState state) override {
+        Set(text, Length(text), state);
+    }
+    void SetNarrow(const char* text, Str::SensitiveState state) override {
+        Set(text, Length(text), state);
+    }
     void CopyInto(IString& target) const override {
         if constexpr (std::is_same_v<Char, wchar_t>)
             target.SetWide(Base::c_str(), Base::GetLength(), Base::GetSensitiveState());
@@ -39,7 +47,8 @@ private:
 
     // The text in this string's width; other widths go through the ANSI code page.
     template <class In>
-    static Base Converted(const In* text, size_t count, Str::SensitiveState state = Str::NotSensitive) {
+    static Base Converted(const In* text, size_t count,
+                          Str::SensitiveState state = Str::NotSensitive) {
         if constexpr (std::is_same_v<In, Char>)
             return Base(text, count, state);
         else

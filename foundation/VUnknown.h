@@ -5,6 +5,7 @@
 #pragma once
 
 #include <windows.h>
+
 #include <unknwn.h>
 
 #include <atomic>
@@ -22,7 +23,9 @@ public:
         if (object) *object = nullptr;
         return E_NOINTERFACE;
     }
-    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(references_.fetch_add(1) + 1); }
+    ULONG STDMETHODCALLTYPE AddRef() override {
+        return static_cast<ULONG>(references_.fetch_add(1) + 1);
+    }
     ULONG STDMETHODCALLTYPE Release() override {
         const LONG remaining = references_.fetch_sub(1) - 1;
         if (remaining == 0) delete this;

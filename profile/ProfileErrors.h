@@ -7,9 +7,13 @@
 #include "VReportMessageParams.h"
 
 // An operating-system (or registry) error code becomes the message code.
-inline void RecordSystemError(VReportMessageParams& report, DWORD error) { report.SetMessageCode(error); }
+inline void RecordSystemError(VReportMessageParams& report, DWORD error) {
+    report.SetMessageCode(error);
+}
 
-inline void RecordLastSystemError(VReportMessageParams& report) { RecordSystemError(report, GetLastError()); }
+inline void RecordLastSystemError(VReportMessageParams& report) {
+    RecordSystemError(report, GetLastError());
+}
 
 // A value that is not stored, or not stored with the kind asked for.
 inline void RecordValueAbsent(VReportMessageParams& report, const VUnicodeString& name) {

@@ -25,11 +25,11 @@ class VSecurityDescriptor;
 
 // The kind code of a value, and of an iterator entry.
 enum VProfileValueKind : uint32_t {
-    ProfileDword = 0,        // unsigned 32-bit number
-    ProfileString = 1,       // wide string
-    ProfileBinary = 2,       // bytes with a 32-bit length
-    ProfileMultiString = 3,  // ordered list of wide strings
-    ProfileSubkey = 4,       // iterators only; any code of 4 and above names a subkey
+    ProfileDword = 0,            // unsigned 32-bit number
+    ProfileString = 1,           // wide string
+    ProfileBinary = 2,           // bytes with a 32-bit length
+    ProfileMultiString = 3,      // ordered list of wide strings
+    ProfileSubkey = 4,           // iterators only; any code of 4 and above names a subkey
     ProfileNoKind = 0xFFFFFFFF,  // iterators only: a value of a type no kind stands for
 };
 
@@ -56,7 +56,8 @@ public:
     virtual bool GetString(const VUnicodeString& name, VUnicodeString& text) = 0;
     virtual bool GetDword(const VUnicodeString& name, uint32_t& value) = 0;
     virtual bool SetSecurity(const VUnicodeString& name, const VSecurityDescriptor& descriptor) = 0;
-    virtual bool SetMultiString(const VUnicodeString& name, const VArray<VUnicodeString>& strings) = 0;
+    virtual bool SetMultiString(const VUnicodeString& name,
+                                const VArray<VUnicodeString>& strings) = 0;
     virtual bool SetBinary(const VUnicodeString& name, const void* bytes, size_t length) = 0;
     virtual bool SetString(const VUnicodeString& name, const VUnicodeString& text) = 0;
     virtual bool SetDword(const VUnicodeString& name, uint32_t value) = 0;

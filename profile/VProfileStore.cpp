@@ -41,7 +41,9 @@ bool VProfileKey::Written(bool succeeded) {
     return succeeded;
 }
 
-bool VProfileKey::GetDword(const VUnicodeString& name, uint32_t& value) { return key_ && key_->GetDword(name, value); }
+bool VProfileKey::GetDword(const VUnicodeString& name, uint32_t& value) {
+    return key_ && key_->GetDword(name, value);
+}
 
 bool VProfileKey::GetString(const VUnicodeString& name, VUnicodeString& text) {
     return key_ && key_->GetString(name, text);
@@ -74,7 +76,8 @@ bool VProfileKey::SetBinary(const VUnicodeString& name, const void* bytes, uint3
     return Written(key_ && key_->SetBinary(name, bytes, length));
 }
 
-bool VProfileKey::SetMultiString(const VUnicodeString& name, const VArray<VUnicodeString>& strings) {
+bool VProfileKey::SetMultiString(const VUnicodeString& name,
+                                 const VArray<VUnicodeString>& strings) {
     return Written(key_ && key_->SetMultiString(name, strings));
 }
 
@@ -82,9 +85,13 @@ bool VProfileKey::SetSecurity(const VUnicodeString& name, const VSecurityDescrip
     return Written(key_ && key_->SetSecurity(name, descriptor));
 }
 
-bool VProfileKey::DeleteValue(const VUnicodeString& name) { return Written(key_ && key_->DeleteValue(name)); }
+bool VProfileKey::DeleteValue(const VUnicodeString& name) {
+    return Written(key_ && key_->DeleteValue(name));
+}
 
-bool VProfileKey::DeleteKey(const VUnicodeString& name) { return Written(key_ && key_->DeleteKey(name)); }
+bool VProfileKey::DeleteKey(const VUnicodeString& name) {
+    return Written(key_ && key_->DeleteKey(name));
+}
 
 bool VProfileKey::KeyExists(const VUnicodeString& name) { return key_ && key_->KeyExists(name); }
 
@@ -94,7 +101,10 @@ bool VProfileKey::Reload() { return key_ && key_->Reload(); }
 
 bool VProfileKey::Flush() { return key_ && key_->Flush(); }
 
-VReportMessageParams& VProfileKey::GetLastErrorParams() { return key_ ? key_->GetLastErrorParams() : openError_; }
+VReportMessageParams& VProfileKey::GetLastErrorParams() {
+    return key_ ? key_->GetLastErrorParams() : openError_;
+}
 
 VProfileKeyIterator::VProfileKeyIterator(VProfileKey& key, bool values)
-    : iterator_(key.GetPrivateKey() ? key.GetPrivateKey()->CreatePrivateKeyIterator(values) : nullptr) {}
+    : iterator_(key.GetPrivateKey() ? key.GetPrivateKey()->CreatePrivateKeyIterator(values)
+                                    : nullptr) {}

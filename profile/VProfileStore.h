@@ -95,7 +95,9 @@ public:
     // a key that is not open lists nothing.
     VProfileKeyIterator(VProfileKey& key, bool values);
 
-    bool Next(VUnicodeString& name, uint32_t& kind) { return iterator_ && iterator_->Next(name, kind); }
+    bool Next(VUnicodeString& name, uint32_t& kind) {
+        return iterator_ && iterator_->Next(name, kind);
+    }
     bool Next(VUnicodeString& name) { return iterator_ && iterator_->Next(name); }
 
 private:

@@ -30,15 +30,17 @@ size_t SkipNames(const wchar_t* text, size_t length, size_t position, int count)
 size_t RootLength(const VUnicodeString& path) {
     const wchar_t* text = path.c_str();
     const size_t length = path.GetLength();
-    const bool device = length >= 4 && text[0] == L'\\' && text[1] == L'\\' && (text[2] == L'?' || text[2] == L'.') &&
-                        text[3] == L'\\';
+    const bool device = length >= 4 && text[0] == L'\\' && text[1] == L'\\' &&
+                        (text[2] == L'?' || text[2] == L'.') && text[3] == L'\\';
     if (device) {
-        if (path.Mid(4, 4).EqualsNoCase(VUnicodeString(L"UNC\\"))) return SkipNames(text, length, 8, 2);
+        if (path.Mid(4, 4).EqualsNoCase(VUnicodeString(L"UNC\\")))
+            return SkipNames(text, length, 8, 2);
         if (length >= 6 && text[5] == L':') return std::min(length, size_t{7});
         return SkipNames(text, length, 4, 1);
     }
     if (length >= 2 && text[1] == L':') return (length >= 3 && IsSeparator(text[2])) ? 3 : 2;
-    if (length >= 2 && IsSeparator(text[0]) && IsSeparator(text[1])) return SkipNames(text, length, 2, 2);
+    if (length >= 2 && IsSeparator(text[0]) && IsSeparator(text[1]))
+        return SkipNames(text, length, 2, 2);
     return (length > 0 && IsSeparator(text[0])) ? 1 : 0;
 }
 

@@ -7,16 +7,19 @@
 #include <vector>
 
 void VFile::SetSecurityDescriptor(const VSecurityDescriptor* descriptor) {
-    if (descriptor && !descriptor->IsEmpty()) security_ = *descriptor;
-    else security_.reset();
+    if (descriptor && !descriptor->IsEmpty())
+        security_ = *descriptor;
+    else
+        security_.reset();
 }
 
 bool VFile::Open(const VUnicodeString& fileName, DWORD access, DWORD creationDisposition) {
     Close();
     fileName_ = fileName;
-    SECURITY_ATTRIBUTES attributes = VSecurityDescriptor::SecurityAttributesFor(security_ ? &*security_ : nullptr);
-    handle_.Reset(CreateFileW(fileName.c_str(), access, shareMode_, &attributes, creationDisposition,
-                              flagsAndAttributes_, nullptr));
+    SECURITY_ATTRIBUTES attributes =
+        VSecurityDescriptor::SecurityAttributesFor(security_ ? &*security_ : nullptr);
+    handle_.Reset(CreateFileW(fileName.c_str(), access, shareMode_, &attributes,
+                              creationDisposition, flagsAndAttributes_, nullptr));
     return handle_.IsValid();
 }
 
@@ -54,16 +57,17 @@ bool VFile::Lock(uint64_t offset, uint64_t length, bool exclusive) {
     overlapped.Offset = static_cast<DWORD>(offset);
     overlapped.OffsetHigh = static_cast<DWORD>(offset >> 32);
     // No LOCKFILE_FAIL_IMMEDIATELY: a lock waits until it is granted.
-    return LockFileEx(handle_.Get(), exclusive ? LOCKFILE_EXCLUSIVE_LOCK : 0, 0, static_cast<DWORD>(length),
-                      static_cast<DWORD>(length >> 32), &overlapped) != FALSE;
+    return LockFileEx(handle_.Get(), exclusive ? LOCKFILE_EXCLUSIVE_LOCK : 0, 0,
+                      static_cast<DWORD>(length), static_cast<DWORD>(length >> 32),
+                      &overlapped) != FALSE;
 }
 
 bool VFile::Unlock(uint64_t offset, uint64_t length) {
     OVERLAPPED overlapped{};
     overlapped.Offset = static_cast<DWORD>(offset);
     overlapped.OffsetHigh = static_cast<DWORD>(offset >> 32);
-    return UnlockFileEx(handle_.Get(), 0, static_cast<DWORD>(length), static_cast<DWORD>(length >> 32),
-                        &overlapped) != FALSE;
+    return UnlockFileEx(handle_.Get(), 0, static_cast<DWORD>(length),
+                        static_cast<DWORD>(length >> 32), &overlapped) != FALSE;
 }
 
 bool VFile::Seek(int64_t distance, DWORD method, uint64_t* newPosition) {
@@ -96,23 +100,26 @@ bool VFile::RenameOver(const VUnicodeString& path) {
     // First with POSIX semantics (Windows 10 and later), which replace a file
     // that others hold open; systems without them refuse the class.
     constexpr auto RenameInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(22);  // FileRenameInfoEx
-    constexpr DWORD ReplaceIfExists = 0x1;                                     // FILE_RENAME_FLAG_...
+    constexpr DWORD ReplaceIfExists = 0x1;  // FILE_RENAME_FLAG_...
     constexpr DWORD PosixSemantics = 0x2;
     rename->Flags = ReplaceIfExists | PosixSemantics;
-    if (SetFileInformationByHandle(handle_.Get(), RenameInfoEx, rename, static_cast<DWORD>(buffer.size())))
+    if (SetFileInformationByHandle(handle_.Get(), RenameInfoEx, rename,
+                                   static_cast<DWORD>(buffer.size())))
         return true;
     const DWORD error = GetLastError();
-    if (error != ERROR_INVALID_PARAMETER && error != ERROR_NOT_SUPPORTED && error != ERROR_INVALID_FUNCTION)
+    if (error != ERROR_INVALID_PARAMETER && error != ERROR_NOT_SUPPORTED &&
+        error != ERROR_INVALID_FUNCTION)
         return false;
     rename->Flags = 0;
     rename->ReplaceIfExists = TRUE;
-    return SetFileInformationByHandle(handle_.Get(), FileRenameInfo, rename, static_cast<DWORD>(buffer.size())) !=
-           FALSE;
+    return SetFileInformationByHandle(handle_.Get(), FileRenameInfo, rename,
+                                      static_cast<DWORD>(buffer.size())) != FALSE;
 }
 
 bool VFile::DeleteOnClose() {
     FILE_DISPOSITION_INFO disposition{TRUE};
-    return SetFileInformationByHandle(handle_.Get(), FileDispositionInfo, &disposition, sizeof disposition) != FALSE;
+    return SetFileInformationByHandle(handle_.Get(), FileDispositionInfo, &disposition,
+                                      sizeof disposition) != FALSE;
 }
 
 bool VFile::ReadBytes(void* buffer, DWORD size, DWORD& bytesRead) {

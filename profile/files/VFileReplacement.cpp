@@ -12,7 +12,8 @@ namespace {
 // What a new file can be given at creation and a user may have set on a
 // values file. Read-only files are refused instead; the archive mark comes
 // with every new content, as any write gives it.
-constexpr DWORD KeptAttributes = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+constexpr DWORD KeptAttributes =
+    FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
 
 bool Fail(DWORD error) {
     SetLastError(error);
@@ -23,7 +24,8 @@ bool Fail(DWORD error) {
 VUnicodeString ParentFolder(const VUnicodeString& path) {
     size_t length = path.GetLength();
     while (length > 0 && path[length - 1] != L'\\' && path[length - 1] != L'/') --length;
-    while (length > 1 && (path[length - 1] == L'\\' || path[length - 1] == L'/') && path[length - 2] != L':')
+    while (length > 1 && (path[length - 1] == L'\\' || path[length - 1] == L'/') &&
+           path[length - 2] != L':')
         --length;
     return path.Left(length);
 }
@@ -31,8 +33,9 @@ VUnicodeString ParentFolder(const VUnicodeString& path) {
 // The access list of the file at path, with its protection from inheritance.
 bool ReadAccessList(const VUnicodeString& path, VSecurityDescriptor& descriptor) {
     PSECURITY_DESCRIPTOR found = nullptr;
-    const DWORD result = GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr,
-                                               nullptr, nullptr, nullptr, &found);
+    const DWORD result =
+        GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr,
+                              nullptr, nullptr, nullptr, &found);
     if (result != ERROR_SUCCESS) return Fail(result);
     const LocalMemory owner(found);
     return descriptor.Assign(found);
@@ -59,7 +62,8 @@ bool VFileReplacement::Prepare(const VUnicodeString& path, const wchar_t* text, 
             return Fail(ERROR_ACCESS_DENIED);
         if (!ReadAccessList(path, accessList)) return false;
         security = &accessList;
-        if (existing.dwFileAttributes & KeptAttributes) attributes = existing.dwFileAttributes & KeptAttributes;
+        if (existing.dwFileAttributes & KeptAttributes)
+            attributes = existing.dwFileAttributes & KeptAttributes;
     }
     // Readers may open it as soon as it has been renamed into place; anyone
     // else is shut out, which marks it as in use (RemoveLeftovers).
@@ -85,7 +89,8 @@ bool VFileReplacement::Commit() {
         const DWORD error = GetLastError();
         // Another handle holds the file open: a reader for a moment, or a
         // writer of an older program that rewrites it in place.
-        if ((error != ERROR_ACCESS_DENIED && error != ERROR_SHARING_VIOLATION) || GetTickCount64() >= deadline)
+        if ((error != ERROR_ACCESS_DENIED && error != ERROR_SHARING_VIOLATION) ||
+            GetTickCount64() >= deadline)
             return Fail(error);
         Sleep(attempt < 16 ? 0 : 1);
     }
@@ -100,14 +105,17 @@ void VFileReplacement::RemoveLeftovers() const {
     // Every name below this one's was taken when it was made; above it, the
     // names taken go on up to the first free one.
     DWORD top = counter_;
-    while (GetFileAttributesW(VFile::TemporaryName(prefix, top + 1).c_str()) != INVALID_FILE_ATTRIBUTES) ++top;
+    while (GetFileAttributesW(VFile::TemporaryName(prefix, top + 1).c_str()) !=
+           INVALID_FILE_ATTRIBUTES)
+        ++top;
     // From the top down, so that a writer killed meanwhile leaves the names
     // from 0 on taken, and the next save that finds them removes them.
     for (DWORD counter = top + 1; counter-- > 0;) {
         if (counter == counter_) continue;
         // Opens only when no live writer holds it (they share it for reading
         // alone); it goes when this handle closes.
-        const FileHandle leftover(CreateFileW(VFile::TemporaryName(prefix, counter).c_str(), DELETE, 0, nullptr,
-                                              OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+        const FileHandle leftover(CreateFileW(VFile::TemporaryName(prefix, counter).c_str(), DELETE,
+                                              0, nullptr, OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE,
+                                              nullptr));
     }
 }

@@ -41,7 +41,8 @@ public:
     // read-only (ERROR_ACCESS_DENIED), when its access list cannot be read, or
     // when the temporary cannot be made or written (a character UTF-8 cannot
     // hold fails with ERROR_NO_UNICODE_TRANSLATION).
-    bool Prepare(const VUnicodeString& path, const wchar_t* text, size_t length, const VSecurityDescriptor* security);
+    bool Prepare(const VUnicodeString& path, const wchar_t* text, size_t length,
+                 const VSecurityDescriptor* security);
     // Puts the prepared file in path's place (see above). False, leaving path
     // as it was, when the rename fails or the wait runs out.
     bool Commit();

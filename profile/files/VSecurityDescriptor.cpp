@@ -20,7 +20,9 @@ bool Fail(DWORD error) {
 }
 
 // Whether a part of size bytes at offset lies inside a buffer of length bytes.
-bool Fits(size_t offset, size_t size, size_t length) { return offset <= length && size <= length - offset; }
+bool Fits(size_t offset, size_t size, size_t length) {
+    return offset <= length && size <= length - offset;
+}
 
 // Whether the SID at offset (of a self-relative descriptor of length bytes)
 // lies inside it.
@@ -28,7 +30,8 @@ bool SidFits(const BYTE* bytes, size_t offset, size_t length) {
     constexpr size_t header = 8;  // revision, count, authority
     if (!Fits(offset, header, length)) return false;
     const size_t count = bytes[offset + 1];
-    return Fits(offset, header + 4 * count, length) && IsValidSid(const_cast<BYTE*>(bytes + offset));
+    return Fits(offset, header + 4 * count, length) &&
+           IsValidSid(const_cast<BYTE*>(bytes + offset));
 }
 
 // Whether the ACL at offset lies inside the descriptor, its entries inside the ACL.
@@ -42,7 +45,8 @@ bool AclFits(const BYTE* bytes, size_t offset, size_t length) {
         ACE_HEADER header;
         if (!Fits(entry, sizeof header, acl.AclSize)) return false;
         std::memcpy(&header, bytes + offset + entry, sizeof header);
-        if (header.AceSize < sizeof header || !Fits(entry, header.AceSize, acl.AclSize)) return false;
+        if (header.AceSize < sizeof header || !Fits(entry, header.AceSize, acl.AclSize))
+            return false;
         entry += header.AceSize;
     }
     return IsValidAcl(reinterpret_cast<PACL>(const_cast<BYTE*>(bytes + offset)));
@@ -58,15 +62,20 @@ VUnicodeString Field(const wchar_t* begin, const wchar_t* end) {
 // "0x" and one to eight hexadecimal digits of either case.
 bool ParseMask(const VUnicodeString& text, ACCESS_MASK& mask) {
     const size_t length = text.GetLength();
-    if (length < 3 || length > 10 || text[0] != L'0' || (text[1] != L'x' && text[1] != L'X')) return false;
+    if (length < 3 || length > 10 || text[0] != L'0' || (text[1] != L'x' && text[1] != L'X'))
+        return false;
     mask = 0;
     for (size_t i = 2; i < length; ++i) {
         const wchar_t c = text[i];
         int digit;
-        if (c >= L'0' && c <= L'9') digit = c - L'0';
-        else if (c >= L'a' && c <= L'f') digit = c - L'a' + 10;
-        else if (c >= L'A' && c <= L'F') digit = c - L'A' + 10;
-        else return false;
+        if (c >= L'0' && c <= L'9')
+            digit = c - L'0';
+        else if (c >= L'a' && c <= L'f')
+            digit = c - L'a' + 10;
+        else if (c >= L'A' && c <= L'F')
+            digit = c - L'A' + 10;
+        else
+            return false;
         mask = (mask << 4) | static_cast<ACCESS_MASK>(digit);
     }
     return true;
@@ -87,9 +96,12 @@ bool ParseEntry(const VUnicodeString& text, ParsedEntry& entry) {
     if (secondComma == end) return Fail(ERROR_INVALID_DATA);
 
     const VUnicodeString kind = Field(begin, firstComma);
-    if (kind.EqualsNoCase(AllowWord)) entry.allow = true;
-    else if (kind.EqualsNoCase(DenyWord)) entry.allow = false;
-    else return Fail(ERROR_INVALID_DATA);
+    if (kind.EqualsNoCase(AllowWord))
+        entry.allow = true;
+    else if (kind.EqualsNoCase(DenyWord))
+        entry.allow = false;
+    else
+        return Fail(ERROR_INVALID_DATA);
 
     if (!ParseMask(Field(firstComma + 1, secondComma), entry.mask)) return Fail(ERROR_INVALID_DATA);
 
@@ -97,7 +109,8 @@ bool ParseEntry(const VUnicodeString& text, ParsedEntry& entry) {
     const VUnicodeString sidText = Field(secondComma + 1, end);
     PSID sid = nullptr;
     // Some converters take an empty text for a SID; it names nobody.
-    if (sidText.IsEmpty() || !ConvertStringSidToSidW(sidText.c_str(), &sid)) return Fail(ERROR_INVALID_SID);
+    if (sidText.IsEmpty() || !ConvertStringSidToSidW(sidText.c_str(), &sid))
+        return Fail(ERROR_INVALID_SID);
     entry.sid.Reset(sid);
     return true;
 }
@@ -113,7 +126,8 @@ bool AssignDacl(VSecurityDescriptor& target, PACL dacl) {
 }  // namespace
 
 bool VSecurityDescriptor::Assign(PSECURITY_DESCRIPTOR descriptor) {
-    if (!descriptor || !IsValidSecurityDescriptor(descriptor)) return Fail(ERROR_INVALID_SECURITY_DESCR);
+    if (!descriptor || !IsValidSecurityDescriptor(descriptor))
+        return Fail(ERROR_INVALID_SECURITY_DESCR);
     SECURITY_DESCRIPTOR_CONTROL control = 0;
     DWORD revision = 0;
     if (!GetSecurityDescriptorControl(descriptor, &control, &revision)) return false;
@@ -137,16 +151,20 @@ bool VSecurityDescriptor::AssignBytes(const void* data, size_t length) {
     // or a registry value are checked against their length first.
     const BYTE* bytes = static_cast<const BYTE*>(data);
     SECURITY_DESCRIPTOR_RELATIVE header;
-    if (!bytes || length < sizeof header || length > MAXDWORD) return Fail(ERROR_INVALID_SECURITY_DESCR);
+    if (!bytes || length < sizeof header || length > MAXDWORD)
+        return Fail(ERROR_INVALID_SECURITY_DESCR);
     std::memcpy(&header, bytes, sizeof header);
     const bool fits = (header.Control & SE_SELF_RELATIVE) &&
                       (header.Owner == 0 || SidFits(bytes, header.Owner, length)) &&
                       (header.Group == 0 || SidFits(bytes, header.Group, length)) &&
-                      (!(header.Control & SE_SACL_PRESENT) || header.Sacl == 0 || AclFits(bytes, header.Sacl, length)) &&
-                      (!(header.Control & SE_DACL_PRESENT) || header.Dacl == 0 || AclFits(bytes, header.Dacl, length));
+                      (!(header.Control & SE_SACL_PRESENT) || header.Sacl == 0 ||
+                       AclFits(bytes, header.Sacl, length)) &&
+                      (!(header.Control & SE_DACL_PRESENT) || header.Dacl == 0 ||
+                       AclFits(bytes, header.Dacl, length));
     if (!fits) return Fail(ERROR_INVALID_SECURITY_DESCR);
     std::vector<BYTE> copy(bytes, bytes + length);
-    if (!IsValidSecurityDescriptor(copy.data()) || GetSecurityDescriptorLength(copy.data()) > length)
+    if (!IsValidSecurityDescriptor(copy.data()) ||
+        GetSecurityDescriptorLength(copy.data()) > length)
         return Fail(ERROR_INVALID_SECURITY_DESCR);
     bytes_ = std::move(copy);
     return true;
@@ -161,12 +179,16 @@ SECURITY_INFORMATION VSecurityDescriptor::GetPresentParts() const noexcept {
     SECURITY_INFORMATION parts = 0;
     PSID sid = nullptr;
     BOOL defaulted = FALSE;
-    if (GetSecurityDescriptorOwner(Get(), &sid, &defaulted) && sid) parts |= OWNER_SECURITY_INFORMATION;
-    if (GetSecurityDescriptorGroup(Get(), &sid, &defaulted) && sid) parts |= GROUP_SECURITY_INFORMATION;
+    if (GetSecurityDescriptorOwner(Get(), &sid, &defaulted) && sid)
+        parts |= OWNER_SECURITY_INFORMATION;
+    if (GetSecurityDescriptorGroup(Get(), &sid, &defaulted) && sid)
+        parts |= GROUP_SECURITY_INFORMATION;
     BOOL present = FALSE;
     PACL acl = nullptr;
-    if (GetSecurityDescriptorDacl(Get(), &present, &acl, &defaulted) && present) parts |= DACL_SECURITY_INFORMATION;
-    if (GetSecurityDescriptorSacl(Get(), &present, &acl, &defaulted) && present) parts |= SACL_SECURITY_INFORMATION;
+    if (GetSecurityDescriptorDacl(Get(), &present, &acl, &defaulted) && present)
+        parts |= DACL_SECURITY_INFORMATION;
+    if (GetSecurityDescriptorSacl(Get(), &present, &acl, &defaulted) && present)
+        parts |= SACL_SECURITY_INFORMATION;
     return parts;
 }
 
@@ -178,8 +200,10 @@ SECURITY_ATTRIBUTES VSecurityDescriptor::GetSecurityAttributes() const noexcept 
     return attributes;
 }
 
-SECURITY_ATTRIBUTES VSecurityDescriptor::SecurityAttributesFor(const VSecurityDescriptor* descriptor) noexcept {
-    return descriptor ? descriptor->GetSecurityAttributes() : VSecurityDescriptor().GetSecurityAttributes();
+SECURITY_ATTRIBUTES VSecurityDescriptor::SecurityAttributesFor(
+    const VSecurityDescriptor* descriptor) noexcept {
+    return descriptor ? descriptor->GetSecurityAttributes()
+                      : VSecurityDescriptor().GetSecurityAttributes();
 }
 
 bool VSecurityDescriptor::ToText(VArray<VUnicodeString>& entries) const {
@@ -197,7 +221,8 @@ bool VSecurityDescriptor::ToText(VArray<VUnicodeString>& entries) const {
         const ACE_HEADER* header = static_cast<const ACE_HEADER*>(ace);
         // Allowed and denied entries share one layout: header, mask, SID.
         const bool allow = header->AceType == ACCESS_ALLOWED_ACE_TYPE;
-        if ((!allow && header->AceType != ACCESS_DENIED_ACE_TYPE) || (header->AceFlags & ~INHERITED_ACE) != 0)
+        if ((!allow && header->AceType != ACCESS_DENIED_ACE_TYPE) ||
+            (header->AceFlags & ~INHERITED_ACE) != 0)
             return Fail(ERROR_NOT_SUPPORTED);
         const ACCESS_ALLOWED_ACE* entry = static_cast<const ACCESS_ALLOWED_ACE*>(ace);
 
@@ -207,7 +232,9 @@ bool VSecurityDescriptor::ToText(VArray<VUnicodeString>& entries) const {
         VUnicodeString mask;
         VUnicodeString text;
         if (!mask.FormatPositional(L"0x%1!08x!", static_cast<unsigned>(entry->Mask))) return false;
-        if (!text.FormatPositional(L"%1,%2,%3", allow ? AllowWord : DenyWord, mask.c_str(), sidText)) return false;
+        if (!text.FormatPositional(L"%1,%2,%3", allow ? AllowWord : DenyWord, mask.c_str(),
+                                   sidText))
+            return false;
         texts.Add(std::move(text));
     }
     entries = std::move(texts);
@@ -228,8 +255,9 @@ bool VSecurityDescriptor::FromText(const VArray<VUnicodeString>& entries) {
     if (!InitializeAcl(acl, static_cast<DWORD>(aclBuffer.size() * 4), ACL_REVISION)) return false;
     for (const ParsedEntry& entry : parsed) {
         // Entries stay in the order given: the text is the list, not a wish list.
-        const BOOL added = entry.allow ? AddAccessAllowedAce(acl, ACL_REVISION, entry.mask, entry.sid.Get())
-                                       : AddAccessDeniedAce(acl, ACL_REVISION, entry.mask, entry.sid.Get());
+        const BOOL added = entry.allow
+                               ? AddAccessAllowedAce(acl, ACL_REVISION, entry.mask, entry.sid.Get())
+                               : AddAccessDeniedAce(acl, ACL_REVISION, entry.mask, entry.sid.Get());
         if (!added) return false;
     }
     return AssignDacl(*this, acl);
@@ -237,8 +265,8 @@ bool VSecurityDescriptor::FromText(const VArray<VUnicodeString>& entries) {
 
 bool VSecurityDescriptor::AssignCurrentUserAccess() {
     EXPLICIT_ACCESS_W access{};
-    BuildExplicitAccessWithNameW(&access, const_cast<wchar_t*>(L"CURRENT_USER"), GENERIC_ALL, SET_ACCESS,
-                                 SUB_CONTAINERS_AND_OBJECTS_INHERIT);
+    BuildExplicitAccessWithNameW(&access, const_cast<wchar_t*>(L"CURRENT_USER"), GENERIC_ALL,
+                                 SET_ACCESS, SUB_CONTAINERS_AND_OBJECTS_INHERIT);
     PACL acl = nullptr;
     const DWORD result = SetEntriesInAclW(1, &access, nullptr, &acl);
     if (result != ERROR_SUCCESS) return Fail(result);
@@ -256,7 +284,8 @@ bool GetCurrentUserSidString(VUnicodeString& sid) {
     std::vector<BYTE> buffer(size);
     if (!GetTokenInformation(token, TokenUser, buffer.data(), size, &size)) return false;
     wchar_t* text = nullptr;
-    if (!ConvertSidToStringSidW(reinterpret_cast<TOKEN_USER*>(buffer.data())->User.Sid, &text)) return false;
+    if (!ConvertSidToStringSidW(reinterpret_cast<TOKEN_USER*>(buffer.data())->User.Sid, &text))
+        return false;
     const LocalMemory textOwner(text);
     sid = VUnicodeString(text);
     return true;

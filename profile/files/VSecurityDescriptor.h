@@ -49,7 +49,8 @@ public:
     // valid as long as it lives unchanged.
     SECURITY_ATTRIBUTES GetSecurityAttributes() const noexcept;
     // The same for an optional descriptor: default security when null.
-    static SECURITY_ATTRIBUTES SecurityAttributesFor(const VSecurityDescriptor* descriptor) noexcept;
+    static SECURITY_ATTRIBUTES SecurityAttributesFor(
+        const VSecurityDescriptor* descriptor) noexcept;
 
     // The text form: one string per entry of the discretionary access list,
     // in list order, made with the pattern "%1,%2,%3": the kind ("allow" or

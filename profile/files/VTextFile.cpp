@@ -51,9 +51,12 @@ bool StartsWith(const BYTE* bytes, size_t size, const ByteOrderMark& mark) {
 // for values that name no encoding.
 UINT CodePageOf(VTextEncoding encoding) {
     switch (encoding) {
-    case TextEncodingAnsi: return GetACP();
-    case TextEncodingUtf8: return CP_UTF8;
-    default: return 0;
+        case TextEncodingAnsi:
+            return GetACP();
+        case TextEncodingUtf8:
+            return CP_UTF8;
+        default:
+            return 0;
     }
 }
 
@@ -80,7 +83,8 @@ size_t CompletePrefix(UINT codePage, bool doubleByte, const BYTE* bytes, size_t 
     if (codePage == CP_UTF8) {
         for (size_t back = 1; back <= std::min<size_t>(MaxCarry + 1, size); ++back) {
             const BYTE byte = bytes[size - back];
-            if ((byte & 0xC0) != 0x80) return CharacterBytes(codePage, false, byte) > back ? size - back : size;
+            if ((byte & 0xC0) != 0x80)
+                return CharacterBytes(codePage, false, byte) > back ? size - back : size;
         }
         return size;  // no lead byte near the end: the decoder rejects it
     }
@@ -152,13 +156,15 @@ size_t VTextFile::TakeMark(const BYTE* bytes, size_t size, bool atFileStart) {
     return atFileStart && own && StartsWith(bytes, size, *own) ? own->length : 0;
 }
 
-bool VTextFile::DecodeMultiByte(const BYTE* bytes, size_t size, wchar_t* out, size_t& length) const {
+bool VTextFile::DecodeMultiByte(const BYTE* bytes, size_t size, wchar_t* out,
+                                size_t& length) const {
     length = 0;
     if (size == 0) return true;
     const char* text = reinterpret_cast<const char*>(bytes);
     // Converters take int lengths; the callers' sizes are bounded far below.
     const int capacity = static_cast<int>(size);
-    int count = MultiByteToWideChar(codePage_, MB_ERR_INVALID_CHARS, text, static_cast<int>(size), out, capacity);
+    int count = MultiByteToWideChar(codePage_, MB_ERR_INVALID_CHARS, text, static_cast<int>(size),
+                                    out, capacity);
     if (count > 0) {
         length = static_cast<size_t>(count);
         return true;
@@ -170,14 +176,14 @@ bool VTextFile::DecodeMultiByte(const BYTE* bytes, size_t size, wchar_t* out, si
         const size_t characterLength = CharacterBytes(codePage_, doubleByte_, bytes[good]);
         wchar_t characters[2];
         if (characterLength == 0 || characterLength > size - good ||
-            MultiByteToWideChar(codePage_, MB_ERR_INVALID_CHARS, text + good, static_cast<int>(characterLength),
-                                characters, 2) <= 0)
+            MultiByteToWideChar(codePage_, MB_ERR_INVALID_CHARS, text + good,
+                                static_cast<int>(characterLength), characters, 2) <= 0)
             break;
         good += characterLength;
     }
     count = good == 0 ? 0
-                      : MultiByteToWideChar(codePage_, MB_ERR_INVALID_CHARS, text, static_cast<int>(good), out,
-                                            capacity);
+                      : MultiByteToWideChar(codePage_, MB_ERR_INVALID_CHARS, text,
+                                            static_cast<int>(good), out, capacity);
     length = static_cast<size_t>(std::max(count, 0));
     SetLastError(ERROR_NO_UNICODE_TRANSLATION);
     return false;
@@ -189,8 +195,9 @@ size_t VTextFile::CompleteLength(const BYTE* bytes, size_t size, bool atEnd) con
         // A pair split by the block edge waits for its second half.
         if (!atEnd && complete >= 2) {
             const BYTE* last = bytes + complete - 2;
-            const wchar_t unit = static_cast<wchar_t>(encoding_ == TextEncodingUtf16LE ? last[0] | (last[1] << 8)
-                                                                                        : (last[0] << 8) | last[1]);
+            const wchar_t unit =
+                static_cast<wchar_t>(encoding_ == TextEncodingUtf16LE ? last[0] | (last[1] << 8)
+                                                                      : (last[0] << 8) | last[1]);
             if (IsHighSurrogate(unit)) complete -= 2;
         }
         return complete;
@@ -205,7 +212,8 @@ bool VTextFile::DecodeWhole(const BYTE* bytes, size_t size, wchar_t* out, size_t
     if (encoding_ == TextEncodingUtf16LE) {
         std::memcpy(out, bytes, length * sizeof(wchar_t));
     } else {
-        for (size_t i = 0; i < length; ++i) out[i] = static_cast<wchar_t>((bytes[2 * i] << 8) | bytes[2 * i + 1]);
+        for (size_t i = 0; i < length; ++i)
+            out[i] = static_cast<wchar_t>((bytes[2 * i] << 8) | bytes[2 * i + 1]);
     }
     ReplaceLoneSurrogates(out, length);
     return true;
@@ -281,7 +289,8 @@ bool VTextFile::ReadAll(WipedVector<wchar_t>& text, uint64_t maxBytes) {
     uint64_t offset = position;
     for (;;) {
         DWORD got = 0;
-        if (!ReadBytes(piece.data() + carried, static_cast<DWORD>(ReadAllPieceSize), got)) return false;
+        if (!ReadBytes(piece.data() + carried, static_cast<DWORD>(ReadAllPieceSize), got))
+            return false;
         size_t start = 0;
         if (!started_ && !Start(piece.data() + carried, got, offset, start)) return false;
         offset += got;
@@ -291,7 +300,8 @@ bool VTextFile::ReadAll(WipedVector<wchar_t>& text, uint64_t maxBytes) {
         // More than the file held at first (it grew): the text makes room.
         if (text.size() - length < complete) text.resize(length + complete);
         size_t decoded = 0;
-        const bool translated = DecodeWhole(piece.data() + start, complete, text.data() + length, decoded);
+        const bool translated =
+            DecodeWhole(piece.data() + start, complete, text.data() + length, decoded);
         length += decoded;
         if (!translated || atEnd) break;
         carried = have - complete;
@@ -379,9 +389,10 @@ bool VTextFile::AppendMultiByte(UINT codePage, const wchar_t* text, size_t lengt
         // Strict either way: a lone surrogate, or a character the code page
         // lacks, fails rather than turning silently into another one.
         BOOL usedDefault = FALSE;
-        const int written = WideCharToMultiByte(codePage, utf8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS, text,
-                                                static_cast<int>(piece), pending_.data() + at, room, nullptr,
-                                                utf8 ? nullptr : &usedDefault);
+        const int written =
+            WideCharToMultiByte(codePage, utf8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS, text,
+                                static_cast<int>(piece), pending_.data() + at, room, nullptr,
+                                utf8 ? nullptr : &usedDefault);
         if (written <= 0 || usedDefault) {
             const DWORD error = written <= 0 ? GetLastError() : ERROR_NO_UNICODE_TRANSLATION;
             pending_.resize(before);
@@ -397,25 +408,25 @@ bool VTextFile::AppendMultiByte(UINT codePage, const wchar_t* text, size_t lengt
 
 bool VTextFile::Write(const wchar_t* text, size_t length) {
     switch (encoding_) {
-    case TextEncodingAnsi:
-    case TextEncodingUtf8:
-        if (!AppendMultiByte(CodePageOf(encoding_), text, length)) return false;
-        break;
-    case TextEncodingUtf16LE:
-    case TextEncodingUtf16BE: {
-        const size_t at = pending_.size();
-        pending_.resize(at + 2 * length);
-        char* out = pending_.data() + at;
-        const bool bigEndian = encoding_ == TextEncodingUtf16BE;
-        for (size_t i = 0; i < length; ++i) {
-            out[2 * i + (bigEndian ? 1 : 0)] = static_cast<char>(text[i] & 0xFF);
-            out[2 * i + (bigEndian ? 0 : 1)] = static_cast<char>(text[i] >> 8);
+        case TextEncodingAnsi:
+        case TextEncodingUtf8:
+            if (!AppendMultiByte(CodePageOf(encoding_), text, length)) return false;
+            break;
+        case TextEncodingUtf16LE:
+        case TextEncodingUtf16BE: {
+            const size_t at = pending_.size();
+            pending_.resize(at + 2 * length);
+            char* out = pending_.data() + at;
+            const bool bigEndian = encoding_ == TextEncodingUtf16BE;
+            for (size_t i = 0; i < length; ++i) {
+                out[2 * i + (bigEndian ? 1 : 0)] = static_cast<char>(text[i] & 0xFF);
+                out[2 * i + (bigEndian ? 0 : 1)] = static_cast<char>(text[i] >> 8);
+            }
+            break;
         }
-        break;
-    }
-    default:
-        SetLastError(ERROR_NOT_SUPPORTED);
-        return false;
+        default:
+            SetLastError(ERROR_NOT_SUPPORTED);
+            return false;
     }
     return pending_.size() < WriteBufferSize || Flush();
 }
@@ -425,7 +436,9 @@ bool VTextFile::WriteEncoded(const void* bytes, size_t size) {
     while (size > 0) {
         const DWORD piece = static_cast<DWORD>(std::min<size_t>(size, WriteBufferSize));
         uint64_t position = 0;
-        if (blockLocking_ && !(VFile::Seek(0, FILE_CURRENT, &position) && Lock(position, piece, true))) return false;
+        if (blockLocking_ &&
+            !(VFile::Seek(0, FILE_CURRENT, &position) && Lock(position, piece, true)))
+            return false;
         const bool written = WriteBytes(next, piece);
         const DWORD error = GetLastError();
         const bool unlocked = !blockLocking_ || VFile::Unlock(position, piece);

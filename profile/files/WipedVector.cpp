@@ -15,7 +15,8 @@ constexpr size_t KeptBlocks = 4;
 constexpr size_t KeptBytesLimit = 32 * 1024 * 1024;
 // A large block starts with its size, so that it can be kept and reused for
 // a request of another size.
-constexpr size_t Header = alignof(std::max_align_t) > sizeof(size_t) ? alignof(std::max_align_t) : sizeof(size_t);
+constexpr size_t Header = alignof(std::max_align_t) > sizeof(size_t) ? alignof(std::max_align_t)
+                                                                     : sizeof(size_t);
 
 struct KeptBlock {
     std::byte* block = nullptr;  // where its header starts
@@ -81,7 +82,8 @@ void Release(void* memory, size_t bytes, bool wipe) noexcept {
                 place = &candidate;
                 break;
             }
-            if (candidate.size < size && (!place || candidate.size < place->size)) place = &candidate;
+            if (candidate.size < size && (!place || candidate.size < place->size))
+                place = &candidate;
         }
         if (place && kept.bytes - place->size + size <= KeptBytesLimit) {
             std::free(place->block);

@@ -45,7 +45,9 @@ struct KeepingAllocator {
     KeepingAllocator(const KeepingAllocator<U, Wipe>&) noexcept {}
 
     T* allocate(size_t count) { return static_cast<T*>(WipedMemory::Allocate(count * sizeof(T))); }
-    void deallocate(T* memory, size_t count) noexcept { WipedMemory::Release(memory, count * sizeof(T), Wipe); }
+    void deallocate(T* memory, size_t count) noexcept {
+        WipedMemory::Release(memory, count * sizeof(T), Wipe);
+    }
 
     template <class U>
     void construct(U* place) noexcept(noexcept(U())) {

@@ -27,7 +27,9 @@ struct ByteTextTable {
 };
 constexpr ByteTextTable ByteTexts;
 
-void Put(VIniFileText& text, std::wstring_view piece) { text.insert(text.end(), piece.begin(), piece.end()); }
+void Put(VIniFileText& text, std::wstring_view piece) {
+    text.insert(text.end(), piece.begin(), piece.end());
+}
 void PutLineEnd(VIniFileText& text) { Put(text, L"\r\n"); }
 
 // The header line: as the pattern "K:\"%1\"=%2" formats it (%2 being a number
@@ -42,7 +44,8 @@ void PutHeader(VIniFileText& text, wchar_t kind, std::wstring_view name) {
 
 void PutNumberField(VIniFileText& text, uint32_t value) {
     wchar_t digits[NumberFieldLength];
-    for (size_t i = 0; i < NumberFieldLength; ++i) digits[i] = LowerHexDigits[(value >> (28 - 4 * i)) & 15];
+    for (size_t i = 0; i < NumberFieldLength; ++i)
+        digits[i] = LowerHexDigits[(value >> (28 - 4 * i)) & 15];
     Put(text, std::wstring_view(digits, NumberFieldLength));
 }
 
@@ -62,8 +65,8 @@ const wchar_t* FindEither(const wchar_t* begin, const wchar_t* end, wchar_t a, w
     const __m128i wantB = _mm_set1_epi16(static_cast<short>(b));
     for (; end - begin >= 8; begin += 8) {
         const __m128i eight = _mm_loadu_si128(reinterpret_cast<const __m128i*>(begin));
-        const int found =
-            _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi16(eight, wantA), _mm_cmpeq_epi16(eight, wantB)));
+        const int found = _mm_movemask_epi8(
+            _mm_or_si128(_mm_cmpeq_epi16(eight, wantA), _mm_cmpeq_epi16(eight, wantB)));
         if (found != 0) return begin + std::countr_zero(static_cast<unsigned>(found)) / 2;
     }
     while (begin < end && *begin != a && *begin != b) ++begin;
@@ -76,9 +79,12 @@ struct HexDigitTable {
     constexpr HexDigitTable() : value{} {
         for (int character = 0; character < 128; ++character) {
             value[character] = -1;
-            if (character >= '0' && character <= '9') value[character] = static_cast<signed char>(character - '0');
-            if (character >= 'a' && character <= 'f') value[character] = static_cast<signed char>(character - 'a' + 10);
-            if (character >= 'A' && character <= 'F') value[character] = static_cast<signed char>(character - 'A' + 10);
+            if (character >= '0' && character <= '9')
+                value[character] = static_cast<signed char>(character - '0');
+            if (character >= 'a' && character <= 'f')
+                value[character] = static_cast<signed char>(character - 'a' + 10);
+            if (character >= 'A' && character <= 'F')
+                value[character] = static_cast<signed char>(character - 'A' + 10);
         }
     }
 };
@@ -164,11 +170,13 @@ void AppendIniStringEntry(VIniFileText& text, std::wstring_view name, std::wstri
     PutLineEnd(text);
 }
 
-void AppendIniBinaryEntry(VIniFileText& text, std::wstring_view name, std::span<const uint8_t> bytes) {
+void AppendIniBinaryEntry(VIniFileText& text, std::wstring_view name,
+                          std::span<const uint8_t> bytes) {
     AppendNumberEntry(text, L'B', name, static_cast<uint32_t>(bytes.size()));
     for (size_t start = 0; start < bytes.size(); start += BinaryBytesPerLine) {
         const size_t end = std::min(bytes.size(), start + BinaryBytesPerLine);
-        for (size_t i = start; i < end; ++i) Put(text, std::wstring_view(ByteTexts.text[bytes[i]], 3));
+        for (size_t i = start; i < end; ++i)
+            Put(text, std::wstring_view(ByteTexts.text[bytes[i]], 3));
         PutLineEnd(text);
     }
 }
@@ -203,10 +211,12 @@ bool VIniFileEntryReader::Next(std::wstring_view& name, VIniFileDataPtr& value) 
 bool VIniFileEntryReader::ReadEntry(std::wstring_view& name, VIniFileDataPtr& value) {
     std::wstring_view line;
     EntryHeader header;
-    if (!NextIniLine(position_, end_, line) || !ParseHeader(line.data(), line.size(), header)) return false;
+    if (!NextIniLine(position_, end_, line) || !ParseHeader(line.data(), line.size(), header))
+        return false;
     name = std::wstring_view(header.name, header.nameLength);
     if (header.kind == L'S') {
-        value = arena_.Make<VIniFileDataString>(std::wstring_view(header.field, header.fieldLength));
+        value =
+            arena_.Make<VIniFileDataString>(std::wstring_view(header.field, header.fieldLength));
         return true;
     }
     uint32_t number = 0;

@@ -28,7 +28,8 @@
 // Appends the lines of one entry as the writer puts them in a file.
 void AppendIniDwordEntry(VIniFileText& text, std::wstring_view name, uint32_t value);
 void AppendIniStringEntry(VIniFileText& text, std::wstring_view name, std::wstring_view value);
-void AppendIniBinaryEntry(VIniFileText& text, std::wstring_view name, std::span<const uint8_t> bytes);
+void AppendIniBinaryEntry(VIniFileText& text, std::wstring_view name,
+                          std::span<const uint8_t> bytes);
 // The header of a Z entry of count strings; each string follows with
 // AppendIniStringLine.
 void AppendIniMultiStringHeader(VIniFileText& text, std::wstring_view name, size_t count);

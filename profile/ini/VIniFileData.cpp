@@ -77,7 +77,8 @@ void VIniFileDataBinary::AppendTo(VIniFileText& text, std::wstring_view name) co
 template <class Visit>
 void VIniFileDataStringSz::ForEachString(Visit&& visit) const {
     if (isOwned_) {
-        for (const VUnicodeString& string : strings_) visit(std::wstring_view(string.c_str(), string.GetLength()));
+        for (const VUnicodeString& string : strings_)
+            visit(std::wstring_view(string.c_str(), string.GetLength()));
         return;
     }
     // The reader checked count lines that each begin with a blank.

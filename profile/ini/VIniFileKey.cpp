@@ -29,14 +29,18 @@ constexpr size_t IsSessionLength = std::size(IsSessionName) - 1;
 // reading it.
 constexpr size_t TypicalEntryCharacters = 40;
 
-std::wstring_view View(const VUnicodeString& text) { return std::wstring_view(text.c_str(), text.GetLength()); }
+std::wstring_view View(const VUnicodeString& text) {
+    return std::wstring_view(text.c_str(), text.GetLength());
+}
 
 bool IsSeparator(wchar_t character) { return character == L'\\' || character == L'/'; }
 
 // Drops trailing separators, but not the one of a drive root ("C:\").
 VUnicodeString WithoutTrailingSeparators(const VUnicodeString& path) {
     size_t length = path.GetLength();
-    while (length > 0 && IsSeparator(path[length - 1]) && !(length >= 2 && path[length - 2] == L':')) --length;
+    while (length > 0 && IsSeparator(path[length - 1]) &&
+           !(length >= 2 && path[length - 2] == L':'))
+        --length;
     return path.Left(length);
 }
 
@@ -66,13 +70,14 @@ bool IsDeviceName(const wchar_t* part, size_t length) {
     static const wchar_t* const devices[] = {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$"};
     for (const wchar_t* device : devices)
         if (name == device) return true;
-    return name.GetLength() == 4 && (name.StartsWith(L"COM") || name.StartsWith(L"LPT")) && name[3] >= L'1' &&
-           name[3] <= L'9';
+    return name.GetLength() == 4 && (name.StartsWith(L"COM") || name.StartsWith(L"LPT")) &&
+           name[3] >= L'1' && name[3] <= L'9';
 }
 
 bool IsValidPathPart(const wchar_t* part, size_t length) {
     if (length == 0) return false;
-    if ((length == 1 && part[0] == L'.') || (length == 2 && part[0] == L'.' && part[1] == L'.')) return false;
+    if ((length == 1 && part[0] == L'.') || (length == 2 && part[0] == L'.' && part[1] == L'.'))
+        return false;
     for (size_t i = 0; i < length; ++i) {
         const wchar_t character = part[i];
         if (character < 32 || std::wcschr(L"<>:\"/|?*", character)) return false;
@@ -108,8 +113,8 @@ bool DeleteKeyFiles(const VUnicodeString& folder, bool& removedAny) {
 
 }  // namespace
 
-VIniFileKey::VIniFileKey(const VUnicodeString& folderPath, const VUnicodeString& privateFolderPath, bool readOnly,
-                         const VSecurityDescriptor* security)
+VIniFileKey::VIniFileKey(const VUnicodeString& folderPath, const VUnicodeString& privateFolderPath,
+                         bool readOnly, const VSecurityDescriptor* security)
     : folderPath_(WithoutTrailingSeparators(folderPath)),
       privateFolderPath_(WithoutTrailingSeparators(privateFolderPath)),
       readOnly_(readOnly) {
@@ -159,7 +164,8 @@ void VIniFileKey::LoadTable() {
     loadError_ = ERROR_SUCCESS;
     ReadValuesFile(ValuesFilePath(folderPath_));
     // Read second, so that its values win over stray copies in the main file.
-    privateFileRead_ = !privateFolderPath_.IsEmpty() && ReadValuesFile(ValuesFilePath(privateFolderPath_));
+    privateFileRead_ =
+        !privateFolderPath_.IsEmpty() && ReadValuesFile(ValuesFilePath(privateFolderPath_));
 }
 
 bool VIniFileKey::ReadValuesFile(const VUnicodeString& path) {
@@ -173,7 +179,8 @@ bool VIniFileKey::ReadValuesFile(const VUnicodeString& path) {
         const DWORD error = GetLastError();
         // A missing file is an empty key, and a folder is no values file
         // (saving over it fails on its own).
-        if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || IsFolder(path)) return false;
+        if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || IsFolder(path))
+            return false;
         return failed(error);
     }
     // The lock covers the whole read, so the blocks need none of their own.
@@ -202,7 +209,8 @@ const VIniFileKey::FileInformation& VIniFileKey::GetFileInformation() {
     if (!fileInformation_) {
         FileInformation information{};
         WIN32_FILE_ATTRIBUTE_DATA data;
-        if (GetFileAttributesExW(ValuesFilePath(folderPath_).c_str(), GetFileExInfoStandard, &data)) {
+        if (GetFileAttributesExW(ValuesFilePath(folderPath_).c_str(), GetFileExInfoStandard,
+                                 &data)) {
             information.exists = true;
             information.isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
             information.readOnly = (data.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
@@ -293,7 +301,8 @@ bool VIniFileKey::Store(const VUnicodeString& name, VIniFileDataPtr value) {
     return true;
 }
 
-bool VIniFileKey::SetMultiString(const VUnicodeString& name, const VArray<VUnicodeString>& strings) {
+bool VIniFileKey::SetMultiString(const VUnicodeString& name,
+                                 const VArray<VUnicodeString>& strings) {
     if (!CheckWrite(name)) return false;
     for (const VUnicodeString& string : strings)
         if (!CheckText(string)) return false;
@@ -308,7 +317,8 @@ bool VIniFileKey::SetBinary(const VUnicodeString& name, const void* bytes, size_
 }
 
 bool VIniFileKey::SetString(const VUnicodeString& name, const VUnicodeString& text) {
-    return CheckWrite(name) && CheckText(text) && Store(name, MakeIniFileData<VIniFileDataString>(text));
+    return CheckWrite(name) && CheckText(text) &&
+           Store(name, MakeIniFileData<VIniFileDataString>(text));
 }
 
 bool VIniFileKey::SetDword(const VUnicodeString& name, uint32_t value) {
@@ -322,10 +332,12 @@ bool VIniFileKey::SetSecurity(const VUnicodeString& name, const VSecurityDescrip
     // stands for exactly this descriptor.
     VArray<VUnicodeString> entries;
     VSecurityDescriptor fromText;
-    if (descriptor.ToText(entries) && fromText.FromText(entries) && fromText.GetLength() == descriptor.GetLength() &&
+    if (descriptor.ToText(entries) && fromText.FromText(entries) &&
+        fromText.GetLength() == descriptor.GetLength() &&
         std::memcmp(fromText.Get(), descriptor.Get(), descriptor.GetLength()) == 0)
         return Store(name, MakeIniFileData<VIniFileDataStringSz>(std::move(entries)));
-    return Store(name, MakeIniFileData<VIniFileDataBinary>(descriptor.Get(), descriptor.GetLength()));
+    return Store(name,
+                 MakeIniFileData<VIniFileDataBinary>(descriptor.Get(), descriptor.GetLength()));
 }
 
 bool VIniFileKey::DeleteValue(const VUnicodeString& name) {
@@ -369,7 +381,8 @@ bool VIniFileKey::Save() {
     if (readOnly_) return Fail(ERROR_ACCESS_DENIED);
     if (loadError_ != ERROR_SUCCESS) return Fail(loadError_);
 
-    const bool privateWanted = !privateFolderPath_.IsEmpty() && (privateFileRead_ || table_->NeedsPrivateFile());
+    const bool privateWanted =
+        !privateFolderPath_.IsEmpty() && (privateFileRead_ || table_->NeedsPrivateFile());
     VIniFileText mainText;
     VIniFileText privateText;
     Format(mainText, privateWanted ? &privateText : nullptr);
@@ -379,8 +392,8 @@ bool VIniFileKey::Save() {
     const VSecurityDescriptor* security = security_ ? &*security_ : nullptr;
     VFileReplacement mainFile;
     VFileReplacement privateFile;
-    if (privateWanted && !privateFile.Prepare(ValuesFilePath(privateFolderPath_), privateText.data(),
-                                              privateText.size(), security))
+    if (privateWanted && !privateFile.Prepare(ValuesFilePath(privateFolderPath_),
+                                              privateText.data(), privateText.size(), security))
         return Fail(GetLastError());
     if (!mainFile.Prepare(ValuesFilePath(folderPath_), mainText.data(), mainText.size(), security))
         return Fail(GetLastError());
@@ -421,10 +434,12 @@ std::unique_ptr<VProfilePrivateKey> VIniFileKey::OpenKey(const VUnicodeString& n
         return nullptr;
     }
     const VUnicodeString privateFolder = JoinPath(privateFolderPath_, name);
-    auto key = std::make_unique<VIniFileKey>(JoinPath(folderPath_, name), privateFolder, readOnly_, security);
+    auto key = std::make_unique<VIniFileKey>(JoinPath(folderPath_, name), privateFolder, readOnly_,
+                                             security);
     if (create) {
         if (!CreateFolderChain(key->folderPath_, security) ||
-            (!key->privateFolderPath_.IsEmpty() && !CreateFolderChain(key->privateFolderPath_, security)))
+            (!key->privateFolderPath_.IsEmpty() &&
+             !CreateFolderChain(key->privateFolderPath_, security)))
             RecordLastSystemError(key->error_);
     }
     return key;
@@ -435,7 +450,8 @@ bool VIniFileKey::DeleteKey(const VUnicodeString& name) {
     if (!IsValidSubkeyName(name)) return Fail(ERROR_INVALID_NAME);
     bool removedAny = false;
     if (!DeleteKeyFiles(JoinPath(folderPath_, name), removedAny)) return Fail(GetLastError());
-    if (!privateFolderPath_.IsEmpty() && !DeleteKeyFiles(JoinPath(privateFolderPath_, name), removedAny))
+    if (!privateFolderPath_.IsEmpty() &&
+        !DeleteKeyFiles(JoinPath(privateFolderPath_, name), removedAny))
         return Fail(GetLastError());
     return removedAny || Fail(ERROR_FILE_NOT_FOUND);
 }

@@ -68,8 +68,8 @@ public:
     // privateFolderPath, or one equal to folderPath without regard to case,
     // means the key has no private file. security (copied; null for default
     // security) is applied to the folders and files that the key creates.
-    VIniFileKey(const VUnicodeString& folderPath, const VUnicodeString& privateFolderPath, bool readOnly,
-                const VSecurityDescriptor* security);
+    VIniFileKey(const VUnicodeString& folderPath, const VUnicodeString& privateFolderPath,
+                bool readOnly, const VSecurityDescriptor* security);
     // Saves when the key is not read-only; a failure then is lost, so callers
     // that must know call Flush first.
     ~VIniFileKey() override;

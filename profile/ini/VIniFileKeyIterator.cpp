@@ -8,9 +8,11 @@
 namespace {
 
 bool HasValuesFileExtension(const VUnicodeString& fileName) {
-    const size_t extensionLength = std::char_traits<wchar_t>::length(VIniFileKey::ValuesFileExtension);
+    const size_t extensionLength =
+        std::char_traits<wchar_t>::length(VIniFileKey::ValuesFileExtension);
     return fileName.GetLength() > extensionLength &&
-           fileName.Mid(fileName.GetLength() - extensionLength).EqualsNoCase(VIniFileKey::ValuesFileExtension);
+           fileName.Mid(fileName.GetLength() - extensionLength)
+               .EqualsNoCase(VIniFileKey::ValuesFileExtension);
 }
 
 }  // namespace
@@ -18,7 +20,8 @@ bool HasValuesFileExtension(const VUnicodeString& fileName) {
 VIniFileKey::Iterator::Iterator(VIniFileKey& key, bool values) : entries_(NameOrder{!values}) {
     if (values) {
         key.Table().ForEach([this](const VIniFileValueTable::Slot& slot) {
-            entries_.emplace(VUnicodeString(slot.name.data(), slot.name.size()), slot.value->GetKind());
+            entries_.emplace(VUnicodeString(slot.name.data(), slot.name.size()),
+                             slot.value->GetKind());
         });
     } else {
         ListSubkeys(key);
@@ -28,14 +31,15 @@ VIniFileKey::Iterator::Iterator(VIniFileKey& key, bool values) : entries_(NameOr
 void VIniFileKey::Iterator::ListSubkeys(VIniFileKey& key) {
     const VUnicodeString pattern = key.folderPath_ + L"\\*";
     WIN32_FIND_DATAW found;
-    const FindHandle search(
-        FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &found, FindExSearchNameMatch, nullptr, 0));
+    const FindHandle search(FindFirstFileExW(pattern.c_str(), FindExInfoBasic, &found,
+                                             FindExSearchNameMatch, nullptr, 0));
     if (!search) {
         const DWORD error = GetLastError();
         // A key that never had a subkey has no folder: nothing to list.
         if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) return;
         VUnicodeString trace;
-        if (trace.FormatPositional(L"VIniFileKey::Iterator failed to open path %1\n", key.folderPath_.c_str()))
+        if (trace.FormatPositional(L"VIniFileKey::Iterator failed to open path %1\n",
+                                   key.folderPath_.c_str()))
             OutputDebugStringW(trace.c_str());
         RecordSystemError(key.error_, error);
         return;
@@ -45,7 +49,8 @@ void VIniFileKey::Iterator::ListSubkeys(VIniFileKey& key) {
         if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)) {
             // Only values files stand for keys; other files are not ours.
             if (!HasValuesFileExtension(name)) continue;
-            name = name.Left(name.GetLength() - std::char_traits<wchar_t>::length(ValuesFileExtension));
+            name = name.Left(name.GetLength() -
+                             std::char_traits<wchar_t>::length(ValuesFileExtension));
         }
         // Skips "." and "..", and names that OpenKey would refuse.
         if (VIniFileKey::IsValidSubkeyName(name)) entries_.emplace(name, ProfileSubkey);

@@ -2,7 +2,8 @@
 
 #include "VIniFileStore.h"
 
-VIniFileStoreFactory::VIniFileStoreFactory(VUnicodeString rootFolder, VUnicodeString privateRootFolder)
+VIniFileStoreFactory::VIniFileStoreFactory(VUnicodeString rootFolder,
+                                           VUnicodeString privateRootFolder)
     : rootFolder_(std::move(rootFolder)), privateRootFolder_(std::move(privateRootFolder)) {}
 
 std::unique_ptr<VProfilePrivateStore> VIniFileStoreFactory::CreateStore() {

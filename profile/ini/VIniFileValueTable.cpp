@@ -78,11 +78,13 @@ size_t VIniFileValueTable::Probe(std::wstring_view name, uint32_t hash) const {
     const size_t mask = index_.size() - 1;
     for (size_t position = hash & mask;; position = (position + 1) & mask) {
         const IndexEntry entry = index_[position];
-        if (entry.slot == NoSlot || (entry.hash == hash && SameName(slots_[entry.slot].name, name))) return position;
+        if (entry.slot == NoSlot || (entry.hash == hash && SameName(slots_[entry.slot].name, name)))
+            return position;
     }
 }
 
-void VIniFileValueTable::Append(std::wstring_view name, uint32_t hash, VIniFileDataPtr value, bool isPrivate) {
+void VIniFileValueTable::Append(std::wstring_view name, uint32_t hash, VIniFileDataPtr value,
+                                bool isPrivate) {
     if (2 * (slots_.size() + 1) > index_.size()) Rehash(2 * index_.size());
     index_[Probe(name, hash)] = IndexEntry{static_cast<uint32_t>(slots_.size()), hash};
     slots_.push_back(Slot{name, std::move(value), hash, isPrivate});
@@ -94,7 +96,8 @@ void VIniFileValueTable::Rehash(size_t capacity) {
         // The first slot of a name holds its place; a later one of the same
         // name (emptied when read) is no lookup's answer.
         const size_t position = Probe(slots_[slot].name, slots_[slot].hash);
-        if (index_[position].slot == NoSlot) index_[position] = IndexEntry{static_cast<uint32_t>(slot), slots_[slot].hash};
+        if (index_[position].slot == NoSlot)
+            index_[position] = IndexEntry{static_cast<uint32_t>(slot), slots_[slot].hash};
     }
 }
 
@@ -108,7 +111,8 @@ void VIniFileValueTable::BeginReading(size_t expectedCount) {
 void VIniFileValueTable::Read(std::wstring_view name, VIniFileDataPtr value) {
     const uint32_t hash = HashOf(name);
     // A private name has its slot already, among few: it is filled at once.
-    for (size_t slot = 0; (privateHashBits_ & HashBit(hash)) && slot < PrivateValueNameCount; ++slot) {
+    for (size_t slot = 0; (privateHashBits_ & HashBit(hash)) && slot < PrivateValueNameCount;
+         ++slot) {
         if (slots_[slot].hash == hash && SameName(slots_[slot].name, name)) {
             value->MarkSensitive();
             slots_[slot].value = std::move(value);
@@ -130,8 +134,9 @@ void VIniFileValueTable::IndexRead() {
     const size_t mask = index_.size() - 1;
     for (size_t slot = indexed_; slot < slots_.size(); ++slot) {
         if (slot + PrefetchDistance < slots_.size())
-            _mm_prefetch(reinterpret_cast<const char*>(&index_[slots_[slot + PrefetchDistance].hash & mask]),
-                         _MM_HINT_T0);
+            _mm_prefetch(
+                reinterpret_cast<const char*>(&index_[slots_[slot + PrefetchDistance].hash & mask]),
+                _MM_HINT_T0);
         Slot& read = slots_[slot];
         const size_t position = Probe(read.name, read.hash);
         const uint32_t earlier = index_[position].slot;

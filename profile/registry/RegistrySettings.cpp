@@ -12,8 +12,12 @@ constexpr wchar_t OlderFamilyPath[] = L"SOFTWARE\\Quillon Works";
 constexpr wchar_t PolicyPath[] = L"Software\\Policies\\Quillon";
 constexpr wchar_t TerminalClient[] = L"Termwright";
 
-bool ReadValue(VRegistryKey& key, const VUnicodeString& name, uint32_t& value) { return key.GetDword(name, value); }
-bool ReadValue(VRegistryKey& key, const VUnicodeString& name, VUnicodeString& text) { return key.GetString(name, text); }
+bool ReadValue(VRegistryKey& key, const VUnicodeString& name, uint32_t& value) {
+    return key.GetDword(name, value);
+}
+bool ReadValue(VRegistryKey& key, const VUnicodeString& name, VUnicodeString& text) {
+    return key.GetString(name, text);
+}
 
 // The value from the first place that has it with the type of T.
 template <class T>
@@ -47,17 +51,20 @@ VUnicodeString WithSubkey(VUnicodeString path, const VUnicodeString& keyName) {
 
 bool IsTerminalClient(const VUnicodeString& application) {
     constexpr size_t length = std::size(TerminalClient) - 1;
-    return application.GetLength() >= length && application.Left(length).EqualsNoCase(TerminalClient);
+    return application.GetLength() >= length &&
+           application.Left(length).EqualsNoCase(TerminalClient);
 }
 
 template <class T>
 T ReadApplicationSetting(const VUnicodeString& name, const VUnicodeString& application,
                          const VUnicodeString& keyName, T value) {
     if (ReadPolicy(name, value)) return value;
-    const RegistryPlace own{HKEY_LOCAL_MACHINE, WithSubkey(VUnicodeString(FamilyPath) + L"\\" + application, keyName)};
+    const RegistryPlace own{HKEY_LOCAL_MACHINE,
+                            WithSubkey(VUnicodeString(FamilyPath) + L"\\" + application, keyName)};
     if (ReadFirst({own}, name, value)) return value;
     if (IsTerminalClient(application)) {
-        const VUnicodeString older = VUnicodeString(OlderFamilyPath) + L"\\" + application + L" 3.0";
+        const VUnicodeString older =
+            VUnicodeString(OlderFamilyPath) + L"\\" + application + L" 3.0";
         ReadFirst({{HKEY_LOCAL_MACHINE, WithSubkey(older, keyName)}}, name, value);
     }
     return value;
@@ -76,16 +83,23 @@ RegistryPlace FindFamilyRegistryBase() {
     return {HKEY_CURRENT_USER, FamilyPath};
 }
 
-bool GetPolicyDword(const VUnicodeString& valueName, uint32_t& value) { return ReadPolicy(valueName, value); }
+bool GetPolicyDword(const VUnicodeString& valueName, uint32_t& value) {
+    return ReadPolicy(valueName, value);
+}
 
-bool GetPolicyString(const VUnicodeString& valueName, VUnicodeString& text) { return ReadPolicy(valueName, text); }
+bool GetPolicyString(const VUnicodeString& valueName, VUnicodeString& text) {
+    return ReadPolicy(valueName, text);
+}
 
-uint32_t GetApplicationSettingDword(const VUnicodeString& valueName, const VUnicodeString& application,
+uint32_t GetApplicationSettingDword(const VUnicodeString& valueName,
+                                    const VUnicodeString& application,
                                     const VUnicodeString& keyName, uint32_t defaultValue) {
     return ReadApplicationSetting(valueName, application, keyName, defaultValue);
 }
 
-VUnicodeString GetApplicationSettingString(const VUnicodeString& valueName, const VUnicodeString& application,
-                                           const VUnicodeString& keyName, const VUnicodeString& defaultValue) {
+VUnicodeString GetApplicationSettingString(const VUnicodeString& valueName,
+                                           const VUnicodeString& application,
+                                           const VUnicodeString& keyName,
+                                           const VUnicodeString& defaultValue) {
     return ReadApplicationSetting(valueName, application, keyName, defaultValue);
 }

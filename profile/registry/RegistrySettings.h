@@ -34,7 +34,10 @@ bool GetPolicyString(const VUnicodeString& valueName, VUnicodeString& text);
 // for an application whose name begins with "Termwright" (in any case), in the
 // older HKEY_LOCAL_MACHINE\SOFTWARE\Quillon Works\<application> 3.0\<keyName>;
 // defaultValue when none has it. An empty keyName means the application's key itself.
-uint32_t GetApplicationSettingDword(const VUnicodeString& valueName, const VUnicodeString& application,
+uint32_t GetApplicationSettingDword(const VUnicodeString& valueName,
+                                    const VUnicodeString& application,
                                     const VUnicodeString& keyName, uint32_t defaultValue);
-VUnicodeString GetApplicationSettingString(const VUnicodeString& valueName, const VUnicodeString& application,
-                                           const VUnicodeString& keyName, const VUnicodeString& defaultValue);
+VUnicodeString GetApplicationSettingString(const VUnicodeString& valueName,
+                                           const VUnicodeString& application,
+                                           const VUnicodeString& keyName,
+                                           const VUnicodeString& defaultValue);

@@ -70,7 +70,8 @@ bool HasAccessList(const VSecurityDescriptor* descriptor) {
 }
 
 // Gives the subkey name of key (empty: key itself) the access list of descriptor.
-LSTATUS ApplyAccessList(HKEY key, const VUnicodeString& name, const VSecurityDescriptor& descriptor) {
+LSTATUS ApplyAccessList(HKEY key, const VUnicodeString& name,
+                        const VSecurityDescriptor& descriptor) {
     RegistryKeyHandle target;
     const LSTATUS status = OpenSubkey(key, name, WRITE_DAC, target);
     if (status != ERROR_SUCCESS) return status;
@@ -84,8 +85,9 @@ bool VRegistryKey::Create(HKEY parent, const VUnicodeString& path, REGSAM access
     SECURITY_ATTRIBUTES attributes = VSecurityDescriptor::SecurityAttributesFor(security);
     HKEY opened = nullptr;
     DWORD disposition = 0;
-    const LSTATUS status = RegCreateKeyExW(parent, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, access,
-                                           &attributes, &opened, &disposition);
+    const LSTATUS status =
+        RegCreateKeyExW(parent, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, access,
+                        &attributes, &opened, &disposition);
     handle_.Reset(status == ERROR_SUCCESS ? opened : nullptr);
     access_ = access;
     disposition_ = status == ERROR_SUCCESS ? disposition : 0;
@@ -128,7 +130,8 @@ LSTATUS VRegistryKey::NoHandleStatus() const noexcept {
     return openStatus_ != ERROR_SUCCESS ? openStatus_ : ERROR_INVALID_HANDLE;
 }
 
-bool VRegistryKey::ReadValue(const VUnicodeString& name, DWORD type, const BYTE*& data, size_t& size) {
+bool VRegistryKey::ReadValue(const VUnicodeString& name, DWORD type, const BYTE*& data,
+                             size_t& size) {
     if (fetched_ && fetched_->held && fetched_->name == name) {
         fetched_->held = false;
         if (fetched_->type != type) {
@@ -144,7 +147,8 @@ bool VRegistryKey::ReadValue(const VUnicodeString& name, DWORD type, const BYTE*
     for (;;) {
         DWORD actual = REG_NONE;
         DWORD length = static_cast<DWORD>(buffer_.size());
-        const LSTATUS status = RegQueryValueExW(handle_.Get(), name.c_str(), nullptr, &actual, buffer_.data(), &length);
+        const LSTATUS status = RegQueryValueExW(handle_.Get(), name.c_str(), nullptr, &actual,
+                                                buffer_.data(), &length);
         // Longer than the buffer (length is the size needed; another writer
         // may have made it longer still by the next call).
         if (status == ERROR_MORE_DATA && actual == type) {
@@ -214,12 +218,13 @@ bool VRegistryKey::GetBinary(const VUnicodeString& name, void* buffer, size_t& s
     return true;
 }
 
-bool VRegistryKey::SetValue(const VUnicodeString& name, DWORD type, const void* data, size_t length) {
+bool VRegistryKey::SetValue(const VUnicodeString& name, DWORD type, const void* data,
+                            size_t length) {
     DropFetched();
     if (!IsOpen()) return Record(NoHandleStatus());
     if (length > MAXDWORD) return Record(ERROR_INVALID_PARAMETER);
-    return Record(RegSetValueExW(handle_.Get(), name.c_str(), 0, type, static_cast<const BYTE*>(data),
-                                 static_cast<DWORD>(length)));
+    return Record(RegSetValueExW(handle_.Get(), name.c_str(), 0, type,
+                                 static_cast<const BYTE*>(data), static_cast<DWORD>(length)));
 }
 
 bool VRegistryKey::SetDword(const VUnicodeString& name, uint32_t value) {
@@ -230,10 +235,12 @@ bool VRegistryKey::SetString(const VUnicodeString& name, const VUnicodeString& t
     return SetValue(name, REG_SZ, text.c_str(), (text.GetLength() + 1) * sizeof(wchar_t));
 }
 
-bool VRegistryKey::SetMultiString(const VUnicodeString& name, const VArray<VUnicodeString>& strings) {
+bool VRegistryKey::SetMultiString(const VUnicodeString& name,
+                                  const VArray<VUnicodeString>& strings) {
     WipedVector<wchar_t> data;
     for (const VUnicodeString& text : strings) {
-        if (text.IsEmpty() || wcslen(text.c_str()) != text.GetLength()) return Record(ERROR_INVALID_PARAMETER);
+        if (text.IsEmpty() || wcslen(text.c_str()) != text.GetLength())
+            return Record(ERROR_INVALID_PARAMETER);
         data.insert(data.end(), text.c_str(), text.c_str() + text.GetLength() + 1);
     }
     data.push_back(L'\0');
@@ -268,17 +275,18 @@ bool VRegistryKey::GetSecurity(const VUnicodeString& name, VSecurityDescriptor& 
     RegistryKeyHandle key;
     LSTATUS status = OpenSubkey(handle_.Get(), name, READ_CONTROL, key);
     if (status != ERROR_SUCCESS) return Record(status);
-    const SECURITY_INFORMATION parts = OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION |
-                                       DACL_SECURITY_INFORMATION;
+    const SECURITY_INFORMATION parts =
+        OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION;
     std::vector<BYTE> bytes;
     DWORD size = 0;
     // The first call only asks the size; loop in case the descriptor grows meanwhile.
-    while ((status = RegGetKeySecurity(key.Get(), parts, bytes.empty() ? nullptr : bytes.data(), &size)) ==
-           ERROR_INSUFFICIENT_BUFFER) {
+    while ((status = RegGetKeySecurity(key.Get(), parts, bytes.empty() ? nullptr : bytes.data(),
+                                       &size)) == ERROR_INSUFFICIENT_BUFFER) {
         bytes.resize(size);
     }
     if (status != ERROR_SUCCESS) return Record(status);
-    if (!descriptor.AssignBytes(bytes.data(), size)) return Record(static_cast<LSTATUS>(GetLastError()));
+    if (!descriptor.AssignBytes(bytes.data(), size))
+        return Record(static_cast<LSTATUS>(GetLastError()));
     return Record(ERROR_SUCCESS);
 }
 
@@ -299,7 +307,8 @@ bool VRegistryKey::EnumSubkey(DWORD index, VUnicodeString& name) {
     return Record(EnumSubkeyName(handle_.Get(), index, name));
 }
 
-bool VRegistryKey::EnumValue(DWORD index, VUnicodeString& name, DWORD& type, VRegistryFetchedValue* fetched) {
+bool VRegistryKey::EnumValue(DWORD index, VUnicodeString& name, DWORD& type,
+                             VRegistryFetchedValue* fetched) {
     if (!IsOpen()) return Record(NoHandleStatus());
     if (fetched) {
         // Name and data in one call while both fit their buffers; else the
@@ -308,8 +317,8 @@ bool VRegistryKey::EnumValue(DWORD index, VUnicodeString& name, DWORD& type, VRe
         fetched->data.resize(std::max(fetched->data.capacity(), FetchedValueCapacity));
         DWORD length = FetchedNameCapacity;
         DWORD size = static_cast<DWORD>(fetched->data.size());
-        const LSTATUS status = RegEnumValueW(handle_.Get(), index, name.GetBuffer(length - 1), &length, nullptr,
-                                             &type, fetched->data.data(), &size);
+        const LSTATUS status = RegEnumValueW(handle_.Get(), index, name.GetBuffer(length - 1),
+                                             &length, nullptr, &type, fetched->data.data(), &size);
         name.ReleaseBuffer(status == ERROR_SUCCESS ? length : 0);
         if (status == ERROR_SUCCESS) {
             fetched->name = name;
@@ -321,6 +330,7 @@ bool VRegistryKey::EnumValue(DWORD index, VUnicodeString& name, DWORD& type, VRe
         if (status != ERROR_MORE_DATA) return Record(status);
     }
     return Record(EnumerateName(name, [&](wchar_t* buffer, DWORD* length) {
-        return RegEnumValueW(handle_.Get(), index, buffer, length, nullptr, &type, nullptr, nullptr);
+        return RegEnumValueW(handle_.Get(), index, buffer, length, nullptr, &type, nullptr,
+                             nullptr);
     }));
 }

@@ -49,7 +49,8 @@ public:
     // key gets the access list of security explicitly as well (Wine drops the
     // creation attributes); when that fails, the key is not kept open.
     // Replaces any handle held before, also when it fails.
-    bool Create(HKEY parent, const VUnicodeString& path, REGSAM access, const VSecurityDescriptor* security);
+    bool Create(HKEY parent, const VUnicodeString& path, REGSAM access,
+                const VSecurityDescriptor* security);
     // RegOpenKeyExW: opens path under parent with access, creating nothing.
     bool Open(HKEY parent, const VUnicodeString& path, REGSAM access);
 
@@ -67,9 +68,10 @@ public:
     // another type than asked fails as absent and changes nothing of the
     // caller's. The read right after the value iterator fetched that value
     // takes it from there (UseFetched) without asking the registry.
-    bool GetDword(const VUnicodeString& name, uint32_t& value);                // REG_DWORD
-    bool GetString(const VUnicodeString& name, VUnicodeString& text);          // REG_SZ
-    bool GetMultiString(const VUnicodeString& name, VArray<VUnicodeString>& strings);  // REG_MULTI_SZ
+    bool GetDword(const VUnicodeString& name, uint32_t& value);        // REG_DWORD
+    bool GetString(const VUnicodeString& name, VUnicodeString& text);  // REG_SZ
+    bool GetMultiString(const VUnicodeString& name,
+                        VArray<VUnicodeString>& strings);  // REG_MULTI_SZ
     // REG_BINARY. With no buffer, size receives the size needed. With one, size
     // is its capacity on entry and the bytes written on return; too small a
     // buffer fails with ERROR_MORE_DATA and size set to the size needed.
@@ -110,11 +112,14 @@ public:
     bool EnumSubkey(DWORD index, VUnicodeString& name);
     // With fetched, the value's data is fetched into it in the same call where
     // it fits the buffer (fetched->held tells whether it did).
-    bool EnumValue(DWORD index, VUnicodeString& name, DWORD& type, VRegistryFetchedValue* fetched = nullptr);
+    bool EnumValue(DWORD index, VUnicodeString& name, DWORD& type,
+                   VRegistryFetchedValue* fetched = nullptr);
 
     // Reads take a value from fetched, once, when it holds the one asked for
     // by exactly that name; a write or deletion through this key drops it.
-    void UseFetched(std::shared_ptr<VRegistryFetchedValue> fetched) { fetched_ = std::move(fetched); }
+    void UseFetched(std::shared_ptr<VRegistryFetchedValue> fetched) {
+        fetched_ = std::move(fetched);
+    }
 
 private:
     // Stores status as the last result; true when it is ERROR_SUCCESS.

@@ -42,8 +42,8 @@ private:
     bool values_;
 };
 
-VRegistryProfileKey::VRegistryProfileKey(HKEY parent, const VUnicodeString& path, bool readOnly, bool create,
-                                         const VSecurityDescriptor* security)
+VRegistryProfileKey::VRegistryProfileKey(HKEY parent, const VUnicodeString& path, bool readOnly,
+                                         bool create, const VSecurityDescriptor* security)
     : readOnly_(readOnly) {
     if (!readOnly) {
         const bool opened = create ? key_.Create(parent, path, WriteAccess, security)
@@ -55,11 +55,16 @@ VRegistryProfileKey::VRegistryProfileKey(HKEY parent, const VUnicodeString& path
 
 uint32_t VRegistryProfileKey::KindOfType(DWORD type) noexcept {
     switch (type) {
-    case REG_DWORD: return ProfileDword;
-    case REG_SZ: return ProfileString;
-    case REG_BINARY: return ProfileBinary;
-    case REG_MULTI_SZ: return ProfileMultiString;
-    default: return NoKind;
+        case REG_DWORD:
+            return ProfileDword;
+        case REG_SZ:
+            return ProfileString;
+        case REG_BINARY:
+            return ProfileBinary;
+        case REG_MULTI_SZ:
+            return ProfileMultiString;
+        default:
+            return NoKind;
     }
 }
 
@@ -67,7 +72,8 @@ bool VRegistryProfileKey::GetSecurity(const VUnicodeString& name, VSecurityDescr
     return key_.GetSecurity(name, descriptor);
 }
 
-bool VRegistryProfileKey::GetMultiString(const VUnicodeString& name, VArray<VUnicodeString>& strings) {
+bool VRegistryProfileKey::GetMultiString(const VUnicodeString& name,
+                                         VArray<VUnicodeString>& strings) {
     return key_.GetMultiString(name, strings);
 }
 
@@ -79,13 +85,17 @@ bool VRegistryProfileKey::GetString(const VUnicodeString& name, VUnicodeString& 
     return key_.GetString(name, text);
 }
 
-bool VRegistryProfileKey::GetDword(const VUnicodeString& name, uint32_t& value) { return key_.GetDword(name, value); }
+bool VRegistryProfileKey::GetDword(const VUnicodeString& name, uint32_t& value) {
+    return key_.GetDword(name, value);
+}
 
-bool VRegistryProfileKey::SetSecurity(const VUnicodeString& name, const VSecurityDescriptor& descriptor) {
+bool VRegistryProfileKey::SetSecurity(const VUnicodeString& name,
+                                      const VSecurityDescriptor& descriptor) {
     return key_.SetSecurity(name, descriptor);
 }
 
-bool VRegistryProfileKey::SetMultiString(const VUnicodeString& name, const VArray<VUnicodeString>& strings) {
+bool VRegistryProfileKey::SetMultiString(const VUnicodeString& name,
+                                         const VArray<VUnicodeString>& strings) {
     return key_.SetMultiString(name, strings);
 }
 
@@ -97,7 +107,9 @@ bool VRegistryProfileKey::SetString(const VUnicodeString& name, const VUnicodeSt
     return key_.SetString(name, text);
 }
 
-bool VRegistryProfileKey::SetDword(const VUnicodeString& name, uint32_t value) { return key_.SetDword(name, value); }
+bool VRegistryProfileKey::SetDword(const VUnicodeString& name, uint32_t value) {
+    return key_.SetDword(name, value);
+}
 
 bool VRegistryProfileKey::DeleteValue(const VUnicodeString& name) { return key_.DeleteValue(name); }
 
@@ -105,25 +117,31 @@ bool VRegistryProfileKey::DeleteKey(const VUnicodeString& name) { return key_.De
 
 bool VRegistryProfileKey::KeyExists(const VUnicodeString& name) { return key_.KeyExists(name); }
 
-bool VRegistryProfileKey::IsWritable() { return key_.IsOpen() && (key_.GetAccess() & KEY_SET_VALUE) != 0; }
+bool VRegistryProfileKey::IsWritable() {
+    return key_.IsOpen() && (key_.GetAccess() & KEY_SET_VALUE) != 0;
+}
 
 bool VRegistryProfileKey::IsVolatile() { return false; }
 
-VReportMessageParams& VRegistryProfileKey::GetLastErrorParams() { return key_.GetLastErrorParams(); }
+VReportMessageParams& VRegistryProfileKey::GetLastErrorParams() {
+    return key_.GetLastErrorParams();
+}
 
 bool VRegistryProfileKey::Reload() { return key_.IsOpen(); }
 
 bool VRegistryProfileKey::Flush() { return key_.Flush(); }
 
-std::unique_ptr<VProfilePrivateKey> VRegistryProfileKey::OpenKey(const VUnicodeString& name, bool create,
-                                                                 const VSecurityDescriptor* security) {
-    auto subkey = std::make_unique<VRegistryProfileKey>(key_.GetHandle(), name, readOnly_, create, security);
+std::unique_ptr<VProfilePrivateKey> VRegistryProfileKey::OpenKey(
+    const VUnicodeString& name, bool create, const VSecurityDescriptor* security) {
+    auto subkey =
+        std::make_unique<VRegistryProfileKey>(key_.GetHandle(), name, readOnly_, create, security);
     if (subkey->IsOpen()) return subkey;
     GetLastErrorParams() = subkey->GetLastErrorParams();
     return nullptr;
 }
 
-std::unique_ptr<VProfilePrivateKeyIterator> VRegistryProfileKey::CreatePrivateKeyIterator(bool values) {
+std::unique_ptr<VProfilePrivateKeyIterator> VRegistryProfileKey::CreatePrivateKeyIterator(
+    bool values) {
     std::shared_ptr<VRegistryFetchedValue> fetched;
     if (values) {
         fetched = std::make_shared<VRegistryFetchedValue>();

@@ -7,7 +7,9 @@ VIpcLock::VIpcLock(const wchar_t* name, SECURITY_ATTRIBUTES* security)
     RecordLastSystemError(report_);
 }
 
-bool VIpcLock::IsValid() const noexcept { return mutex_.Get() != nullptr && mutex_.Get() != INVALID_HANDLE_VALUE; }
+bool VIpcLock::IsValid() const noexcept {
+    return mutex_.Get() != nullptr && mutex_.Get() != INVALID_HANDLE_VALUE;
+}
 
 bool VIpcLock::Lock() {
     if (!IsValid()) return false;

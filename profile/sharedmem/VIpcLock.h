@@ -27,6 +27,7 @@ public:
 private:
     ~VIpcLock() override = default;  // closing keeps the thread's last error
 
-    VReportMessageParams report_;  // before the mutex: nothing may run between its creation and the record
+    VReportMessageParams
+        report_;  // before the mutex: nothing may run between its creation and the record
     KernelHandle mutex_;
 };

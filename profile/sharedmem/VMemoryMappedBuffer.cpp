@@ -3,8 +3,8 @@
 #include <cstring>
 #include <stdexcept>
 
-VMemoryMappedBuffer::VMemoryMappedBuffer(const wchar_t* blockName, const wchar_t* lockName, size_t size,
-                                         SECURITY_ATTRIBUTES* security)
+VMemoryMappedBuffer::VMemoryMappedBuffer(const wchar_t* blockName, const wchar_t* lockName,
+                                         size_t size, SECURITY_ATTRIBUTES* security)
     : lock_(VRefPtr<VIpcLock>::Adopt(new VIpcLock(lockName, security))) {
     if (!lock_->IsValid()) {
         SetLastError(lock_->GetLastErrorParams().GetMessageCode());
@@ -28,13 +28,15 @@ VMemoryMappedBuffer::~VMemoryMappedBuffer() {
     SetLastError(lastError);
 }
 
-void VMemoryMappedBuffer::Map(const wchar_t* blockName, size_t size, SECURITY_ATTRIBUTES* security) {
+void VMemoryMappedBuffer::Map(const wchar_t* blockName, size_t size,
+                              SECURITY_ATTRIBUTES* security) {
     // The handle is never inherited, whatever the caller's attributes say.
     SECURITY_ATTRIBUTES attributes{sizeof attributes, nullptr, FALSE};
     if (security) attributes.lpSecurityDescriptor = security->lpSecurityDescriptor;
     const uint64_t size64 = size;
     mapping_.Reset(CreateFileMappingW(INVALID_HANDLE_VALUE, &attributes, PAGE_READWRITE,
-                                      static_cast<DWORD>(size64 >> 32), static_cast<DWORD>(size64), blockName));
+                                      static_cast<DWORD>(size64 >> 32), static_cast<DWORD>(size64),
+                                      blockName));
     const DWORD created = GetLastError();
     if (!mapping_) return;
     const bool existed = created == ERROR_ALREADY_EXISTS;

@@ -13,7 +13,8 @@ VSharedMemoryCache::VSharedMemoryCache(const VUnicodeString& name, size_t size) 
     // caller's session, and the SID keeps them apart from other users'.
     VSecurityDescriptor descriptor;
     VUnicodeString user;
-    if (!descriptor.AssignCurrentUserAccess() || !GetCurrentUserSidString(user)) return;  // last error says why
+    if (!descriptor.AssignCurrentUserAccess() || !GetCurrentUserSidString(user))
+        return;  // last error says why
     if (size > VMemoryMappedBuffer::AnySize - HolderCountSize - 1) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return;
@@ -22,8 +23,8 @@ VSharedMemoryCache::VSharedMemoryCache(const VUnicodeString& name, size_t size) 
     const VUnicodeString blockName = name + user;
     const VUnicodeString lockName = LockNamePrefix + user;
 
-    auto buffer = VRefPtr<VMemoryMappedBuffer>::Adopt(
-        new VMemoryMappedBuffer(blockName.c_str(), lockName.c_str(), size + HolderCountSize, &attributes));
+    auto buffer = VRefPtr<VMemoryMappedBuffer>::Adopt(new VMemoryMappedBuffer(
+        blockName.c_str(), lockName.c_str(), size + HolderCountSize, &attributes));
     if (GetLastError() != ERROR_SUCCESS) return;  // releasing the buffer keeps the error
     buffer_ = buffer;
     InterlockedIncrement(HolderCount());

@@ -41,7 +41,8 @@ bool VEncryptedString::SetPlainText(const VUnicodeString& plain, const VUnicodeS
     return true;
 }
 
-bool VEncryptedString::Reseal(const VUnicodeString& name, VReportMessageParams& report, IRandomSource* random) {
+bool VEncryptedString::Reseal(const VUnicodeString& name, VReportMessageParams& report,
+                              IRandomSource* random) {
     const VUnicodeString now = GetPassphrase();
     VUnicodeString plain(Str::Sensitive);
     VReportMessageParams unopened;
@@ -51,9 +52,11 @@ bool VEncryptedString::Reseal(const VUnicodeString& name, VReportMessageParams& 
             break;
         case Form::Passphrase:
             if (!now.IsEmpty() && now == sealedUnder_) return false;
-            if (sealedUnder_.IsEmpty() || !PassphraseForm::Decode(*this, sealedUnder_, plain, name, unopened)) {
+            if (sealedUnder_.IsEmpty() ||
+                !PassphraseForm::Decode(*this, sealedUnder_, plain, name, unopened)) {
                 // Taken in before its pass phrase was known: maybe the one in use.
-                if (!now.IsEmpty() && PassphraseForm::Decode(*this, now, plain, name, unopened)) sealedUnder_ = now;
+                if (!now.IsEmpty() && PassphraseForm::Decode(*this, now, plain, name, unopened))
+                    sealedUnder_ = now;
                 return false;
             }
             break;

@@ -62,7 +62,8 @@ public:
     // True when the text changed; false, with the text unchanged, when it
     // needs nothing, cannot be opened (it is kept as it is) or cannot be
     // sealed (report tells why).
-    bool Reseal(const VUnicodeString& name, VReportMessageParams& report, IRandomSource* random = nullptr);
+    bool Reseal(const VUnicodeString& name, VReportMessageParams& report,
+                IRandomSource* random = nullptr);
 
 private:
     // The provider's pass phrase in a sensitive string; empty when none.

@@ -6,7 +6,8 @@ bool VProfileDword::WriteNumber(VProfileKey& key, uint32_t number) {
     if (!formerName.IsEmpty()) {
         // A key without the former value (another one than the value was read
         // from) has nothing to remove.
-        if (!key.DeleteValue(formerName) && key.GetLastErrorParams().GetMessageCode() != ERROR_FILE_NOT_FOUND)
+        if (!key.DeleteValue(formerName) &&
+            key.GetLastErrorParams().GetMessageCode() != ERROR_FILE_NOT_FOUND)
             return false;
         ClearPendingFormerName();
     }
