@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <random>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "VProfilePrivate.h"
@@ -82,29 +83,39 @@ inline void Store(VProfilePrivateKey& key, const std::vector<Value>& values) {
     }
 }
 
-// Reads every value; the number read (a check that the load was complete).
-inline size_t LoadAll(VProfilePrivateKey& key, const std::vector<Value>& values) {
-    size_t read = 0;
+// Where the readers below put what they read, kept by the caller between
+// reads so that a loop measures the reads, not allocations.
+struct ReadScratch {
     uint32_t number = 0;
     VUnicodeString text;
     VArray<VUnicodeString> strings;
     uint8_t buffer[256];
-    for (const Value& value : values) {
-        const VUnicodeString& name = value.valueName;
-        size_t size = sizeof buffer;
-        switch (value.kind) {
-            case ProfileDword:
-                read += key.GetDword(name, number);
-                break;
-            case ProfileString:
-                read += key.GetString(name, text);
-                break;
-            case ProfileBinary:
-                read += key.GetBinary(name, buffer, size);
-                break;
-            default:
-                read += key.GetMultiString(name, strings);
+};
+
+// Reads one value with the getter of its kind; whether it was read. Key is a
+// private key or the public VProfileKey, which counts binary sizes in 32 bits.
+template <class Key>
+bool ReadValueOfKind(Key& key, const VUnicodeString& name, uint32_t kind, ReadScratch& scratch) {
+    switch (kind) {
+        case ProfileDword:
+            return key.GetDword(name, scratch.number);
+        case ProfileString:
+            return key.GetString(name, scratch.text);
+        case ProfileBinary: {
+            std::conditional_t<std::is_base_of_v<VProfilePrivateKey, Key>, size_t, uint32_t> size =
+                sizeof scratch.buffer;
+            return key.GetBinary(name, scratch.buffer, size);
         }
+        default:
+            return key.GetMultiString(name, scratch.strings);
     }
+}
+
+// Reads every value; the number read (a check that the load was complete).
+inline size_t LoadAll(VProfilePrivateKey& key, const std::vector<Value>& values) {
+    size_t read = 0;
+    ReadScratch scratch;
+    for (const Value& value : values)
+        read += ReadValueOfKind(key, value.valueName, value.kind, scratch);
     return read;
 }

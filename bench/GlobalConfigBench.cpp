@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "BenchSupport.h"
+#include "BenchValues.h"
 #include "GlobalConfig.h"
 #include "VIniFileStoreFactory.h"
 #include "VRegistryStoreFactory.h"
@@ -114,26 +115,8 @@ size_t ReadUntyped(VProfileStoreFactory& factory,
     VProfileStore store(&factory, true);
     VProfileKey key(store.GetRootKey(), GlobalConfig::KeyName, false);
     size_t read = 0;
-    uint32_t number = 0;
-    VUnicodeString text;
-    VArray<VUnicodeString> strings;
-    uint8_t buffer[256];
-    for (const auto& [name, kind] : entries) {
-        uint32_t size = sizeof buffer;
-        switch (kind) {
-            case ProfileDword:
-                read += key.GetDword(name, number);
-                break;
-            case ProfileString:
-                read += key.GetString(name, text);
-                break;
-            case ProfileBinary:
-                read += key.GetBinary(name, buffer, size);
-                break;
-            default:
-                read += key.GetMultiString(name, strings);
-        }
-    }
+    ReadScratch scratch;
+    for (const auto& [name, kind] : entries) read += ReadValueOfKind(key, name, kind, scratch);
     return read;
 }
 

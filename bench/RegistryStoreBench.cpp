@@ -90,29 +90,11 @@ void WriteFloor(const std::vector<RawValue>& values) {
 // Every listed value, read with the getter of its kind; the number read.
 size_t ReadListed(VProfilePrivateKey& key) {
     size_t read = 0;
-    uint32_t number = 0;
-    VUnicodeString text;
-    VArray<VUnicodeString> strings;
-    uint8_t buffer[256];
+    ReadScratch scratch;
     const auto iterator = key.CreatePrivateKeyIterator(true);
     VUnicodeString name;
     uint32_t kind = 0;
-    while (iterator->Next(name, kind)) {
-        size_t size = sizeof buffer;
-        switch (kind) {
-            case ProfileDword:
-                read += key.GetDword(name, number);
-                break;
-            case ProfileString:
-                read += key.GetString(name, text);
-                break;
-            case ProfileBinary:
-                read += key.GetBinary(name, buffer, size);
-                break;
-            default:
-                read += key.GetMultiString(name, strings);
-        }
-    }
+    while (iterator->Next(name, kind)) read += ReadValueOfKind(key, name, kind, scratch);
     return read;
 }
 
