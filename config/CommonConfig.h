@@ -15,7 +15,7 @@ class ICommonConfig : public IClonable {
 public:
     // Null when the object holds none; the object keeps its reference.
     virtual RemoteHostConfig* GetRemoteHostConfig() const = 0;
-    // Part 1 or 2 (0 is the remote host); null when there is none.
+    // The part at index 1 or 2 (index 0 is the remote host); null when there is none.
     virtual IClonable* GetPart(size_t index) const = 0;
 
 protected:
